@@ -1,0 +1,55 @@
+# Settings of every target of the project: warnings as errors, hardening, the version resource.
+
+add_library(project_settings INTERFACE)
+target_include_directories(project_settings INTERFACE "${PROJECT_SOURCE_DIR}/suite/include" "${PROJECT_SOURCE_DIR}/include")
+target_compile_definitions(project_settings INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00
+                           # The service calls the 1.1 interface; 3.x builds it too and must not warn about it.
+                           OPENSSL_API_COMPAT=0x10100000L)
+if(MSVC)
+  target_compile_options(project_settings INTERFACE /W4 /WX /utf-8 /guard:cf /permissive-)
+  target_link_options(project_settings INTERFACE /DYNAMICBASE /NXCOMPAT /HIGHENTROPYVA /guard:cf)
+else()
+  target_compile_options(
+    project_settings
+    INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+              -Wcast-qual -Wformat=2 -Wundef -Werror -fstack-protector-strong
+              # GetProcAddress returns one function type for every function.
+              -Wno-cast-function-type)
+  target_link_options(project_settings INTERFACE -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
+                      -Wl,--exclude-all-symbols -fstack-protector-strong)
+endif()
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
+  target_compile_definitions(project_settings INTERFACE _FORTIFY_SOURCE=2)
+endif()
+
+# userauth_version_resource(TARGET "description"): a VERSIONINFO resource for a library or program.
+function(userauth_version_resource target description)
+  set(USERAUTH_FILE_DESCRIPTION "${description}")
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set(USERAUTH_FILE_TYPE VFT_APP)
+    set(USERAUTH_FILE_NAME "${target}.exe")
+  else()
+    set(USERAUTH_FILE_TYPE VFT_DLL)
+    set(USERAUTH_FILE_NAME "${target}.dll")
+  endif()
+  string(REPLACE "." "," USERAUTH_VERSION_NUMBERS "${PROJECT_VERSION}")
+  set(resource "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/VersionInfo.rc.in" "${resource}" @ONLY)
+  target_sources(${target} PRIVATE "${resource}")
+endfunction()
+
+# userauth_add_dll(NAME "description" SOURCES...): a shared library of the project, NAME.dll.
+function(userauth_add_dll target description)
+  add_library(${target} SHARED ${ARGN})
+  set_target_properties(${target} PROPERTIES PREFIX "")
+  target_link_libraries(${target} PRIVATE project_settings)
+  userauth_version_resource(${target} "${description}")
+endfunction()
+
+# userauth_add_program(NAME "description" SOURCES...): a console program of the project, NAME.exe.
+function(userauth_add_program target description)
+  add_executable(${target} ${ARGN})
+  target_link_libraries(${target} PRIVATE project_settings)
+  userauth_version_resource(${target} "${description}")
+endfunction()

@@ -1,0 +1,52 @@
+# The third-party libraries as imported targets. USERAUTH_THIRD_PARTY is the folder of links that cmake/deps/build.sh
+# made, one a library; without it (MSVC) a package manager supplies them.
+
+if(USERAUTH_THIRD_PARTY)
+  foreach(library IN ITEMS openssl jsoncpp curl zlib brotli httplib spdlog cli11 googletest)
+    if(NOT EXISTS "${USERAUTH_THIRD_PARTY}/${library}")
+      message(FATAL_ERROR "${library} is missing under ${USERAUTH_THIRD_PARTY}: run ./dev setup first")
+    endif()
+    list(APPEND CMAKE_FIND_ROOT_PATH "${USERAUTH_THIRD_PARTY}/${library}")
+    list(APPEND CMAKE_PREFIX_PATH "${USERAUTH_THIRD_PARTY}/${library}")
+  endforeach()
+  set(OPENSSL_ROOT_DIR "${USERAUTH_THIRD_PARTY}/openssl")
+endif()
+
+find_package(OpenSSL REQUIRED)
+find_package(jsoncpp CONFIG REQUIRED)
+find_package(CURL CONFIG REQUIRED)
+find_package(GTest CONFIG REQUIRED)
+
+# Header-only libraries.
+function(userauth_header_only target header)
+  find_path(${target}_INCLUDE "${header}" REQUIRED)
+  add_library(${target} INTERFACE)
+  target_include_directories(${target} SYSTEM INTERFACE "${${target}_INCLUDE}")
+endfunction()
+
+userauth_header_only(third_party_httplib httplib.h)
+userauth_header_only(third_party_cli11 CLI/CLI.hpp)
+userauth_header_only(third_party_spdlog spdlog/spdlog.h)
+target_compile_definitions(third_party_spdlog INTERFACE SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
+
+# Copies what programs need at run time beside them: the libraries' DLLs and, for MinGW, the compiler's runtime.
+set(runtime_dlls)
+if(USERAUTH_THIRD_PARTY)
+  file(GLOB runtime_dlls "${USERAUTH_THIRD_PARTY}/openssl/bin/*.dll" "${USERAUTH_THIRD_PARTY}/jsoncpp/bin/*.dll"
+       "${USERAUTH_THIRD_PARTY}/curl/bin/*.dll")
+endif()
+if(MINGW)
+  foreach(dll IN ITEMS libgcc_s_seh-1.dll libssp-0.dll libstdc++-6.dll libwinpthread-1.dll)
+    execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${dll} OUTPUT_VARIABLE path
+                    OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS "${path}")
+      set(path "/usr/x86_64-w64-mingw32/lib/${dll}")
+    endif()
+    list(APPEND runtime_dlls "${path}")
+  endforeach()
+endif()
+file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+foreach(dll IN LISTS runtime_dlls)
+  get_filename_component(name "${dll}" NAME)
+  configure_file("${dll}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}" COPYONLY)
+endforeach()
