@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+
+#include "UserAuthTypes.h"
+
+// A module handle as the platform's own headers declare it, without including them.
+struct HINSTANCE__;
+
+// Frees a loaded library.
+struct ModuleRelease {
+    void operator()(HINSTANCE__* module) const noexcept;
+};
+using OwnedModule = std::unique_ptr<HINSTANCE__, ModuleRelease>;
+
+// Entry points of the account SDK, in the order in which they are resolved; null when the export is missing.
+// Texts are UTF-8.
+struct AccountSdkEntryPoints {
+    int (*init)() = nullptr;  // 0: success
+    int (*uninit)() = nullptr;
+    int (*signIn)(const char* applicationId, const char* scopes, const char* location) = nullptr;
+    int (*openAccountCenter)() = nullptr;                                 // 0: success
+    int (*hasAccountChanged)(const char* userId) = nullptr;               // 11: changed
+    int (*registerNotifyFunction)(ZmsNotifyCallback callback) = nullptr;  // 0: success
+    void (*isSupportAccount)() = nullptr;  // resolved and kept; never called, its signature is not known
+    void (*getOAuthDomain)() = nullptr;    // as above
+    int (*isAccountLoggedIn)() = nullptr;  // 0: logged in
+    int (*setLogoutEnable)(const char* entryJson) = nullptr;
+};

@@ -1,0 +1,178 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "AccountSdk.h"
+#include "AccountStateLock.h"
+#include "UserAuthExport.h"
+#include "UserAuthTypes.h"
+
+class GlobalParamWrapper;
+namespace Json {
+class Value;
+}
+
+// The access-token refresh object of the service. Carries no data.
+class RefreshTokenOperate {
+public:
+    virtual ~RefreshTokenOperate();
+};
+
+// The user-authentication service: one object per process that holds the account state and runs every operation.
+//
+// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws. Several
+// may run at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a
+// callback.
+//
+// Wide texts are UTF-16. A reply's member that is missing or of the wrong type reads as empty text or 0.
+class USERAUTH_API UserAuthService {
+public:
+    // The singleton, created by the first call (any thread; concurrent first callers wait) and destroyed at process
+    // exit. Creation loads ZVAccountSdk.dll from the library's own folder. When that fails a message box shows the
+    // system's error code and blocks until it is closed; the service is created nevertheless, and its SDK operations
+    // answer -1 or false.
+    static UserAuthService* GetInstance();
+
+    ~UserAuthService();
+    UserAuthService(const UserAuthService&) = delete;
+    UserAuthService& operator=(const UserAuthService&) = delete;
+
+#if !defined(_MSC_VER)
+    // Fills the object storage with zero bytes before construction. Only GetInstance calls it; MSVC generates its own.
+    void __autoclassinit2(std::size_t size);
+#endif
+
+    // ---- Account state
+    // ----------------------------------------------------------------------------------------------- Any thread; each
+    // call is atomic. The setters of the tokens and of the user id hand the value to the parameter store before another
+    // thread can read it from here.
+
+    // Signs out of the account state: empties access token, refresh token, user id and portrait path. Leaves everything
+    // else, and the parameter store, as they are.
+    void Clear();
+
+    const std::wstring GetCurrentAT();
+    const std::wstring GetCurrentRT();
+    const std::wstring GetCurrentUserID();
+    const std::wstring GetCurrentUserName();
+    const std::wstring GetCurrentUserHeadImageUrl();
+    const std::wstring GetCurrentUserHeadImageLocalPath();
+    const std::wstring GetCurrentCountryCode();
+    int GetCurrentUserAccountBrandID();
+
+    void SetCurrentAT(const std::wstring& accessToken);
+    void SetCurrentRT(const std::wstring& refreshToken);
+    void SetCurrrentUserID(const std::wstring& userId);  // three r's: the exported name
+    void SetCurrentUserHeadImageLocalPath(const std::wstring& path);
+    void SetCurrentUserInfo(const std::wstring& userId, const std::wstring& userName, const std::wstring& headImageUrl,
+                            int brandId);
+
+    // ---- Read and written without the lock, by design
+    // ------------------------------------------------------------------ The host orders these itself: it reads them
+    // after the operation that writes them has returned.
+
+    std::string GetCountryCode();  // UTF-8
+    std::string GetLanguageType() const;
+    bool GetCurrentPriviledge();
+    bool GetClientLogReportStatus();
+    bool IsActiveAccount();
+    bool IsAvailableCountry();
+    std::vector<std::wstring> GetValidModule();
+    void SetRealUserKey(std::vector<std::uint8_t> key);
+    std::vector<std::uint8_t> GetRealUserKey();
+
+    GlobalParamWrapper* GetGPWPtr();
+
+    // ---- Tokens
+    // --------------------------------------------------------------------------------------------------------
+
+    // Exchanges an authorization code (ASCII, null reads as empty) for access token, refresh token and registration
+    // country, and stores them. The first argument is not used: deliberate, callers pass the code twice. True when the
+    // portal answered 200 with an access token, a country and the result code "0".
+    bool RequestAT(std::string code, const char* authorizationCode);
+
+    // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
+    // with
+    // "_" between them. Two calls for one command within a second give the same id.
+    std::wstring GetTraceID(BaseCmd command);
+
+    // ---- Account SDK
+    // --------------------------------------------------------------------------------------------------- Thin calls on
+    // the caller's thread; the SDK's own code is passed through, -1 when its entry point is missing. Order: InitZms
+    // before any other of them and before the first request, then ZmsSignIn; UnInitializeSDK at shutdown.
+
+    // Tells the parameter store to start sending, initialises the SDK and registers the callback. 0 on success.
+    int InitZms(ZmsNotifyCallback callback);
+    // When the SDK's "Init" fails its "Uninit" is called and that one's code is returned.
+    ZvIdErrorType InitializeSDK();
+    ZvIdErrorType UnInitializeSDK();
+    ZvIdErrorType RegisterNotifyFunctionInvoke(ZmsNotifyCallback callback);
+    // Starts the sign-in; its outcome, with the authorization code, comes through the callback.
+    ZvIdErrorType ZmsSignIn();
+    ZvIdErrorType OpenAccountCenterInvoke();
+    // Gives the SDK the logout entry to show; both texts UTF-8.
+    ZvIdErrorType RegisterLogout(std::string& name, std::string& description);
+    bool IsZmsAccountChanged(std::wstring& userId);
+    bool IsZmsSignIn();
+
+    // Asks the routing service at the given URL. Returns the reply text of a 200, empty text on any other outcome.
+    // headers receives the reply's headers.
+    std::string GetRtqRemoteInfo(std::wstring url, std::map<std::string, std::string>& headers);
+
+private:
+    friend class UserAuthServiceAccess;  // the one door for tests; the library does not define it
+    struct Storage;
+
+    UserAuthService();
+
+    bool LoadZMSSDKLibrary();
+    void UpdateAppIdConfig();
+    std::wstring GetRandom(int length);
+    std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
+    std::string GetAuthorizationContents();
+    Json::Value StringToJson(std::string text);
+
+    bool m_bSdkLoaded;
+    std::wstring m_strSdkVersion;   // reserved, read by no operation
+    std::wstring m_strSdkDeviceId;  // the SDK text field of the authorization header; see InitializeSDK
+    std::wstring m_strSdkDomain;    // reserved, read by no operation
+    AccountStateLock m_lock;        // guards tokens, user identity and profile
+    OwnedModule m_hSdkModule;
+    RefreshTokenOperate m_refreshTokenOperate;
+    AccountSdkEntryPoints m_sdk;
+    std::int32_t m_nOauthHttpStatusCode = 0;
+    std::int32_t m_nOauthSubErrorCode = 0;
+    std::string m_strLanguageType;
+    std::string m_strResultCode;
+    std::wstring m_strCurrentAT;
+    std::wstring m_strCurrentRT;
+    std::wstring m_strCurrentUserID;
+    std::wstring m_strCurrentUserName;
+    std::wstring m_strHeadImageUrl;
+    std::wstring m_strHeadImageLocalPath;
+    std::wstring m_strCountryCode;
+    std::int32_t m_nAccountBrandID = 0;
+    std::int32_t m_nAtExpires = 0;
+    std::int32_t m_nAppAtExpires = 0;
+    bool m_bPriviledge = false;
+    bool m_bClientLogReport = false;
+    bool m_bActiveAccount = false;
+    bool m_bAvailableCountry = false;
+    std::string m_strResultDesc;
+    std::wstring m_strTraceIdCode;
+    std::function<void()> m_atExpireCallback;
+    std::vector<std::wstring> m_vecValidModules;
+    std::vector<std::uint8_t> m_vecRealUserKey;
+};
+
+extern "C" {
+// Never read or changed by the library.
+extern USERAUTH_API int g_nUserAuthService;
+// Returns 0.
+USERAUTH_API int FnUserAuthService();
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+// Which standard header set a request carries; any other value yields the common headers only.
+enum class HeadType : int {
+    kAccount = 0,       // account servers: authorization and content type
+    kUser = 1,          // with the user id and the client version
+    kDevice = 2,        // with the operating system and the package name
+    kCodeExchange = 3,  // before there is a token: empty authorization and the site cookie
+    kAccessToken = 4,   // the plain access token as authorization
+};
+
+// Kind of operation, printed into the trace id.
+enum class BaseCmd : int {
+    kRefreshAccessToken = 10005,
+    kRequestAccessToken = 10006,  // code exchange and application token
+    kLoginDevicesHistory = 10007,
+    kRegistrationPlace = 12003,
+};
+
+// Result of the account-SDK operations: 0, -1, or the SDK entry point's own return code unchanged.
+enum class ZvIdErrorType : std::int32_t {
+    kSuccess = 0,
+    kEntryPointMissing = -1,  // the SDK is not loaded or does not export the entry point
+};
+
+// First argument of the notification callback. The values are the account SDK's; these are the ones that the reference
+// SDK sends. Both strings are UTF-8, zero-terminated, never null, and valid during the call only.
+enum class MessageType : std::int32_t {
+    kSignInSucceeded = 1,  // first: the single-use authorization code; second: empty
+    kSignInFailed = 2,     // first: the SDK's error code in decimal; second: the reason in words
+    kSignedOut = 3,        // both empty
+    kAccountChanged = 4,   // first: the user id that is signed in now; second: empty
+};
+
+// The host's notification callback. The SDK calls it on threads of its own, more than one at a time perhaps.
+using ZmsNotifyCallback = void (*)(MessageType type, char* first, char* second);

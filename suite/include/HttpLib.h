@@ -1,0 +1,153 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "SuiteExport.h"
+
+// Method numbers of the suite: a GET sends no body even when post data was set.
+enum class HttpRequestMethod : int {
+    kGet = 0,
+    kPost = 1,
+};
+
+// What CurlHttpLibContext::Request returns instead of an HTTP status when no exchange took place or it did not
+// complete.
+enum HttpTransportError : int {
+    kHttpInvalidRequest = -1,          // not an http(s) URL, or CR, LF or NUL in a URL, header name or header value
+    kHttpNameNotResolved = -2,         // the host or proxy name has no address
+    kHttpConnectFailed = -3,           // nobody accepts the connection
+    kHttpTimeout = -4,                 // connect, stall or total time limit
+    kHttpCertificateUntrusted = -5,    // the peer's chain does not end at a trusted authority
+    kHttpCertificateWrongName = -6,    // a trusted certificate, but for another host
+    kHttpTlsFailed = -7,               // any other TLS failure, versions below 1.2 included
+    kHttpCertificateFileInvalid = -8,  // the certificate path cannot be read or holds no certificate
+    kHttpConnectionBroken = -9,        // cut, reset or ended before the announced length
+    kHttpReplyTooLarge = -10,          // a text reply beyond 16 MiB after decoding
+    kHttpBadEncoding = -11,            // the content encoding could not be undone
+    kHttpRedirectRefused = -12,        // more than five, to another scheme, or from https to http
+    kHttpWriteRefused = -13,           // the download's write function returned false or threw
+    kHttpInternalError = -14,          // out of memory, or an error that has no code of its own
+};
+
+// What a strategy tells a context. Implemented by BasicHttpLibStrategy.
+class HTTPLIB_API IHttpLibStrategy {
+public:
+    virtual ~IHttpLibStrategy();
+
+    virtual const std::wstring& Url() const = 0;
+    virtual HttpRequestMethod Method() const = 0;
+    virtual const std::map<std::wstring, std::wstring>& Headers() const = 0;
+    virtual const std::wstring& PostData() const = 0;
+    virtual const std::wstring& CertPath() const = 0;
+    virtual void Log(const std::wstring& message) const = 0;
+    virtual void LogError(const std::wstring& message) const = 0;
+};
+
+// The description of one request. Used by one thread at a time.
+class HTTPLIB_API BasicHttpLibStrategy : public IHttpLibStrategy {
+public:
+    using LogFunction = std::function<void(const std::wstring&)>;
+    using HeaderMap = std::map<std::wstring, std::wstring>;
+
+    BasicHttpLibStrategy();
+    ~BasicHttpLibStrategy() override;
+    BasicHttpLibStrategy(const BasicHttpLibStrategy&) = delete;
+    BasicHttpLibStrategy& operator=(const BasicHttpLibStrategy&) = delete;
+
+    // Absolute http or https URL; characters outside ASCII go out as percent-escaped UTF-8.
+    void SetUrl(const std::wstring& url);
+    void SetHttpRequestMethod(HttpRequestMethod method);
+
+    // Replaces the headers. Values go out in UTF-8; an empty value is sent as a header with an empty value.
+    void SetHeaders(const HeaderMap& headers);
+    // Replaces the headers by the suite's standard set: "userId", "appId", "Authorization" ("Bearer " and the token)
+    // and "Content-Type" = "application/json".
+    void SetHeaders(const std::wstring& userId, const std::wstring& applicationId, const std::wstring& accessToken);
+    const HeaderMap& GetHeaders() const;
+
+    // Body of a POST, sent in UTF-8.
+    void SetPostData(const std::wstring& body);
+
+    // PEM file of the certificate authorities to trust for this request; empty takes the default (SetDefaultCertPath).
+    void SetCertPath(const std::wstring& path);
+
+    // Receive the library's progress and error texts, on the requesting thread. Exceptions they throw are dropped.
+    void SetLogFunction(LogFunction function);
+    void SetErrorLogFunction(LogFunction function);
+
+    const std::wstring& Url() const override;
+    HttpRequestMethod Method() const override;
+    const std::map<std::wstring, std::wstring>& Headers() const override;
+    const std::wstring& PostData() const override;
+    const std::wstring& CertPath() const override;
+    void Log(const std::wstring& message) const override;
+    void LogError(const std::wstring& message) const override;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// Sink of a download. Used by one thread at a time.
+class HTTPLIB_API FileTransferHandler {
+public:
+    // Receives one block: its bytes, their count and whether it is the final call (then without bytes, after the last
+    // block of a complete transfer). False ends the transfer.
+    using WriteDataFunction = std::function<bool(const char* data, std::size_t& size, bool finalBlock)>;
+
+    FileTransferHandler();
+    ~FileTransferHandler();
+    FileTransferHandler(const FileTransferHandler&) = delete;
+    FileTransferHandler& operator=(const FileTransferHandler&) = delete;
+
+    void SetWriteDataFunc(WriteDataFunction function);
+    bool WriteData(const char* data, std::size_t size, bool finalBlock);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// One finished exchange, for observers. The URL has no query.
+struct HttpExchange {
+    std::wstring method;
+    std::wstring url;
+    int code = 0;  // HTTP status or HttpTransportError
+    double milliseconds = 0;
+    bool connectionReused = false;
+};
+
+// Executes a strategy, synchronously, on the calling thread; contexts on different threads share connections, TLS
+// sessions and name look-ups. Nothing is thrown. Certificates and host names are always checked, TLS 1.2 at least.
+class HTTPLIB_API CurlHttpLibContext {
+public:
+    // strategy: not null, must outlive the context.
+    explicit CurlHttpLibContext(IHttpLibStrategy* strategy);
+    ~CurlHttpLibContext();
+    CurlHttpLibContext(const CurlHttpLibContext&) = delete;
+    CurlHttpLibContext& operator=(const CurlHttpLibContext&) = delete;
+
+    // Performs the exchange; returns the HTTP status or an HttpTransportError. response receives the decoded body,
+    // empty on a transport error. timeoutSeconds: -1 (or 0) means the defaults, connect in 15 s and no stall of 30 s; a
+    // positive number is a limit for the whole exchange besides.
+    int Request(std::string& response, int timeoutSeconds);
+    // As above with the default limits. replyHeaders is replaced by the final reply's headers, names as they came;
+    // values of a name that comes more than once are joined with ", ".
+    int Request(std::string& response, std::map<std::string, std::string>& replyHeaders);
+    // Download form: the decoded body of the final reply, whatever its status, goes to the FileTransferHandler that
+    // fileTransferHandler points to; response stays empty.
+    int Request(std::string& response, void* fileTransferHandler);
+
+    // Authorities for requests that name no certificate path: a PEM file, or empty for the system's store. Any thread.
+    static void SetDefaultCertPath(const std::wstring& path);
+
+    // Called after every exchange of the process, on its thread; empty removes the observer. Any thread.
+    static void SetExchangeObserver(std::function<void(const HttpExchange&)> observer);
+
+private:
+    IHttpLibStrategy* m_strategy;
+};
