@@ -1,0 +1,39 @@
+#include <json/value.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "UserAuthService.h"
+#include "core/DeploymentConstants.h"
+#include "core/JsonText.h"
+#include "core/ModulePath.h"
+#include "core/TextEncoding.h"
+
+namespace {
+
+bool ReadFile(const std::filesystem::path& path, std::string& text) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) {
+        return false;
+    }
+    text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    return true;
+}
+
+}  // namespace
+
+void UserAuthService::UpdateAppIdConfig() try {
+    const std::filesystem::path path = userauth::GetCurrentModuleDirectory() + L"ZMSCoreConfig.json";
+    std::string text;
+    Json::Value root;
+    if (!ReadFile(path, text) || !userauth::ParseDocument(text, root) || !(root.isObject() || root.isNull())) {
+        return;
+    }
+    root["client_id"] = userauth::WideToMultiByte(userauth::kApplicationId, userauth::kUtf8CodePage);
+    const std::string document = userauth::WriteStyledDocument(root);
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << document;
+} catch (...) {
+    return;  // nothing is reported; the file is as it was, since it is opened for writing last
+}

@@ -1,0 +1,41 @@
+#include "core/InvalidParameter.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+
+namespace userauth {
+
+#if defined(_MSC_VER)
+
+void RaiseInvalidParameter() {
+    _invalid_parameter_noinfo();
+}
+
+#else
+
+namespace {
+
+constexpr UINT kStatusInvalidCRuntimeParameter = 0xC0000417;
+
+_invalid_parameter_handler InstalledHandler() {
+    if (const _invalid_parameter_handler ofThisModule = _get_invalid_parameter_handler()) {
+        return ofThisModule;
+    }
+    const FARPROC ofTheHost = GetProcAddress(GetModuleHandleW(nullptr), "UserAuthInvalidParameterHandler");
+    return ofTheHost == nullptr ? nullptr : reinterpret_cast<_invalid_parameter_handler (*)()>(ofTheHost)();
+}
+
+}  // namespace
+
+void RaiseInvalidParameter() {
+    if (const _invalid_parameter_handler handler = InstalledHandler()) {
+        handler(nullptr, nullptr, nullptr, 0, 0);
+        return;
+    }
+    TerminateProcess(GetCurrentProcess(), kStatusInvalidCRuntimeParameter);
+}
+
+#endif
+
+}  // namespace userauth

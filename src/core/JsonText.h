@@ -1,0 +1,29 @@
+#pragma once
+
+#include <json/forwards.h>
+
+#include <string>
+
+namespace userauth {
+
+// Everything that turns JSON text into values and back. None of these throws on any text: the library's exceptions
+// (nesting beyond its limit of 1,000 among them) count as a failed parse.
+
+// Parses a whole text. True only for an array or an object at the root; false on empty text. On failure value holds
+// what the reader left.
+bool ParseJsonText(std::string text, Json::Value& value);
+
+// Parses with the library's default settings and ignores the outcome: a malformed text yields what the reader left.
+Json::Value ParseLeniently(const std::string& text);
+
+// Parses a server's reply or a file. Comments are allowed and collected; a byte-order mark and trailing commas are
+// errors. False with value null when the text is not JSON.
+bool ParseDocument(const std::string& text, Json::Value& value);
+
+// One line, no indentation, ending in a line feed, everything outside ASCII escaped: a request body.
+std::string WriteCompactLine(const Json::Value& value);
+
+// The layout of a configuration file: indented, short arrays on one line, ending in a line feed.
+std::string WriteStyledDocument(const Json::Value& value);
+
+}  // namespace userauth

@@ -1,0 +1,8 @@
+#include <json/json.h>
+
+#include "UserAuthService.h"
+#include "core/JsonText.h"
+
+Json::Value UserAuthService::StringToJson(std::string text) {
+    return userauth::ParseLeniently(text);
+}

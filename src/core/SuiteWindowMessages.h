@@ -1,0 +1,16 @@
+#pragma once
+
+namespace userauth {
+
+// Messages that every module of the suite registers at load time. This library posts none of them.
+struct SuiteWindowMessages {
+    unsigned showWindow;
+    unsigned isClosing;
+    unsigned refreshPreferences;
+    unsigned restore;
+    unsigned accessTokenLost;
+};
+
+extern const SuiteWindowMessages g_suiteWindowMessages;
+
+}  // namespace userauth

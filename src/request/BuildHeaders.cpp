@@ -1,0 +1,85 @@
+#include <ParamStore.h>
+
+#include "UserAuthService.h"
+#include "core/DeploymentConstants.h"
+#include "core/TextEncoding.h"
+#include "request/DeviceIdentity.h"
+#include "request/OsVersionText.h"
+#include "request/StandardBase64.h"
+
+namespace {
+
+using HeaderMap = std::map<std::wstring, std::wstring>;
+using userauth::kAnsiCodePage;
+using userauth::kUtf8CodePage;
+using userauth::MultiByteToWide;
+
+constexpr char kProductTag[] = "NimbaPC";
+constexpr char kClientVersion[] = "11.2.4.301";
+constexpr char kPackageName[] = "com.zorvan.cloud.pc";
+constexpr wchar_t kDeviceType[] = L"6";
+constexpr wchar_t kTerminal[] = L"PC";
+constexpr wchar_t kAuthorizationVersion[] = L"1";
+constexpr wchar_t kOsBrand[] = L"Windows";
+constexpr wchar_t kJson[] = L"application/json";
+
+// The first value given for a name stays, here and in the sets below.
+HeaderMap CommonHeaders(const std::wstring& traceId) {
+    const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
+    HeaderMap headers;
+    headers.emplace(L"User-Agent", MultiByteToWide(std::string(kProductTag) + "/" + kClientVersion, kUtf8CodePage));
+    headers.emplace(L"x-zv-trace-id", traceId);
+    headers.emplace(L"x-zv-source-agent", MultiByteToWide(kProductTag, kUtf8CodePage));
+    headers.emplace(L"Accept-Language", L"zh-CN");
+    headers.emplace(L"x-zv-device-id", store->GetSystemUUid());
+    headers.emplace(L"x-zv-deviceUUID", store->GetSystemUUid());
+    headers.emplace(L"x-zv-device-type", kDeviceType);
+    headers.emplace(L"x-zv-terminal", kTerminal);
+    headers.emplace(L"x-zv-device-name", userauth::DeviceNameHeader(userauth::CurrentDeviceIdentity()));
+    headers.emplace(L"x-zv-auth-version", kAuthorizationVersion);
+    headers.emplace(L"x-zv-country-code", store->GetCountryCode());
+    headers.emplace(L"x-zv-client-mode", store->GetZvClientMode());
+    headers.emplace(L"x-zv-os-brand", kOsBrand);
+    headers.emplace(L"Host", userauth::kAccountWebHost);
+    return headers;
+}
+
+}  // namespace
+
+std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) {
+    HeaderMap headers = CommonHeaders(traceId);
+    const auto authorization = [this] { return MultiByteToWide(GetAuthorizationContents(), kAnsiCodePage); };
+    const auto version = [] { return MultiByteToWide(kClientVersion, kUtf8CodePage); };
+    switch (type) {
+        case HeadType::kAccount:
+            headers.emplace(L"Authorization", authorization());
+            headers.emplace(L"Content-Type", kJson);
+            break;
+        case HeadType::kUser:
+            headers.emplace(L"userId", GetCurrentUserID());
+            headers.emplace(L"Authorization", authorization());
+            headers.emplace(L"version", version());
+            headers.emplace(L"x-zv-device-category", L"PC");
+            break;
+        case HeadType::kDevice:
+            headers.emplace(L"userId", GetCurrentUserID());
+            headers.emplace(L"Authorization", authorization());
+            headers.emplace(L"version", version());
+            headers.emplace(L"Content-Type", kJson);
+            headers.emplace(L"x-zv-os", userauth::OsVersionText());
+            headers.emplace(L"AuthType", MultiByteToWide(userauth::EncodeStandardBase64(kPackageName), kAnsiCodePage));
+            // A deliberate leftover without effect: the common "Host" stays.
+            headers.emplace(L"Host", userauth::kAccountTestHost);
+            break;
+        case HeadType::kCodeExchange:
+            headers.emplace(L"Authorization", L"");
+            headers.emplace(L"Content-Type", kJson);
+            headers.emplace(L"Cookie", L"siteID=1");
+            break;
+        case HeadType::kAccessToken:
+            headers.emplace(L"Content-Type", kJson);
+            headers.emplace(L"Authorization", GetCurrentAT());
+            break;
+    }
+    return headers;
+}

@@ -1,0 +1,51 @@
+#include "request/DeviceIdentity.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <memory>
+#include <new>
+
+namespace userauth {
+namespace {
+
+constexpr DWORD kRawSmbiosProvider = 0x52534D42;  // "RSMB"
+
+using GetFirmwareTable = UINT(WINAPI*)(DWORD provider, DWORD table, void* buffer, DWORD bytes);
+
+DeviceIdentity ReadDeviceIdentity() {
+    const HMODULE kernel = GetModuleHandleW(L"kernel32");
+    const auto getTable = kernel == nullptr
+                              ? nullptr
+                              : reinterpret_cast<GetFirmwareTable>(GetProcAddress(kernel, "GetSystemFirmwareTable"));
+    if (getTable == nullptr) {
+        return {};
+    }
+    const UINT bytes = getTable(kRawSmbiosProvider, 0, nullptr, 0);
+    const std::unique_ptr<std::uint8_t[]> table(new (std::nothrow) std::uint8_t[bytes]);
+    if (table == nullptr) {
+        return {};
+    }
+    const UINT received = getTable(kRawSmbiosProvider, 0, table.get(), bytes);
+    // A larger answer means that the table grew in between and nothing was copied.
+    return received <= bytes ? ReadSmbiosTable(table.get(), received) : DeviceIdentity();
+}
+
+std::atomic<const DeviceIdentity*> g_identity{nullptr};
+
+}  // namespace
+
+const DeviceIdentity& CurrentDeviceIdentity() {
+    if (g_identity.load(std::memory_order_acquire) == nullptr) {
+        g_identity.store(new DeviceIdentity(ReadDeviceIdentity()), std::memory_order_release);
+    }
+    return *g_identity.load(std::memory_order_acquire);
+}
+
+std::wstring DeviceNameHeader(const DeviceIdentity& identity) {
+    constexpr std::size_t kLongestName = 250;
+    const std::wstring& name = identity.system.productName;
+    return name.empty() ? L"PC" : name.substr(0, kLongestName);
+}
+
+}  // namespace userauth

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <HttpLib.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "request/JsonData.h"
+
+// Outcome of one exchange.
+struct WebRequestResult {
+    static constexpr std::size_t kResponseBytes = 40960;
+
+    // HTTP status, or the HTTP library's own zero or negative code when no exchange took place.
+    std::int32_t nHttpCode = 0;
+    // Reply text, zero-terminated, cut at the first zero byte. A text that does not fit raises the invalid-parameter
+    // condition (core/InvalidParameter.h) and leaves the field empty: a fixed limit that all callers rely on.
+    char szResponse[kResponseBytes] = {};
+};
+
+// One outgoing request, used by one thread from construction to destruction. Sends block for the whole exchange and
+// never throw; what the status and the text mean is the caller's business. Texts go to the HTTP library through code
+// page 0.
+class UserAuthRequest {
+public:
+    using HeaderMap = std::map<std::wstring, std::wstring>;
+    using ReplyHeaderMap = std::map<std::string, std::string>;
+
+    UserAuthRequest() = default;
+    virtual ~UserAuthRequest();
+    UserAuthRequest(const UserAuthRequest&) = delete;
+    UserAuthRequest& operator=(const UserAuthRequest&) = delete;
+
+    void SetGetRequest(std::wstring url);
+    void SetGetRequest(std::wstring url, HeaderMap headers);
+    void SetPostRequest(std::wstring url, HeaderMap headers, const JsonData& body);
+
+    // Compact body, own headers, with the HTTP library's error texts in the log.
+    void SendWebRequest(WebRequestResult& result);
+    // Styled body, own headers; receives the reply's headers.
+    void SendWebRequest(WebRequestResult& result, ReplyHeaderMap& replyHeaders);
+    // Styled body, the given headers instead of the own ones.
+    void SendWebRequest(WebRequestResult& result, const HeaderMap& headers);
+
+    // Downloads into the handler, with own headers, without body and certificate path. Returns the HTTP code.
+    int SendDownRequest(FileTransferHandler* handler);
+
+    // An operation may still change the method, the body and the headers between a setter and a send.
+    HttpRequestMethod m_nMethod = HttpRequestMethod::kGet;
+    JsonData m_body;
+
+private:
+    void DescribeBody(const HeaderMap& headers, const std::string& bodyText);
+
+    BasicHttpLibStrategy m_strategy;
+
+public:
+    HeaderMap m_headers;
+
+private:
+    std::wstring m_strUrl;
+};

@@ -1,0 +1,5 @@
+#include "UserSyncKeyService.h"
+
+UserSyncKeyService::UserSyncKeyService() = default;
+UserSyncKeyService::~UserSyncKeyService() = default;
+UserSyncKeyService& UserSyncKeyService::operator=(const UserSyncKeyService&) = default;
