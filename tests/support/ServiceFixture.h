@@ -1,0 +1,88 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <json/value.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "ScriptedSdk.h"
+#include "SuiteStandIns.h"
+#include "UserAuthService.h"
+
+// The one door to the service's private operations and fields.
+class UserAuthServiceAccess {
+public:
+    static std::unique_ptr<UserAuthService> Make() { return std::unique_ptr<UserAuthService>(new UserAuthService()); }
+    static std::map<std::wstring, std::wstring> BuildHeaders(UserAuthService& service, HeadType type,
+                                                             const std::wstring& traceId) {
+        return service.BuildHeaders(type, traceId);
+    }
+    static std::string Authorization(UserAuthService& service) { return service.GetAuthorizationContents(); }
+    static std::wstring Random(UserAuthService& service, int length) { return service.GetRandom(length); }
+    static Json::Value Parse(UserAuthService& service, const std::string& text) { return service.StringToJson(text); }
+    static void UpdateAppIdConfig(UserAuthService& service) { service.UpdateAppIdConfig(); }
+    static bool SdkLoaded(const UserAuthService& service) { return service.m_bSdkLoaded; }
+    // The singleton keeps its SDK until the process ends; a test gives it back.
+    static void Unload(UserAuthService& service) {
+        service.m_sdk = {};
+        service.m_hSdkModule.reset();
+    }
+    static AccountSdkEntryPoints& Sdk(UserAuthService& service) { return service.m_sdk; }
+    static std::string ResultCode(const UserAuthService& service) { return service.m_strResultCode; }
+    static std::string ResultDescription(const UserAuthService& service) { return service.m_strResultDesc; }
+    static void SetResult(UserAuthService& service, const std::string& code, const std::string& description) {
+        service.m_strResultCode = code;
+        service.m_strResultDesc = description;
+    }
+    static int Expires(const UserAuthService& service) { return service.m_nAtExpires; }
+    static int OauthStatus(const UserAuthService& service) { return service.m_nOauthHttpStatusCode; }
+    static int OauthSubError(const UserAuthService& service) { return service.m_nOauthSubErrorCode; }
+    static void SetCountry(UserAuthService& service, const std::wstring& country) {
+        service.m_strCountryCode = country;
+    }
+};
+
+// Folder of the test program, where the service's objects look for the account SDK.
+inline std::filesystem::path ProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
+}
+
+// Puts one of the test SDKs into the place of the account SDK; removes it again.
+class InstalledSdk {
+public:
+    explicit InstalledSdk(const char* library) {
+        std::filesystem::copy_file(ProgramFolder() / library, m_path,
+                                   std::filesystem::copy_options::overwrite_existing);
+    }
+    ~InstalledSdk() {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+    InstalledSdk(const InstalledSdk&) = delete;
+    InstalledSdk& operator=(const InstalledSdk&) = delete;
+
+    // Of the loaded SDK.
+    static SdkScript& Script() {
+        return *reinterpret_cast<SdkScript*>(GetProcAddress(GetModuleHandleW(L"ZVAccountSdk.dll"), "g_script"));
+    }
+
+private:
+    std::filesystem::path m_path = ProgramFolder() / "ZVAccountSdk.dll";
+};
+
+// A fresh service on the scripted SDK, with an empty recording.
+class ServiceTest : public testing::Test {
+protected:
+    ServiceTest() {
+        Recording() = SuiteRecording();
+        m_service = UserAuthServiceAccess::Make();
+        Recording().journal.clear();
+    }
+
+    InstalledSdk m_sdk{"scripted-sdk.dll"};
+    std::unique_ptr<UserAuthService> m_service;
+};

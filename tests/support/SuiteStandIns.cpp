@@ -1,0 +1,230 @@
+#include "SuiteStandIns.h"
+
+#include <EventAdminModule.h>
+#include <HttpLib.h>
+#include <Logger.h>
+#include <ParamStore.h>
+#include <windows.h>
+
+#include <mutex>
+
+namespace {
+
+std::string Utf8(const std::wstring& wide) {
+    const int characters = static_cast<int>(wide.size());
+    std::string text(wide.size() * 3, '\0');
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), characters, text.data(),
+                                          static_cast<int>(text.size()), nullptr, nullptr);
+    text.resize(static_cast<std::size_t>(bytes));
+    return text;
+}
+
+void Record(const std::string& line) {
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> hold(mutex);
+    Recording().journal.push_back(line);
+}
+
+void Push(const std::string& setter, const std::wstring& value) {
+    Record("store " + setter + " " + Utf8(value));
+    if (Recording().duringPush) {
+        Recording().duringPush();
+    }
+}
+
+}  // namespace
+
+SuiteRecording& Recording() {
+    static SuiteRecording recording;
+    return recording;
+}
+
+std::vector<std::string> SuiteRecording::Lines(const std::string& word) const {
+    std::vector<std::string> lines;
+    for (const std::string& line : journal) {
+        if (line.compare(0, word.size() + 1, word + " ") == 0) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+// ---- Logger
+// ----------------------------------------------------------------------------------------------------------
+
+void Logger::Output(int moduleType, int severity, int, const std::string& functionTag, const std::wstring& message,
+                    bool toFile) {
+    Record("log " + std::to_string(moduleType) + " " + std::to_string(severity) + " " + functionTag + " " +
+           Utf8(message) + (toFile ? "" : " (not to the file)"));
+}
+
+void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType) {
+    Record("event " + std::to_string(basicEventType) + " " + std::to_string(operationType) + " " +
+           std::to_string(actionType));
+}
+
+// ---- Parameter store
+// -------------------------------------------------------------------------------------------------
+
+struct GlobalParamWrapper::State {};
+
+GlobalParamWrapper::GlobalParamWrapper() = default;
+GlobalParamWrapper::~GlobalParamWrapper() = default;
+
+GlobalParamWrapper* GlobalParamWrapper::GetInstance() {
+    static GlobalParamWrapper store;
+    return &store;
+}
+
+std::wstring GlobalParamWrapper::GetPortalUrl() const {
+    return L"https://portal.example.com";
+}
+std::wstring GlobalParamWrapper::GetSystemUUid() const {
+    return L"00112233445566778899aabbccddeeff";
+}
+std::wstring GlobalParamWrapper::GetCountryCode() const {
+    return L"TH";
+}
+std::wstring GlobalParamWrapper::GetZvClientMode() const {
+    return L"1";
+}
+void GlobalParamWrapper::SetCurrentAt(const std::wstring& value) {
+    Push("SetCurrentAt", value);
+}
+void GlobalParamWrapper::SetCurrentRt(const std::wstring& value) {
+    Push("SetCurrentRt", value);
+}
+void GlobalParamWrapper::SetUserID(const std::wstring& value) {
+    Push("SetUserID", value);
+}
+void GlobalParamWrapper::SetStartSend(bool start) {
+    Push("SetStartSend", start ? L"true" : L"false");
+}
+
+// ---- HTTP
+// ------------------------------------------------------------------------------------------------------------
+
+struct BasicHttpLibStrategy::State {
+    std::wstring url;
+    HttpRequestMethod method = HttpRequestMethod::kGet;
+    HeaderMap headers;
+    std::wstring postData;
+    std::wstring certPath;
+    LogFunction log;
+    LogFunction logError;
+};
+
+IHttpLibStrategy::~IHttpLibStrategy() = default;
+BasicHttpLibStrategy::BasicHttpLibStrategy() : m_state(std::make_unique<State>()) {}
+BasicHttpLibStrategy::~BasicHttpLibStrategy() = default;
+
+void BasicHttpLibStrategy::SetUrl(const std::wstring& url) {
+    Record("http SetUrl " + Utf8(url));
+    m_state->url = url;
+}
+void BasicHttpLibStrategy::SetHttpRequestMethod(HttpRequestMethod method) {
+    Record("http SetHttpRequestMethod " + std::to_string(static_cast<int>(method)));
+    m_state->method = method;
+}
+void BasicHttpLibStrategy::SetHeaders(const HeaderMap& headers) {
+    Record("http SetHeaders " + std::to_string(headers.size()));
+    m_state->headers = headers;
+}
+void BasicHttpLibStrategy::SetPostData(const std::wstring& body) {
+    Record("http SetPostData " + Utf8(body));
+    m_state->postData = body;
+}
+void BasicHttpLibStrategy::SetCertPath(const std::wstring& path) {
+    Record("http SetCertPath " + Utf8(path));
+}
+void BasicHttpLibStrategy::SetLogFunction(LogFunction function) {
+    Record("http SetLogFunction ");
+    m_state->log = std::move(function);
+}
+void BasicHttpLibStrategy::SetErrorLogFunction(LogFunction function) {
+    Record("http SetErrorLogFunction ");
+    m_state->logError = std::move(function);
+}
+const std::wstring& BasicHttpLibStrategy::Url() const {
+    return m_state->url;
+}
+HttpRequestMethod BasicHttpLibStrategy::Method() const {
+    return m_state->method;
+}
+const std::map<std::wstring, std::wstring>& BasicHttpLibStrategy::Headers() const {
+    return m_state->headers;
+}
+const std::wstring& BasicHttpLibStrategy::PostData() const {
+    return m_state->postData;
+}
+const std::wstring& BasicHttpLibStrategy::CertPath() const {
+    return m_state->certPath;
+}
+void BasicHttpLibStrategy::Log(const std::wstring& message) const {
+    if (m_state->log) {
+        m_state->log(message);
+    }
+}
+void BasicHttpLibStrategy::LogError(const std::wstring& message) const {
+    if (m_state->logError) {
+        m_state->logError(message);
+    }
+}
+
+struct FileTransferHandler::State {
+    WriteDataFunction write;
+};
+
+FileTransferHandler::FileTransferHandler() : m_state(std::make_unique<State>()) {}
+FileTransferHandler::~FileTransferHandler() = default;
+void FileTransferHandler::SetWriteDataFunc(WriteDataFunction function) {
+    m_state->write = std::move(function);
+}
+bool FileTransferHandler::WriteData(const char* data, std::size_t size, bool finalBlock) {
+    return m_state->write(data, size, finalBlock);
+}
+
+namespace {
+
+ScriptedReply Exchange(const IHttpLibStrategy& strategy, const std::string& form) {
+    SuiteRecording& recording = Recording();
+    Record("http Request " + form);
+    recording.requestHeaders = strategy.Headers();
+    recording.postData = strategy.PostData();
+    recording.url = strategy.Url();
+    if (recording.duringExchange) {
+        recording.duringExchange();
+    }
+    strategy.Log(L"progress text");
+    strategy.LogError(L"error text");
+    if (recording.replies.empty()) {
+        return {kHttpConnectFailed, "", {}};
+    }
+    ScriptedReply reply = recording.replies.front();
+    recording.replies.erase(recording.replies.begin());
+    return reply;
+}
+
+}  // namespace
+
+CurlHttpLibContext::CurlHttpLibContext(IHttpLibStrategy* strategy) : m_strategy(strategy) {}
+CurlHttpLibContext::~CurlHttpLibContext() = default;
+
+int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
+    const ScriptedReply reply = Exchange(*m_strategy, std::to_string(timeoutSeconds));
+    response = reply.body;
+    return reply.code;
+}
+
+int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
+    const ScriptedReply reply = Exchange(*m_strategy, "with reply headers");
+    response = reply.body;
+    replyHeaders = reply.headers;
+    return reply.code;
+}
+
+int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) {
+    const ScriptedReply reply = Exchange(*m_strategy, "download");
+    static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(reply.body.data(), reply.body.size(), false);
+    return reply.code;
+}

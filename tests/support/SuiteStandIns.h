@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+// Recording stand-ins of the suite's classes: a library of its own, so that the service's objects import from it
+// exactly what they import from the real suite.
+
+#if defined(STANDINS_BUILD)
+#define STANDINS_API __declspec(dllexport)
+#else
+#define STANDINS_API __declspec(dllimport)
+#endif
+
+struct ScriptedReply {
+    int code = 200;
+    std::string body;
+    std::map<std::string, std::string> headers;
+};
+
+struct SuiteRecording {
+    // Every call in its order, one UTF-8 line each: "log <module> <severity> <tag> <message>", "event <a> <b> <c>",
+    // "store <setter> <value>", "http <call> <value>".
+    std::vector<std::string> journal;
+    // Answers of the next exchanges; when none is left an exchange ends with -3.
+    std::vector<ScriptedReply> replies;
+    // Runs in the middle of each exchange, with the strategy's log functions still to be called.
+    std::function<void()> duringExchange;
+    // Runs inside each push to the store.
+    std::function<void()> duringPush;
+
+    std::map<std::wstring, std::wstring> requestHeaders;  // of the last exchange
+    std::wstring postData;
+    std::wstring url;
+
+    // Lines that start with the given word.
+    STANDINS_API std::vector<std::string> Lines(const std::string& word) const;
+};
+
+// The one recording; tests reset it in their fixture.
+STANDINS_API SuiteRecording& Recording();

@@ -1,0 +1,35 @@
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+#include "ServiceFixture.h"
+
+TEST_F(ServiceTest, UpdateAppIdConfigSetsOneMemberOrLeavesTheFile) {
+    const std::filesystem::path path = ProgramFolder() / "ZMSCoreConfig.json";
+    const struct {
+        const char* name;
+        std::optional<std::string> before;
+        std::optional<std::string> after;
+    } rows[] = {
+        {"member missing", R"({"a":[1,2]})", "{\n   \"a\" : [ 1, 2 ],\n   \"client_id\" : \"104862915\"\n}\n"},
+        {"member replaced", R"({"client_id":7})", "{\n   \"client_id\" : \"104862915\"\n}\n"},
+        {"no file", std::nullopt, std::nullopt},
+        {"empty", "", ""},
+        {"not JSON", "{\"a\":", "{\"a\":"},
+        {"array", "[1]", "[1]"},
+        {"nested too deep", std::string(5000, '['), std::string(5000, '[')},
+    };
+    for (const auto& row : rows) {
+        std::filesystem::remove(path);
+        if (row.before) {
+            std::ofstream(path, std::ios::binary) << *row.before;
+        }
+        UserAuthServiceAccess::UpdateAppIdConfig(*m_service);
+        std::ifstream file(path, std::ios::binary);
+        EXPECT_EQ(file.is_open(), row.after.has_value()) << row.name;
+        const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        EXPECT_EQ(text, row.after.value_or("")) << row.name;
+        file.close();
+    }
+    std::filesystem::remove(path);
+}

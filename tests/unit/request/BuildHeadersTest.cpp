@@ -1,0 +1,72 @@
+#include "ServiceFixture.h"
+#include "request/DeviceIdentity.h"
+#include "request/OsVersionText.h"
+
+namespace {
+
+using HeaderMap = std::map<std::wstring, std::wstring>;
+
+HeaderMap CommonHeaders() {
+    return {
+        {L"User-Agent", L"NimbaPC/11.2.4.301"},
+        {L"x-zv-trace-id", L"trace"},
+        {L"x-zv-source-agent", L"NimbaPC"},
+        {L"Accept-Language", L"zh-CN"},
+        {L"x-zv-device-id", L"00112233445566778899aabbccddeeff"},
+        {L"x-zv-deviceUUID", L"00112233445566778899aabbccddeeff"},
+        {L"x-zv-device-type", L"6"},
+        {L"x-zv-terminal", L"PC"},
+        {L"x-zv-device-name", userauth::DeviceNameHeader(userauth::CurrentDeviceIdentity())},
+        {L"x-zv-auth-version", L"1"},
+        {L"x-zv-country-code", L"TH"},
+        {L"x-zv-client-mode", L"1"},
+        {L"x-zv-os-brand", L"Windows"},
+        {L"Host", L"account.example.com"},
+    };
+}
+
+}  // namespace
+
+TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
+    m_service->SetCurrentAT(L"a+/\u00E9");
+    m_service->SetCurrrentUserID(L"uid");
+    // base64 of 6::104862915::a%2B%2F%E9
+    const std::wstring authorization = L"Njo6MTA0ODYyOTE1OjphJTJCJTJGJUU5";
+    const struct {
+        int type;
+        HeaderMap further;
+    } rows[] = {
+        {0, {{L"Authorization", authorization}, {L"Content-Type", L"application/json"}}},
+        {1,
+         {{L"userId", L"uid"},
+          {L"Authorization", authorization},
+          {L"version", L"11.2.4.301"},
+          {L"x-zv-device-category", L"PC"}}},
+        {2,
+         {{L"userId", L"uid"},
+          {L"Authorization", authorization},
+          {L"version", L"11.2.4.301"},
+          {L"Content-Type", L"application/json"},
+          {L"x-zv-os", userauth::OsVersionText()},
+          {L"AuthType", L"Y29tLnpvcnZhbi5jbG91ZC5wYw=="}}},
+        {3, {{L"Authorization", L""}, {L"Content-Type", L"application/json"}, {L"Cookie", L"siteID=1"}}},
+        {4, {{L"Content-Type", L"application/json"}, {L"Authorization", L"a+/\u00E9"}}},
+        {5, {}},
+        {-1, {}},
+    };
+    for (const auto& row : rows) {
+        HeaderMap expected = CommonHeaders();
+        EXPECT_EQ(expected.size(), 14U);
+        expected.insert(row.further.begin(), row.further.end());
+        EXPECT_EQ(UserAuthServiceAccess::BuildHeaders(*m_service, static_cast<HeadType>(row.type), L"trace"), expected)
+            << "HeadType " << row.type;
+    }
+}
+
+TEST_F(ServiceTest, AuthorizationCarriesTheSdkTextOnceTheSdkIsInitialised) {
+    EXPECT_EQ(UserAuthServiceAccess::Authorization(*m_service), "Njo6MTA0ODYyOTE1Ojo=");  // 6::104862915::
+    m_service->InitializeSDK();
+    // 6:00112233445566778899aabbccddeeff:104862915::
+    EXPECT_EQ(UserAuthServiceAccess::Authorization(*m_service),
+              "NjowMDExMjIzMzQ0NTU2Njc3ODg5OWFhYmJjY2RkZWVmZjoxMDQ4NjI5MTU6Og==");
+}

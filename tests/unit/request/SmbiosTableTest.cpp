@@ -1,0 +1,149 @@
+#include "request/SmbiosTable.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "request/DeviceIdentity.h"
+
+using userauth::DeviceIdentity;
+using userauth::ReadSmbiosTable;
+using Bytes = std::string;
+
+namespace {
+
+// Type, formatted length, handle, the formatted area's rest (padded with zeros), the strings.
+Bytes Structure(char type, std::size_t length, Bytes formatted, const Bytes& strings) {
+    formatted.resize(length < 4 ? 0 : length - 4);
+    return Bytes{type, static_cast<char>(length), 1, 0} + formatted + strings;
+}
+
+Bytes Strings(std::initializer_list<const char*> texts) {
+    Bytes set;
+    for (const char* text : texts) {
+        set += Bytes(text) + '\0';
+    }
+    return set + (texts.size() == 0 ? Bytes(2, '\0') : Bytes(1, '\0'));
+}
+
+Bytes Table(const Bytes& structures, std::size_t announced) {
+    Bytes header = {0, 2, 8, 5};
+    for (int shift = 0; shift < 32; shift += 8) {
+        header += static_cast<char>(announced >> shift);
+    }
+    return header + structures;
+}
+
+// An allocation of exactly the table's size, so that a memory checker sees a read past its end.
+DeviceIdentity Read(const Bytes& table) {
+    const auto exact = std::make_unique<std::uint8_t[]>(table.size());
+    std::copy(table.begin(), table.end(), exact.get());
+    return ReadSmbiosTable(exact.get(), table.size());
+}
+
+DeviceIdentity ReadStructures(const Bytes& structures) {
+    return Read(Table(structures, structures.size()));
+}
+
+const Bytes kNumbers = "\1\2\3\4";
+const Bytes kEnd = Structure(127, 4, "", Strings({}));
+
+Bytes SystemStructure(std::size_t length) {
+    Bytes formatted = kNumbers + "ABCDEFGHIJKLMNOP" + '\x06' + "\5\6";
+    return Structure(1, length, formatted, Strings({"maker", "Caf\xE9 3000", "v1", "sn", "sku", "family"}));
+}
+
+}  // namespace
+
+TEST(SmbiosTable, SystemStructureByItsLength) {
+    const struct {
+        std::size_t length;
+        const wchar_t* product;
+        bool uuid;
+        const wchar_t* sku;
+        const wchar_t* family;
+    } rows[] = {
+        {5, L"", false, L"", L""},
+        {6, L"Caf\u00E9 3000", false, L"", L""},
+        {8, L"Caf\u00E9 3000", false, L"", L""},
+        {25, L"Caf\u00E9 3000", true, L"", L""},
+        {26, L"Caf\u00E9 3000", true, L"sku", L""},
+        {27, L"Caf\u00E9 3000", true, L"sku", L"family"},
+    };
+    for (const auto& row : rows) {
+        const DeviceIdentity identity = ReadStructures(SystemStructure(row.length) + kEnd);
+        EXPECT_EQ(identity.system.productName, row.product) << row.length;
+        EXPECT_EQ(std::string(identity.system.uuid.begin(), identity.system.uuid.end()),
+                  row.uuid ? "ABCDEFGHIJKLMNOP" : std::string(16, '\0'))
+            << row.length;
+        EXPECT_EQ(identity.system.skuNumber, row.sku) << row.length;
+        EXPECT_EQ(identity.system.family, row.family) << row.length;
+    }
+}
+
+TEST(SmbiosTable, ReadsEveryStructureItKnows) {
+    const DeviceIdentity identity = ReadStructures(
+        Structure(0, 24, Bytes("\1\2\0\0\3\0\0\0\0\0\0\0\0\0\0\0\4\7\1\2", 20), Strings({"bios", "1.0", "date"})) +
+        Structure(9, 6, "\1\1", Strings({"ignored"})) +
+        Structure(2, 9, "\1\2\3\4\5", Strings({"b", "c", "d", "e", "f"})) +
+        Structure(3, 9, Bytes("\1\0\2\3\4", 5), Strings({"g", "h", "i", "j"})) +
+        Structure(11, 5, "\3", Strings({"o1", "o2"})) + SystemStructure(27) + kEnd);
+    EXPECT_EQ(identity.smbiosMajorVersion * 100 + identity.smbiosMinorVersion * 10 + identity.dmiRevision, 285U);
+    EXPECT_EQ(identity.bios.vendor + identity.bios.version + identity.bios.releaseDate, L"bios1.0date");
+    EXPECT_EQ(identity.bios.release + L" " + identity.bios.embeddedControllerRelease, L"4.7 1.02");
+    EXPECT_EQ(identity.baseboard.manufacturer + identity.baseboard.assetTag, L"bf");
+    EXPECT_EQ(identity.enclosure.version + identity.enclosure.assetTag, L"hj");
+    EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2", L""}));
+    EXPECT_EQ(identity.system.family, L"family");
+}
+
+TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
+    const Bytes system = SystemStructure(27);
+    const Bytes product = "\1\2";
+    const struct {
+        const char* name;
+        Bytes table;
+        const wchar_t* product;
+    } rows[] = {
+        {"nothing", "", L""},
+        {"header only", Table("", 0), L""},
+        {"half a header", "\1\2\3", L""},
+        {"announced 0", Table(system, 0), L""},
+        {"announced too much", Table(system, 0xFFFFFFFF), L"Caf\u00E9 3000"},
+        {"no end of table", Table(system, system.size()), L"Caf\u00E9 3000"},
+        {"length 0 before", Table(Structure(9, 0, "", "") + system, 500), L""},
+        {"length 3 before", Table(Structure(9, 3, "", "") + system, 500), L""},
+        {"longer than the table", Table(Bytes("\1\xFF\0\0\1\2", 6), 500), L""},
+        {"string without end", Table(Structure(1, 8, product, "x"), 500), L""},
+        {"last string without end", Table(Structure(1, 8, product, Bytes("x\0yz", 4)), 500), L"yz"},
+        {"number past the set", Table(Structure(1, 8, "\1\x09", Strings({"x"})), 500), L""},
+        {"no strings at all", Table(Structure(1, 8, product, ""), 500), L""},
+        {"string number 0", Table(Structure(1, 8, Bytes("\1\0", 2), Strings({"x"})), 500), L""},
+        {"garbage behind the end", Table(system + kEnd + Structure(1, 8, product, Strings({"a", "b"})), 500),
+         L"Caf\u00E9 3000"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Read(row.table).system.productName, row.product) << row.name;
+    }
+}
+
+TEST(SmbiosTable, EveryTruncationAndEveryLengthByteIsSurvived) {
+    const Bytes whole = Table(SystemStructure(27) + Structure(11, 5, "\xFF", Strings({"o"})) + kEnd, 4096);
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        Read(whole.substr(0, size));
+    }
+    for (int length = 0; length < 256; ++length) {
+        Bytes table = whole;
+        table[9] = static_cast<char>(length);
+        Read(table);
+    }
+    EXPECT_EQ(Read(whole).system.productName, L"Caf\u00E9 3000");
+}
+
+TEST(DeviceIdentityTest, NameHeaderHasADefaultAndALimit) {
+    DeviceIdentity identity;
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
+    identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), std::wstring(249, L'a') + L"b");
+    EXPECT_EQ(&userauth::CurrentDeviceIdentity(), &userauth::CurrentDeviceIdentity());
+}

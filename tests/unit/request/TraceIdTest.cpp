@@ -1,0 +1,34 @@
+#include <ctime>
+#include <regex>
+
+#include "ServiceFixture.h"
+
+TEST_F(ServiceTest, TraceIdHasCommandCodeTimeAndDigits) {
+    const auto before = std::time(nullptr);
+    const std::wstring id = m_service->GetTraceID(BaseCmd::kRequestAccessToken);
+    const auto after = std::time(nullptr);
+    std::wsmatch parts;
+    ASSERT_TRUE(std::regex_match(id, parts, std::wregex(L"10006_11_(\\d+)_[0-7][0-8]{7}")));
+    const auto time = std::stoll(parts[1].str());
+    EXPECT_LE(before, time);
+    EXPECT_LE(time, after);
+    EXPECT_EQ(m_service->GetTraceID(static_cast<BaseCmd>(42)).substr(0, 9), L"00042_11_");
+}
+
+TEST_F(ServiceTest, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
+    EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, 0), L"");
+    EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, -3), L"");
+    std::time_t second = 0;
+    std::wstring first;
+    std::wstring again;
+    do {
+        second = std::time(nullptr);
+        first = UserAuthServiceAccess::Random(*m_service, 2000);
+        again = UserAuthServiceAccess::Random(*m_service, 2000);
+    } while (std::time(nullptr) != second);
+    EXPECT_EQ(first, again);
+    EXPECT_EQ(first.size(), 2000U);
+    EXPECT_EQ(first.find_first_not_of(L"012345678"), std::wstring::npos);
+    EXPECT_NE(first.find(L'8'), std::wstring::npos);
+    EXPECT_LE(first[0], L'7');
+}

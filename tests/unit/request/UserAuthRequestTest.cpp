@@ -1,0 +1,122 @@
+#include "request/UserAuthRequest.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "ServiceFixture.h"
+
+namespace {
+
+class UserAuthRequestTest : public testing::Test {
+protected:
+    UserAuthRequestTest() {
+        Recording() = SuiteRecording();
+        Json::Value body;
+        body["b"] = "\xC3\xA9";
+        body["a"] = 1;
+        m_request.SetPostRequest(L"https://h/p", {{L"own", L"1"}}, JsonData(body));
+    }
+
+    std::vector<std::string> Sent() {
+        std::vector<std::string> journal;
+        journal.swap(Recording().journal);
+        return journal;
+    }
+
+    UserAuthRequest m_request;
+    std::unique_ptr<WebRequestResult> m_result = std::make_unique<WebRequestResult>();
+};
+
+const char kSendHook[] = "UserAuthRequest::SendWebRequest::<lambda_";
+std::string HookLine(const std::string& severity, const std::string& tag, const std::string& text) {
+    return "log 10 " + severity + " " + tag + "::operator () " + text;
+}
+
+}  // namespace
+
+TEST_F(UserAuthRequestTest, CompactFormTellsTheHttpLibraryInOrder) {
+    Recording().replies = {{201, "reply", {}}};
+    m_request.SendWebRequest(*m_result);
+    EXPECT_EQ(Sent(),
+              (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ", "http SetErrorLogFunction ",
+                                        "http SetHttpRequestMethod 1", "http SetHeaders 1", "http SetCertPath ",
+                                        "http SetPostData {\"a\":1,\"b\":\"\\u00e9\"}\n", "http Request -1",
+                                        HookLine("0", std::string(kSendHook) + "1>", "progress text"),
+                                        HookLine("5", std::string(kSendHook) + "2>", "error text")}));
+    EXPECT_EQ(m_result->nHttpCode, 201);
+    EXPECT_STREQ(m_result->szResponse, "reply");
+}
+
+TEST_F(UserAuthRequestTest, StyledFormsHaveNoErrorHook) {
+    const std::string styled = "{\n\t\"a\" : 1,\n\t\"b\" : \"\\u00e9\"\n}\n";
+    Recording().replies = {{200, "", {{"h", "v"}}}, {200, "", {}}};
+    UserAuthRequest::ReplyHeaderMap replyHeaders;
+    m_request.SendWebRequest(*m_result, replyHeaders);
+    EXPECT_EQ(Sent(), (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ",
+                                                "http SetHttpRequestMethod 1", "http SetHeaders 1", "http SetCertPath ",
+                                                "http SetPostData " + styled, "http Request with reply headers",
+                                                HookLine("0", std::string(kSendHook) + "3>", "progress text")}));
+    EXPECT_EQ(replyHeaders.at("h"), "v");
+    m_request.SendWebRequest(*m_result, UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}});
+    EXPECT_EQ(Sent().back(), HookLine("0", std::string(kSendHook) + "4>", "progress text"));
+    EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}}));
+}
+
+TEST_F(UserAuthRequestTest, AGetPassesTheNullBody) {
+    UserAuthRequest request;
+    request.SetGetRequest(L"https://h/g");
+    request.SendWebRequest(*m_result);
+    EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), std::vector<std::string>{"http SetHttpRequestMethod 0"});
+    EXPECT_EQ(Recording().postData, L"null\n");
+    EXPECT_EQ(m_result->nHttpCode, kHttpConnectFailed);
+}
+
+TEST_F(UserAuthRequestTest, DownloadSetsNeitherBodyNorCertificatePath) {
+    Recording().replies = {{404, "bytes", {}}};
+    std::string received;
+    FileTransferHandler handler;
+    handler.SetWriteDataFunc([&](const char* data, std::size_t& size, bool) {
+        received.append(data, size);
+        return true;
+    });
+    EXPECT_EQ(m_request.SendDownRequest(&handler), 404);
+    EXPECT_EQ(Sent(), (std::vector<std::string>{
+                          "http SetUrl https://h/p", "http SetLogFunction ", "http SetHttpRequestMethod 1",
+                          "http SetHeaders 1", "http Request download",
+                          HookLine("0", "UserAuthRequest::SendDownRequest::<lambda_1>", "progress text")}));
+    EXPECT_EQ(received, "bytes");
+}
+
+TEST_F(UserAuthRequestTest, ReplyTextIsBoundedAt40959Bytes) {
+    static int raised = 0;
+    const auto former = _set_invalid_parameter_handler(
+        [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) { ++raised; });
+    const struct {
+        std::size_t bytes;
+        std::size_t kept;
+        int raised;
+    } rows[] = {{40959, 40959, 0}, {40960, 0, 1}, {10 * 1024 * 1024, 0, 1}};
+    for (const auto& row : rows) {
+        raised = 0;
+        Recording().replies = {{200, std::string(row.bytes, '['), {}}};
+        m_request.SendWebRequest(*m_result);
+        EXPECT_EQ(std::strlen(m_result->szResponse), row.kept) << row.bytes;
+        EXPECT_EQ(m_result->nHttpCode, 200);
+        EXPECT_EQ(raised, row.raised) << row.bytes;
+    }
+    _set_invalid_parameter_handler(former);
+}
+
+TEST_F(UserAuthRequestTest, NothingThatTheSuiteThrowsLeavesASend) {
+    Recording().duringExchange = [] { throw 1; };
+    m_request.SendWebRequest(*m_result);
+    EXPECT_EQ(m_result->nHttpCode, 0);
+    EXPECT_EQ(m_request.SendDownRequest(nullptr), 0);
+}
+
+TEST(JsonDataTest, DestroysAnyValue) {
+    for (const Json::Value& value :
+         {Json::Value("text"), Json::Value(1), Json::Value(), Json::Value(Json::arrayValue)}) {
+        EXPECT_NO_THROW({ const JsonData data(value); });
+    }
+}
