@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// "summary", "progress", "failure", or the number of any other severity.
+std::string SeverityName(int severity);
+
+// The text as it may stand in a log file: line breaks are followed by an indentation, so that no message can forge a
+// line of its own; other control characters and the Unicode line separators are written as \xNN and \uNNNN. Tabs stay.
+std::string EscapeForLog(std::string_view text);

@@ -1,0 +1,138 @@
+#include "Logger.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "LineText.h"
+#include "LogPipeline.h"
+#include "OperationLine.h"
+#include "ProcessState.h"
+#include "Utf8Text.h"
+
+namespace {
+
+struct LoggerState {
+    std::mutex configureMutex;  // one Configure or Shutdown at a time; held while files open and the queue drains
+    std::mutex mutex;           // guards pipeline; held while a line is queued, never while one is written
+    std::unique_ptr<LogPipeline> pipeline;
+    std::atomic<bool> open{false};  // saves the work on lines that nobody wants
+};
+
+// Never destroyed. The queue's thread must not be joined by static destructors: at process exit it has been ended
+// already, and under the loader lock it cannot end. Logger::Shutdown is the one way to take it down.
+LoggerState& State() {
+    static LoggerState* const state = new LoggerState;
+    return *state;
+}
+
+bool IsOpen() {
+    return !ProcessIsEnding() && State().open.load(std::memory_order_relaxed);
+}
+
+// Swaps the pipeline in; what it replaces is drained and ended here, after other callers have the new one.
+void Replace(std::unique_ptr<LogPipeline> pipeline) {
+    LoggerState& state = State();
+    const std::lock_guard<std::mutex> lock(state.mutex);
+    state.open.store(pipeline != nullptr, std::memory_order_relaxed);
+    std::swap(state.pipeline, pipeline);
+}
+
+std::string LineOf(int moduleType, int severity, int line, const std::string& functionTag,
+                   const std::wstring& message) {
+    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + functionTag + ":" +
+           std::to_string(line) + " " + Utf8FromWide(message);
+}
+
+}  // namespace
+
+bool Logger::Configure(const LoggerSettings& settings, std::string& error) {
+    if (ProcessIsEnding()) {
+        error = "the process is ending";
+        return false;
+    }
+    try {
+        PinThisModule();
+        const std::lock_guard<std::mutex> lock(State().configureMutex);
+        Replace(std::make_unique<LogPipeline>(settings));
+        return true;
+    } catch (const std::exception& failure) {
+        error = failure.what();
+    } catch (...) {
+        error = "unknown failure";
+    }
+    return false;
+}
+
+void Logger::Output(int moduleType, int severity, int line, const std::string& functionTag, const std::wstring& message,
+                    bool toFile) {
+    if (!IsOpen()) {
+        return;
+    }
+    try {
+        const std::string text = LineOf(moduleType, severity, line, functionTag, message);
+        const bool urgent = severity >= kSeverityFailure;
+        const std::lock_guard<std::mutex> lock(State().mutex);
+        LogPipeline* const pipeline = State().pipeline.get();
+        if (pipeline != nullptr && toFile) {
+            pipeline->Post(LogTarget::kFile, urgent, text);
+        }
+        if (pipeline != nullptr && severity >= pipeline->ConsoleSeverity()) {
+            pipeline->Post(LogTarget::kConsole, urgent, text);
+        }
+    } catch (...) {
+        // Out of memory: the line is lost, the caller goes on.
+    }
+}
+
+void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType) {
+    OutputOperationLog(basicEventType, operationType, actionType, {});
+}
+
+void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType,
+                                const std::map<std::wstring, std::wstring>& extraInformation) {
+    if (!IsOpen()) {
+        return;
+    }
+    try {
+        const std::string text = OperationLine(basicEventType, operationType, actionType, extraInformation);
+        const std::lock_guard<std::mutex> lock(State().mutex);
+        if (State().pipeline != nullptr) {
+            State().pipeline->Post(LogTarget::kOperations, false, text);
+        }
+    } catch (...) {
+        // Out of memory: the event is lost, the caller goes on.
+    }
+}
+
+bool Logger::Flush(int timeoutMilliseconds) {
+    if (!IsOpen()) {
+        return true;  // nothing is queued, or nothing can be waited for any more
+    }
+    try {
+        std::shared_ptr<QueueProgress> progress;
+        {
+            const std::lock_guard<std::mutex> lock(State().mutex);
+            progress = State().pipeline == nullptr ? nullptr : State().pipeline->Progress();
+        }
+        return progress == nullptr || progress->Wait(std::chrono::milliseconds(std::max(timeoutMilliseconds, 0)));
+    } catch (...) {
+        return false;
+    }
+}
+
+void Logger::Shutdown() {
+    if (ProcessIsEnding()) {
+        return;
+    }
+    try {
+        const std::lock_guard<std::mutex> lock(State().configureMutex);
+        Replace(nullptr);
+    } catch (...) {
+        // Locks that fail mean a process in ruins; there is nothing to save here.
+    }
+}

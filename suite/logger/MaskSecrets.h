@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// The text with every secret's value replaced by "***". Secrets, in any letter case:
+//   access token, refresh token  "access_token=v", "accessToken: v", "\"refreshToken\":\"v\"" and JSON inside JSON text
+//   authorization                as above; without quotes the whole rest of the line
+//   bearer values                "Bearer v" anywhere
+// Where the end of a value is in doubt more is masked rather than less. Linear in the text's length.
+std::string MaskSecrets(std::string_view text);
+
+// True for a name whose value is a secret by itself: "accessToken", "X-Refresh-Token", "Authorization".
+bool IsSecretName(std::string_view name);

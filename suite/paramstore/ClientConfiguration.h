@@ -1,0 +1,28 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+// The stored items of earlier client versions: item number to text.
+using LegacyItemMap = std::map<int, std::wstring>;
+
+// Deployment settings. Texts are UTF-16; folders and base URLs have no trailing separator. Empty folders mean their
+// defaults.
+struct ClientConfiguration {
+    std::wstring portalUrl;
+    std::wstring gatewayUrl;
+    std::wstring syncServerUrl;
+    std::wstring userInformationServiceUrl;
+    std::wstring basicServiceUrl;
+    std::wstring countryCode;
+    std::wstring clientMode = L"1";
+    std::wstring appDataLocalPath;
+    std::wstring stateFolder;
+    LegacyItemMap legacyItems;
+};
+
+// The base configuration with the members that the file names replaced. Nothing, with the error text of
+// GlobalParamWrapper::LoadConfiguration, when the file cannot be read or is wrong.
+std::optional<ClientConfiguration> ReadClientConfiguration(const std::wstring& file, ClientConfiguration base,
+                                                           std::string& error);

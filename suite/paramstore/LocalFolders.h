@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string>
+
+// The signed-in Windows user's local application-data folder, without trailing separator; the environment's
+// LOCALAPPDATA when the shell knows none; empty when neither does.
+std::wstring LocalAppDataFolder();

@@ -1,0 +1,59 @@
+#include "SettingRules.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <string_view>
+
+namespace {
+
+bool IsControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+// Length of "http://" or "https://" in any letter case at the start of the text; 0 when neither is there.
+std::size_t SchemeLength(const std::string& url) {
+    for (const std::string_view scheme : {std::string_view("http://"), std::string_view("https://")}) {
+        const auto same = [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; };
+        if (url.size() >= scheme.size() &&
+            std::equal(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(scheme.size()), scheme.begin(), same)) {
+            return scheme.size();
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+const char* CheckPlainText(const std::string& text) {
+    return std::any_of(text.begin(), text.end(), IsControl) ? "must not contain control characters" : nullptr;
+}
+
+const char* CheckBaseUrl(const std::string& url) {
+    const std::size_t scheme = SchemeLength(url);
+    if (scheme == 0) {
+        return "must be an http or https URL";
+    }
+    if (const char* reason = CheckPlainText(url)) {
+        return reason;
+    }
+    // Paths and queries are appended to the base URL as it stands.
+    if (url.find_first_of(" ?#\\@", scheme) != std::string::npos) {
+        return "must not contain blanks, backslashes, a user name, a query or a fragment";
+    }
+    if (url.size() == scheme || url[scheme] == '/' || url[scheme] == ':') {
+        return "must name a host";
+    }
+    return url.back() == '/' ? "must not end with a slash" : nullptr;
+}
+
+const char* CheckFolder(const std::string& path) {
+    return path.find_first_not_of("\\/") == std::string::npos ? "must name a folder" : CheckPlainText(path);
+}
+
+int LegacyItemNumber(const std::string& key) {
+    int number = 0;
+    const char* const end = key.data() + key.size();
+    const auto result = std::from_chars(key.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end && number >= 0 && key[0] != '-' ? number : -1;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "ClientConfiguration.h"
+
+// The process's deployment settings and the identity of this installation. Any thread.
+class SettingsStore {
+public:
+    static SettingsStore& Instance();
+
+    // GlobalParamWrapper::LoadConfiguration.
+    bool Load(const std::wstring& file, std::string& error);
+
+    std::wstring Text(std::wstring ClientConfiguration::*setting) const;
+    std::wstring LegacyItem(int number) const;  // empty when there is none
+
+    std::wstring AppDataFolder() const;
+    std::wstring SystemUuid();
+
+private:
+    std::mutex m_loadMutex;  // one Load at a time: each builds on what the one before stored
+    mutable std::mutex m_mutex;
+    ClientConfiguration m_configuration;  // guarded by m_mutex
+
+    std::mutex m_uuidMutex;  // held while the file is read and written; apart, so that no other getter waits for a disk
+    std::wstring m_uuidFolder;
+    std::wstring m_uuid;  // the identity of m_uuidFolder; empty until asked for
+};
