@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include <json/value.h>
+
+namespace sandbox {
+
+// What goes wrong with the replies of one endpoint. The endpoint still does its work; only its reply suffers.
+struct Fault {
+    std::string endpoint;
+    std::optional<int> status;                 // instead of the endpoint's own
+    std::chrono::milliseconds delay{};         // before anything is sent
+    std::chrono::milliseconds stall{};         // after the head and half of the body
+    std::optional<std::size_t> cutAfter;       // bytes of the body, then the connection is closed
+    std::optional<std::size_t> contentLength;  // announced instead of the true one; the connection is closed afterwards
+    std::optional<std::string> body;           // instead of the endpoint's own
+    std::optional<std::size_t> oversize;       // the reply padded to this many bytes
+    bool garbage = false;                      // random bytes that are no JSON instead of the body
+    bool wrongTypes = false;                   // every member of the reply has another JSON type
+    std::optional<unsigned> times;             // how many requests are hit; all of them without it
+};
+
+// A fault described in JSON: {"endpoint": path} and at least one of the members of Fault, named alike, times of delay
+// and stall as "delayMs" and "stallMs".
+struct ParsedFault {
+    Fault fault;
+    std::string reason;  // why the description is refused, naming the member; empty when it is good
+};
+ParsedFault ParseFault(const Json::Value& description);
+
+// The faults in force, at most one an endpoint. All operations may be called from any thread.
+class FaultTable {
+public:
+    // Replaces the fault of that endpoint.
+    void Put(Fault fault);
+    void Clear();
+    // The fault that hits this request, if any; counts it.
+    std::optional<Fault> Take(const std::string& endpoint);
+
+private:
+    std::mutex m_lock;
+    std::map<std::string, Fault> m_faults;  // guarded by m_lock
+};
+
+}  // namespace sandbox

@@ -1,0 +1,174 @@
+#include "HeaderInspection.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "TraceId.h"
+#include "WireConstants.h"
+
+namespace sandbox {
+namespace {
+
+struct FixedField {
+    std::string_view name;
+    std::string_view value;
+};
+
+constexpr FixedField kFixedFields[] = {
+    {"User-Agent", kUserAgent},           {"x-zv-source-agent", kProductTag},
+    {"Accept-Language", kAcceptLanguage}, {"x-zv-device-type", kDeviceType},
+    {"x-zv-terminal", kTerminal},         {"x-zv-auth-version", kAuthVersion},
+    {"x-zv-os-brand", kOsBrand},          {"Host", kAccountHost},
+};
+
+std::uint64_t UnixTime() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+}
+
+bool IsHexDigits(std::string_view text) {
+    constexpr std::string_view kHexDigits = "0123456789abcdefABCDEF";
+    return text.find_first_not_of(kHexDigits) == std::string_view::npos;
+}
+
+std::size_t Utf8SequenceLength(unsigned char lead) {
+    if (lead < 0x80) {
+        return 1;
+    }
+    if (lead >= 0xC2 && lead < 0xE0) {
+        return 2;
+    }
+    if (lead >= 0xE0 && lead < 0xF0) {
+        return 3;
+    }
+    return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+}
+
+// The number of characters of UTF-8 text; nothing when its sequences are broken.
+std::optional<std::size_t> Utf8Characters(std::string_view text) {
+    std::size_t characters = 0;
+    while (!text.empty()) {
+        const auto length = Utf8SequenceLength(static_cast<unsigned char>(text.front()));
+        if (length == 0 || length > text.size() ||
+            !std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length),
+                         [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; })) {
+            return std::nullopt;
+        }
+        text.remove_prefix(length);
+        ++characters;
+    }
+    return characters;
+}
+
+}  // namespace
+
+void HeaderInspection::ExpectCommonFields(unsigned traceCommand) {
+    for (const auto& field : kFixedFields) {
+        Expect(field.name, field.value);
+    }
+    ExpectTraceId(traceCommand);
+    ExpectDeviceIds();
+    ExpectDeviceName();
+    ExpectCountryCode();
+    ExpectClientMode();
+}
+
+void HeaderInspection::Expect(std::string_view name, std::string_view value) {
+    const auto found = TakeSingle(name);
+    if (found && *found != value) {
+        Refuse(name, "is \"" + *found + "\" instead of \"" + std::string(value) + "\"");
+    }
+}
+
+void HeaderInspection::RefuseOtherPlatformFields() {
+    for (const auto& field : m_head.Fields()) {
+        const bool platformField =
+            SameHeaderName(std::string_view(field.name).substr(0, kPlatformHeaderPrefix.size()), kPlatformHeaderPrefix);
+        if (platformField && std::none_of(m_asked.begin(), m_asked.end(), [&](const std::string& asked) {
+                return SameHeaderName(asked, field.name);
+            })) {
+            Refuse(field.name, "does not belong to this request");
+        }
+    }
+}
+
+void HeaderInspection::ExpectContentLength(std::size_t bodySize) {
+    Expect("Content-Length", std::to_string(bodySize));
+}
+
+std::string HeaderInspection::TraceId() {
+    return TakeSingle("x-zv-trace-id").value_or(std::string());
+}
+
+std::optional<std::string> HeaderInspection::TakeSingle(std::string_view name) {
+    m_asked.emplace_back(name);
+    auto values = m_head.Values(name);
+    if (values.size() == 1) {
+        return std::move(values.front());
+    }
+    Refuse(name, values.empty() ? "is missing" : "is there more than once");
+    return std::nullopt;
+}
+
+void HeaderInspection::ExpectTraceId(unsigned command) {
+    if (const auto traceId = TakeSingle("x-zv-trace-id")) {
+        const auto fault = TraceIdFault(*traceId, command, UnixTime());
+        if (!fault.empty()) {
+            Refuse("x-zv-trace-id", fault);
+        }
+    }
+}
+
+void HeaderInspection::ExpectDeviceIds() {
+    const auto id = TakeSingle("x-zv-device-id");
+    const auto uuid = TakeSingle("x-zv-deviceUUID");
+    if (id && (id->size() != static_cast<std::size_t>(kDeviceIdDigits) || !IsHexDigits(*id))) {
+        Refuse("x-zv-device-id", "has not 32 hexadecimal digits");
+    }
+    if (id && uuid && *id != *uuid) {
+        Refuse("x-zv-deviceUUID", "differs from x-zv-device-id");
+    }
+}
+
+void HeaderInspection::ExpectDeviceName() {
+    constexpr std::string_view kName = "x-zv-device-name";
+    const auto value = TakeSingle(kName);
+    if (!value) {
+        return;
+    }
+    const auto characters = Utf8Characters(*value);
+    if (!characters) {
+        Refuse(kName, "is not UTF-8");
+    } else if (*characters == 0) {
+        Refuse(kName, "is empty");
+    } else if (*characters > static_cast<std::size_t>(kDeviceNameCharacters)) {
+        Refuse(kName, "has more than 250 characters");
+    }
+}
+
+// Two capital letters, or nothing before the client knows its country.
+void HeaderInspection::ExpectCountryCode() {
+    constexpr std::string_view kName = "x-zv-country-code";
+    const auto value = TakeSingle(kName);
+    const auto capital = [](char letter) { return letter >= 'A' && letter <= 'Z'; };
+    if (value && !value->empty() && (value->size() != 2 || !std::all_of(value->begin(), value->end(), capital))) {
+        Refuse(kName, "is not a two-letter country code");
+    }
+}
+
+void HeaderInspection::ExpectClientMode() {
+    constexpr std::string_view kName = "x-zv-client-mode";
+    const auto value = TakeSingle(kName);
+    const auto digit = [](char character) { return character >= '0' && character <= '9'; };
+    if (value && (value->empty() || !std::all_of(value->begin(), value->end(), digit))) {
+        Refuse(kName, "is not a number");
+    }
+}
+
+void HeaderInspection::Refuse(std::string_view name, std::string_view reason) {
+    if (m_reason.empty()) {
+        m_reason = std::string(name) + " " + std::string(reason);
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "RequestHead.h"
+
+namespace sandbox {
+
+// Checks the header fields of one request and keeps the first reason to refuse it. Every field that is asked for must
+// be there exactly once.
+class HeaderInspection {
+public:
+    // head must outlive the inspection.
+    explicit HeaderInspection(const RequestHead& head) : m_head(head) {}
+
+    // The fourteen fields that every account request carries; the trace id must be one of traceCommand.
+    void ExpectCommonFields(unsigned traceCommand);
+    void Expect(std::string_view name, std::string_view value);
+    // The platform's own fields are known by name: one that no check asked for so far is refused.
+    void RefuseOtherPlatformFields();
+    // Content-Length once and equal to the body's size.
+    void ExpectContentLength(std::size_t bodySize);
+
+    // The trace id field, empty when it is missing.
+    std::string TraceId();
+    // Why the request is refused, beginning with the field's name; empty when nothing is wrong.
+    const std::string& Reason() const { return m_reason; }
+
+private:
+    std::optional<std::string> TakeSingle(std::string_view name);
+    void ExpectTraceId(unsigned command);
+    void ExpectDeviceIds();
+    void ExpectDeviceName();
+    void ExpectCountryCode();
+    void ExpectClientMode();
+    void Refuse(std::string_view name, std::string_view reason);
+
+    const RequestHead& m_head;
+    std::vector<std::string> m_asked;
+    std::string m_reason;
+};
+
+}  // namespace sandbox

@@ -1,0 +1,127 @@
+#include "HttpFrontEnd.h"
+
+#include <memory>
+#include <utility>
+
+#include "RecordingServer.h"
+
+namespace sandbox {
+namespace {
+
+constexpr const char* kReplyContentType = "application/json;charset=UTF-8";
+constexpr const char* kUnknownPaths = "unknown";  // counted together, so that they cannot fill the memory
+constexpr std::size_t kLongestPath = 512;
+constexpr std::size_t kLargestRequestBody = 4 * 1024 * 1024;
+constexpr std::size_t kRequestsPerConnection = 10'000;
+constexpr time_t kIdleConnectionSeconds = 30;
+constexpr std::size_t kThreadsPerListener = 64;  // every open connection occupies one
+
+PlatformRequest ToPlatformRequest(const httplib::Request& request) {
+    PlatformRequest converted;
+    converted.method = request.method;
+    converted.path = request.path;
+    const auto question = request.target.find('?');
+    converted.query = question == std::string::npos ? std::string() : request.target.substr(question + 1);
+    converted.parameters = request.params;
+    converted.head = RequestHead(RawHead(request));
+    converted.body = request.body;
+    return converted;
+}
+
+void AnswerInternalError(httplib::Response& response) {
+    response.status = 500;
+    response.set_content(ErrorReply(500, "the reply could not be made").body, kReplyContentType);
+}
+
+// The library matches paths by regular expressions, whose depth of recursion grows with the path.
+httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request, httplib::Response& response) {
+    if (request.path.size() <= kLongestPath) {
+        return httplib::Server::HandlerResponse::Unhandled;
+    }
+    response.status = 414;
+    response.set_content(ErrorReply(414, "the path is too long").body, kReplyContentType);
+    return httplib::Server::HandlerResponse::Handled;
+}
+
+// An exclusive port: the library's own choice lets another program listen on it as well.
+void TakePortExclusively(socket_t socket) {
+#ifdef _WIN32
+    const int on = 1;
+    setsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, reinterpret_cast<const char*>(&on), sizeof(on));
+#else
+    static_cast<void>(socket);
+#endif
+}
+
+}  // namespace
+
+HttpFrontEnd::HttpFrontEnd(const EndpointTable& endpoints, FaultTable& faults, TrafficLog& traffic)
+    : m_endpoints(endpoints), m_faults(faults), m_traffic(traffic) {}
+
+void HttpFrontEnd::Attach(httplib::Server& server) {
+    constexpr const char* kEveryPath = "[\\s\\S]*";
+    const auto handle = [this](const httplib::Request& request, httplib::Response& response) {
+        Handle(request, response);
+    };
+    server.Get(kEveryPath, handle).Post(kEveryPath, handle).Put(kEveryPath, handle);
+    server.Patch(kEveryPath, handle).Delete(kEveryPath, handle).Options(kEveryPath, handle);
+    server.set_pre_routing_handler(RefuseLongPath);
+    server.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+        AnswerInternalError(response);
+    });
+    server.set_socket_options(TakePortExclusively);
+    server.set_keep_alive_max_count(kRequestsPerConnection);
+    server.set_keep_alive_timeout(kIdleConnectionSeconds);
+    server.set_payload_max_length(kLargestRequestBody);
+    server.new_task_queue = [] { return new httplib::ThreadPool(kThreadsPerListener); };
+}
+
+void HttpFrontEnd::Stop() {
+    {
+        const std::lock_guard<std::mutex> guard(m_stopLock);
+        m_stopping = true;
+    }
+    m_stopChanged.notify_all();
+}
+
+void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& response) {
+    const auto platformRequest = ToPlatformRequest(request);
+    const auto& path = platformRequest.path;
+    m_traffic.RecordRequest(m_endpoints.Knows(path) ? path : kUnknownPaths, platformRequest.head.Text(),
+                            platformRequest.body);
+    auto reply = m_endpoints.Answer(platformRequest);
+    const auto fault = m_faults.Take(path);
+    if (fault) {
+        SpoilReply(*fault, reply);
+        Pause(fault->delay);
+    }
+    response.status = reply.status;
+    for (const auto& [name, value] : reply.headers) {
+        response.set_header(name, value);
+    }
+    if (fault && ShapesDelivery(*fault)) {
+        const auto delivery = PlanDelivery(*fault, reply.body.size());
+        Deliver(std::move(reply.body), delivery, response);
+    } else {
+        response.set_content(reply.body, kReplyContentType);
+    }
+}
+
+void HttpFrontEnd::Deliver(std::string body, const Delivery& delivery, httplib::Response& response) {
+    response.set_header("Content-Length", std::to_string(delivery.announced));
+    const auto bytes = std::make_shared<const std::string>(std::move(body));
+    // Without a length of its own the library sends what the function writes, whatever the header announces.
+    response.set_content_provider(kReplyContentType, [this, bytes, delivery](size_t, httplib::DataSink& sink) {
+        const bool sent = sink.write(bytes->data(), delivery.firstPart) && Pause(delivery.pause) &&
+                          sink.write(bytes->data() + delivery.firstPart, delivery.secondPart);
+        sink.done();
+        return sent && !delivery.close;
+    });
+}
+
+bool HttpFrontEnd::Pause(std::chrono::milliseconds duration) {
+    std::unique_lock<std::mutex> lock(m_stopLock);
+    return !m_stopChanged.wait_for(lock, duration, [this] { return m_stopping; });
+}
+
+}  // namespace sandbox

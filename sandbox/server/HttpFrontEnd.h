@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include <httplib.h>
+
+#include "EndpointTable.h"
+#include "FaultEffects.h"
+#include "Faults.h"
+#include "TrafficLog.h"
+
+namespace sandbox {
+
+// Between the HTTP library and the endpoints: records each request, has it answered, and lets faults have their way
+// with the reply. The same for every endpoint and both listeners.
+class HttpFrontEnd {
+public:
+    // The arguments must outlive the front end, and the front end the servers that it is attached to.
+    HttpFrontEnd(const EndpointTable& endpoints, FaultTable& faults, TrafficLog& traffic);
+
+    void Attach(httplib::Server& server);
+    // Ends delays and stalls that are under way.
+    void Stop();
+
+private:
+    void Handle(const httplib::Request& request, httplib::Response& response);
+    void Deliver(std::string body, const Delivery& delivery, httplib::Response& response);
+    // Waits; false when the server stops meanwhile.
+    bool Pause(std::chrono::milliseconds duration);
+
+    const EndpointTable& m_endpoints;
+    FaultTable& m_faults;
+    TrafficLog& m_traffic;
+    std::mutex m_stopLock;
+    std::condition_variable m_stopChanged;
+    bool m_stopping = false;  // guarded by m_stopLock
+};
+
+}  // namespace sandbox

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include <openssl/bio.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <openssl/x509.h>
+#include <openssl/x509v3.h>
+
+namespace sandbox {
+
+// Owning types for the OpenSSL objects in use.
+struct OpenSslRelease {
+    void operator()(BIO* object) const noexcept { BIO_free_all(object); }
+    void operator()(BIGNUM* object) const noexcept { BN_free(object); }
+    void operator()(EVP_PKEY* object) const noexcept { EVP_PKEY_free(object); }
+    void operator()(EVP_PKEY_CTX* object) const noexcept { EVP_PKEY_CTX_free(object); }
+    void operator()(X509* object) const noexcept { X509_free(object); }
+    void operator()(X509_EXTENSION* object) const noexcept { X509_EXTENSION_free(object); }
+};
+using BioPtr = std::unique_ptr<BIO, OpenSslRelease>;
+using BignumPtr = std::unique_ptr<BIGNUM, OpenSslRelease>;
+using KeyPtr = std::unique_ptr<EVP_PKEY, OpenSslRelease>;
+using KeyContextPtr = std::unique_ptr<EVP_PKEY_CTX, OpenSslRelease>;
+using CertificatePtr = std::unique_ptr<X509, OpenSslRelease>;
+using ExtensionPtr = std::unique_ptr<X509_EXTENSION, OpenSslRelease>;
+
+// Throws std::runtime_error with what was tried and OpenSSL's own reason unless the step succeeded.
+inline void RequireOpenSsl(bool succeeded, const char* step) {
+    if (!succeeded) {
+        char reason[256] = "no reason given";
+        if (const auto code = ERR_get_error()) {
+            ERR_error_string_n(code, reason, sizeof(reason));
+        }
+        throw std::runtime_error(std::string(step) + " failed: " + reason);
+    }
+}
+
+}  // namespace sandbox

@@ -1,0 +1,28 @@
+#include "RoutingService.h"
+
+#include "JsonText.h"
+#include "WireConstants.h"
+
+namespace sandbox {
+namespace {
+
+PlatformReply RemoteEndpoints(const PlatformRequest&) {
+    Json::Value reply(Json::objectValue);
+    reply["region"] = "CN";
+    reply["ttlSeconds"] = 300;
+    for (const auto* host : {"rtq1.example.com", "rtq2.example.com"}) {
+        Json::Value endpoint(Json::objectValue);
+        endpoint["host"] = host;
+        endpoint["port"] = 443;
+        reply["endpoints"].append(endpoint);
+    }
+    return {200, JsonLine(reply), {{"x-zv-region", "CN"}, {"Cache-Control", "max-age=300"}}};
+}
+
+}  // namespace
+
+void AddRoutingEndpoints(EndpointTable& endpoints) {
+    endpoints.Add("GET", kPathRouting, RemoteEndpoints);
+}
+
+}  // namespace sandbox

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "EndpointTable.h"
+
+namespace sandbox {
+
+// The routing service: tells a client which hosts serve its region.
+void AddRoutingEndpoints(EndpointTable& endpoints);
+
+}  // namespace sandbox

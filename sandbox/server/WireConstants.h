@@ -1,0 +1,66 @@
+#pragma once
+
+#include <string_view>
+
+// What the platform expects on the wire and what it answers. Written for the platform alone, on purpose: a value that
+// client and platform took from one place could be wrong on both sides and nobody would see it.
+namespace sandbox {
+
+// The client that this platform knows.
+inline constexpr std::string_view kApplicationId = "104862915";
+inline constexpr std::string_view kProductTag = "NimbaPC";
+inline constexpr std::string_view kUserAgent = "NimbaPC/11.2.4.301";
+
+// Fixed header values of the client.
+inline constexpr std::string_view kAccountHost = "account.example.com";
+inline constexpr std::string_view kAcceptLanguage = "zh-CN";
+inline constexpr std::string_view kDeviceType = "6";
+inline constexpr std::string_view kTerminal = "PC";
+inline constexpr std::string_view kAuthVersion = "1";
+inline constexpr std::string_view kOsBrand = "Windows";
+inline constexpr std::string_view kJsonContentType = "application/json";
+inline constexpr std::string_view kSiteCookie = "siteID=1";
+inline constexpr std::string_view kPlatformHeaderPrefix = "x-zv-";
+inline constexpr int kDeviceIdDigits = 32;         // hexadecimal
+inline constexpr int kDeviceNameCharacters = 250;  // at most
+
+// Trace id: command, this code, Unix time and random digits, joined by underscores.
+inline constexpr std::string_view kTraceIdCode = "11";
+inline constexpr int kTraceCommandDigits = 5;  // at least
+inline constexpr int kTraceRandomDigits = 8;
+inline constexpr char kTraceFirstRandomMax = '7';
+inline constexpr char kTraceRandomMax = '8';
+inline constexpr unsigned kTraceClockToleranceSeconds = 24 * 60 * 60;
+inline constexpr unsigned kCommandCodeExchange = 10006;
+
+// Sign-in of the account SDK. The trailing space of the scopes and the location text, which is no JSON, are what the
+// client sends.
+inline constexpr std::string_view kSignInScopes =
+    "https://www.example.com/auth/account/base.profile "
+    "https://www.example.com/auth/account/devicelist "
+    "https://www.example.com/auth/drive "
+    "https://www.example.com/auth/cloudphoto "
+    "openid "
+    "https://www.example.com/auth/account/country "
+    "https://www.example.com/auth/cloudbackup "
+    "https://www.example.com/auth/drive/extension "
+    "https://www.example.com/auth/clouddatasync "
+    "https://www.example.com/auth/account/account.flags "
+    "https://www.example.com/auth/account/realname/state ";
+inline constexpr std::string_view kSignInLocation = "{\"LocationX\":,\"LocationY\":}";
+
+// Paths.
+inline constexpr std::string_view kPathCodeExchange = "/pcclient/getAccessTokenByCode";
+inline constexpr std::string_view kPathRouting = "/routing/v1/remote";
+
+// Result codes of the portal.
+inline constexpr std::string_view kResultSuccess = "0";
+inline constexpr std::string_view kResultCodeRefused = "31204";
+inline constexpr std::string_view kResultBadHeader = "40001";
+inline constexpr std::string_view kResultBadQuery = "40002";
+inline constexpr std::string_view kResultBadBody = "40003";
+inline constexpr int kOauthStatusSuccess = 200;
+inline constexpr int kOauthStatusRefused = 400;
+inline constexpr int kOauthSubErrorCodeRefused = 20152;
+
+}  // namespace sandbox

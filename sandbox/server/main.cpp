@@ -1,0 +1,136 @@
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <thread>
+
+#include "Certificates.h"
+#include "HttpFrontEnd.h"
+#include "JsonText.h"
+#include "Options.h"
+#include "PortalService.h"
+#include "RecordingServer.h"
+#include "RoutingService.h"
+#include "SandboxControl.h"
+
+namespace sandbox {
+namespace {
+
+constexpr const char* kLoopback = "127.0.0.1";
+
+void WriteAuthority(const std::string& path, const std::string& pem) {
+    std::ofstream file(std::filesystem::u8path(path), std::ios::binary | std::ios::trunc);
+    file << pem;
+    file.close();
+    if (!file) {
+        throw std::runtime_error("the file " + path +
+                                 " cannot be written: give --ca-file a path in a folder that exists");
+    }
+}
+
+int Bind(httplib::Server& server, int port) {
+    const int bound = port == 0 ? server.bind_to_any_port(kLoopback) : server.bind_to_port(kLoopback, port) ? port : -1;
+    if (bound < 0) {
+        throw std::runtime_error("port " + std::to_string(port) +
+                                 " of 127.0.0.1 cannot be taken: another program has it, or it is not allowed");
+    }
+    return bound;
+}
+
+// Called before the server is bound: a TLS context belongs to one thread until then.
+void LimitTls(SSL_CTX* context, const std::string& highest) {
+    const bool old = highest == "1.1";
+    RequireOpenSsl(SSL_CTX_set_min_proto_version(context, old ? TLS1_1_VERSION : TLS1_2_VERSION) == 1 &&
+                       SSL_CTX_set_max_proto_version(context, old                ? TLS1_1_VERSION
+                                                              : highest == "1.2" ? TLS1_2_VERSION
+                                                                                 : TLS1_3_VERSION) == 1,
+                   "limiting the TLS version");
+    if (old) {
+        SSL_CTX_set_security_level(context, 0);  // TLS 1.1 signs with SHA-1
+    }
+}
+
+// A bound server that serves on a thread of its own until it is destroyed.
+template <typename Server>
+class RunningServer {
+public:
+    explicit RunningServer(Server& server) : m_server(server), m_thread([&server] { server.listen_after_bind(); }) {
+        // Stopping has no effect on a server that does not run yet.
+        while (!m_server.is_running()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    ~RunningServer() {
+        m_server.stop();
+        m_thread.join();
+    }
+    RunningServer(const RunningServer&) = delete;
+    RunningServer& operator=(const RunningServer&) = delete;
+
+private:
+    Server& m_server;
+    std::thread m_thread;
+};
+
+void AnnounceReady(int httpPort, int httpsPort, const std::string& authorityFile) {
+    Json::Value ready(Json::objectValue);
+    ready["http"] = "http://127.0.0.1:" + std::to_string(httpPort);
+    ready["https"] = "https://127.0.0.1:" + std::to_string(httpsPort);
+    ready["caFile"] = authorityFile;
+    std::cout << JsonLine(ready) << std::endl;
+}
+
+void WaitForEndOfInput() {
+    while (std::cin.get() != std::char_traits<char>::eof()) {
+    }
+}
+
+void Serve(const Options& options) {
+    const auto identity = MakeServerIdentity(options.tlsName);
+    PlatformState state;
+    FaultTable faults;
+    TrafficLog traffic;
+    EndpointTable endpoints;
+    AddPortalEndpoints(endpoints, state);
+    AddRoutingEndpoints(endpoints);
+    AddSandboxEndpoints(endpoints, state, faults, traffic);
+
+    HttpFrontEnd frontEnd(endpoints, faults, traffic);
+    traffic.AddListener("http");
+    traffic.AddListener("https");
+    RecordingHttpServer http([&] { traffic.CountConnection("http"); });
+    RecordingHttpsServer https(identity.certificate.get(), identity.key.get(),
+                               [&] { traffic.CountConnection("https"); });
+    RequireOpenSsl(https.is_valid(), "setting up TLS");
+    LimitTls(https.ssl_context(), options.tlsMax);
+    frontEnd.Attach(http);
+    frontEnd.Attach(https);
+    const int httpPort = Bind(http, options.httpPort);
+    const int httpsPort = Bind(https, options.httpsPort);
+    if (!options.authorityFile.empty()) {
+        WriteAuthority(options.authorityFile, identity.authorityPem);
+    }
+
+    const RunningServer<RecordingHttpServer> runningHttp(http);
+    const RunningServer<RecordingHttpsServer> runningHttps(https);
+    AnnounceReady(httpPort, httpsPort, options.authorityFile);
+    WaitForEndOfInput();
+    frontEnd.Stop();
+}
+
+}  // namespace
+}  // namespace sandbox
+
+int main(int argumentCount, char** arguments) {
+    try {
+        const auto commandLine = sandbox::ReadCommandLine(argumentCount, arguments);
+        if (commandLine.run) {
+            sandbox::Serve(commandLine.options);
+        }
+        return commandLine.exitCode;
+    } catch (const std::exception& error) {
+        std::cerr << "sandbox-server: " << error.what() << std::endl;
+        return 1;
+    }
+}
