@@ -1,0 +1,96 @@
+#include <ParamStore.h>
+#include <UserAuthService.h>
+
+#include "Session.h"
+#include "TextEncoding.h"
+
+namespace host {
+namespace {
+
+std::string LengthOnly(const std::wstring& secret) {
+    return secret.empty() ? "none" : std::to_string(secret.size()) + " characters";
+}
+
+std::string TextOrNone(const std::wstring& text) {
+    return text.empty() ? "none" : ToUtf8(text);
+}
+
+StepResult ShowAccountState(SessionState& state) {
+    UserAuthService& service = *state.service;
+    const std::wstring accessToken = service.GetCurrentAT();
+    return {true,
+            accessToken.empty() ? "not signed in" : "signed in",
+            {
+                {"access token", LengthOnly(accessToken)},
+                {"refresh token", LengthOnly(service.GetCurrentRT())},
+                {"user id", TextOrNone(service.GetCurrentUserID())},
+                {"user name", TextOrNone(service.GetCurrentUserName())},
+                {"portrait URL", TextOrNone(service.GetCurrentUserHeadImageUrl())},
+                {"portrait file", TextOrNone(service.GetCurrentUserHeadImageLocalPath())},
+                {"account brand", std::to_string(service.GetCurrentUserAccountBrandID())},
+                {"country", TextOrNone(service.GetCurrentCountryCode())},
+                {"available modules", std::to_string(service.GetValidModule().size())},
+            }};
+}
+
+StepResult AskMadeUpUser(SessionState& state) {
+    std::wstring userId = L"nobody-of-this-name";
+    const bool changed = state.service->IsZmsAccountChanged(userId);
+    return {changed, std::string(changed ? "changed" : "not changed") + " for a made-up user id", {}};
+}
+
+StepResult RegisterLogoutEntry(SessionState& state) {
+    std::string name = "Sign out";
+    std::string description = "Ends the session of this computer";
+    const int code = static_cast<int>(state.service->RegisterLogout(name, description));
+    return {code == 0, "RegisterLogout returned " + std::to_string(code), {}};
+}
+
+StepResult AskRoutingService(SessionState& state) {
+    std::map<std::string, std::string> headers;
+    const std::string reply =
+        state.service->GetRtqRemoteInfo(ToWide(state.platformUrl + "/routing/v1/remote"), headers);
+    return {!reply.empty(),
+            std::to_string(reply.size()) + " bytes, " + std::to_string(headers.size()) + " reply headers",
+            {}};
+}
+
+StepResult ClearAccountState(SessionState& state) {
+    UserAuthService& service = *state.service;
+    service.Clear();
+    const bool cleared = service.GetCurrentAT().empty() && service.GetCurrentRT().empty() &&
+                         service.GetCurrentUserID().empty() && service.GetCurrentUserHeadImageLocalPath().empty();
+    return {cleared, "tokens and user id are gone; the parameter store is the client's to clear", {}};
+}
+
+StepResult UninitialiseSdk(SessionState& state) {
+    const int code = static_cast<int>(state.service->UnInitializeSDK());
+    return {code == 0, "UnInitializeSDK returned " + std::to_string(code), {}};
+}
+
+}  // namespace
+
+std::vector<Step> StatusSteps(SessionState& state) {
+    return {{"status", "account state", [&state] { return ShowAccountState(state); }}};
+}
+
+std::vector<Step> AccountSteps(SessionState& state) {
+    return {
+        {"account-changed", "account SDK compares the user", [&state] { return AskMadeUpUser(state); }},
+        {"register-logout", "logout entry registered", [&state] { return RegisterLogoutEntry(state); }},
+        {"routing", "routing service asked", [&state] { return AskRoutingService(state); }},
+    };
+}
+
+std::vector<Step> SignOutSteps(SessionState& state) {
+    return {{"sign-out", "account state cleared", [&state] { return ClearAccountState(state); }}};
+}
+
+std::vector<Step> CloseSteps(SessionState& state) {
+    if (!state.sdkInitialised) {
+        return {};
+    }
+    return {{"close-sdk", "account SDK released", [&state] { return UninitialiseSdk(state); }}};
+}
+
+}  // namespace host

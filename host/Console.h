@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// The program's standard output and standard error. Texts are UTF-8 with "\n" line ends; they reach a terminal as
+// Unicode and a file or pipe as they stand.
+class Console {
+public:
+    Console();
+
+    void Write(const std::string& text);
+    void WriteError(const std::string& text);
+
+    // Whether standard output is a terminal on which a line may be rewritten.
+    bool IsTerminal() const { return m_terminal; }
+    // Whether it may be coloured besides: not when the environment has a NO_COLOR that is not empty.
+    bool HasColour() const { return m_colour; }
+
+private:
+    bool m_terminal = false;
+    bool m_colour = false;
+};
+
+}  // namespace host

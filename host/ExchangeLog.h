@@ -1,0 +1,26 @@
+#pragma once
+
+#include <HttpLib.h>
+
+#include <memory>
+#include <vector>
+
+namespace host {
+
+// Collects the HTTP exchanges of the process while it lives, from every thread.
+class ExchangeLog {
+public:
+    ExchangeLog();
+    ~ExchangeLog();
+    ExchangeLog(const ExchangeLog&) = delete;
+    ExchangeLog& operator=(const ExchangeLog&) = delete;
+
+    // Those since the last call, in the order of their end.
+    std::vector<HttpExchange> Take();
+
+private:
+    struct State;
+    std::shared_ptr<State> m_state;  // shared with the observer, which may still be running when this is destroyed
+};
+
+}  // namespace host

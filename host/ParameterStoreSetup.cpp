@@ -1,0 +1,37 @@
+#include "ParameterStoreSetup.h"
+
+#include <ParamStore.h>
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <fstream>
+
+#include "ExitCode.h"
+#include "TextEncoding.h"
+
+namespace host {
+
+void LoadParameterStore(const std::filesystem::path& file) {
+    std::string error;
+    if (!GlobalParamWrapper::GetInstance()->LoadConfiguration(file.wstring(), error)) {
+        throw HostError(kExitUsage, error);
+    }
+}
+
+void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
+                           const std::filesystem::path& stateFolder) {
+    Json::Value root;
+    for (const char* const service :
+         {"portalUrl", "gatewayUrl", "syncServerUrl", "userInformationServiceUrl", "basicServiceUrl"}) {
+        root[service] = platformUrl;
+    }
+    if (!stateFolder.empty()) {
+        root["stateFolder"] = ToUtf8(stateFolder.wstring());
+        root["appDataLocalPath"] = ToUtf8(stateFolder.wstring());
+    }
+    const std::filesystem::path file = folder / "parameter-store.json";
+    std::ofstream(file, std::ios::binary) << Json::writeString(Json::StreamWriterBuilder(), root);
+    LoadParameterStore(file);
+}
+
+}  // namespace host

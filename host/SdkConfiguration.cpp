@@ -1,0 +1,69 @@
+#include "SdkConfiguration.h"
+
+#include <json/reader.h>
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "ExitCode.h"
+#include "TextEncoding.h"
+
+namespace host {
+namespace {
+
+// The client's application id at the account platform.
+constexpr char kClientId[] = "104862915";
+
+Json::Value ReadFile(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) {
+        return Json::Value(Json::objectValue);
+    }
+    const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    Json::Value root;
+    bool parsed = false;
+    try {
+        parsed = reader->parse(text.data(), text.data() + text.size(), &root, nullptr);
+    } catch (const Json::Exception&) {  // nested too deeply
+    }
+    if (!parsed || !root.isObject()) {
+        throw HostError(kExitUsage, ToUtf8(file.wstring()) + ": not a JSON object: repair or delete it");
+    }
+    return root;
+}
+
+// By way of a second file: a reader at the same moment sees the old text or the new one.
+void WriteFile(const std::filesystem::path& file, const Json::Value& root) {
+    std::filesystem::path fresh = file;
+    fresh += ".new";
+    std::ofstream stream(fresh, std::ios::binary | std::ios::trunc);
+    stream << Json::writeString(Json::StreamWriterBuilder(), root) << "\n";
+    stream.close();
+    std::error_code error;
+    if (stream) {
+        std::filesystem::rename(fresh, file, error);
+    }
+    if (!stream || error) {
+        throw HostError(kExitStepFailed, "cannot write " + ToUtf8(file.wstring()) + ": is its folder writable?");
+    }
+}
+
+}  // namespace
+
+void ConfigureAccountSdk(const std::filesystem::path& file, const std::string& platformUrl) {
+    const Json::Value before = ReadFile(file);
+    Json::Value root = before;
+    root["platform_url"] = platformUrl;
+    if (!root.isMember("client_id")) {
+        root["client_id"] = kClientId;
+    }
+    if (root != before || !std::filesystem::exists(file)) {
+        WriteFile(file, root);
+    }
+}
+
+}  // namespace host

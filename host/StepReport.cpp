@@ -1,0 +1,182 @@
+#include "StepReport.h"
+
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <chrono>
+#include <cstdio>
+
+#include "ExitCode.h"
+#include "TextEncoding.h"
+
+namespace host {
+namespace {
+
+constexpr std::size_t kTitleWidth = 38;
+constexpr std::size_t kFieldWidth = 22;
+constexpr char kGreen[] = "\x1b[32m";
+constexpr char kRed[] = "\x1b[31m";
+constexpr char kPlain[] = "\x1b[0m";
+constexpr char kRewriteLine[] = "\r\x1b[K";
+
+std::string Padded(std::string text, std::size_t width) {
+    text.resize(text.size() < width ? width : text.size(), ' ');
+    return text;
+}
+
+std::string Milliseconds(double milliseconds) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%9.1f ms", milliseconds);
+    return text;
+}
+
+std::string ExchangeText(const HttpExchange& exchange) {
+    if (exchange.code < 0) {
+        return "no HTTP reply (" + std::to_string(exchange.code) + ")";
+    }
+    const char* const connection = exchange.connectionReused ? ", reused connection" : ", new connection";
+    return "HTTP " + std::to_string(exchange.code) + connection;
+}
+
+// "access token" to "accessToken".
+std::string MachineName(const std::string& name) {
+    std::string machineName;
+    bool startsWord = false;
+    for (const char c : name) {
+        const bool lower = c >= 'a' && c <= 'z';
+        if (c != ' ') {
+            machineName += startsWord && lower ? static_cast<char>(c - 'a' + 'A') : c;
+        }
+        startsWord = c == ' ';
+    }
+    return machineName;
+}
+
+Json::Value ExchangeJson(const HttpExchange& exchange) {
+    Json::Value json;
+    json["method"] = ToUtf8(exchange.method);
+    json["url"] = ToUtf8(exchange.url);
+    json["code"] = exchange.code;
+    json["milliseconds"] = exchange.milliseconds;
+    json["connectionReused"] = exchange.connectionReused;
+    return json;
+}
+
+}  // namespace
+
+struct StepReport::Outcome {
+    StepResult result;
+    double milliseconds = 0;
+    std::vector<HttpExchange> exchanges;
+};
+
+StepReport::StepReport(Console& console, bool json) : m_console(console), m_json(json) {}
+
+bool StepReport::Run(const Step& step) {
+    using Clock = std::chrono::steady_clock;
+    Announce(step);
+    m_exchanges.Take();  // what another thread did between two steps belongs to neither
+    Outcome outcome;
+    const Clock::time_point start = Clock::now();
+    try {
+        outcome.result = step.run();
+    } catch (const HostError& error) {
+        Abandon(step, error);
+        throw;
+    }
+    outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    outcome.exchanges = m_exchanges.Take();
+
+    ++m_count;
+    m_milliseconds += outcome.milliseconds;
+    if (!outcome.result.ok && m_failed.empty()) {
+        m_failed = step.title;
+    }
+    m_json ? ShowJson(step, outcome) : ShowLine(step, outcome);
+    return outcome.result.ok;
+}
+
+bool StepReport::RunAll(const std::vector<Step>& steps) {
+    for (const Step& step : steps) {
+        if (!Run(step)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void StepReport::Conclude() {
+    if (m_json || m_count == 0) {
+        return;
+    }
+    const std::string steps = std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ");
+    if (AllSucceeded()) {
+        char time[32];
+        std::snprintf(time, sizeof(time), "%.0f ms", m_milliseconds);
+        m_console.Write("\n" + steps + Paint(kGreen, "all succeeded") + ", " + time + "\n");
+    } else {
+        m_console.Write("\n" + steps + Paint(kRed, "failed") + ": " + m_failed + "\n");
+    }
+}
+
+void StepReport::Announce(const Step& step) {
+    if (!m_json && m_console.IsTerminal()) {
+        m_console.Write(std::string("  ...     ") + step.title);
+    }
+}
+
+void StepReport::Abandon(const Step& step, const HostError& error) {
+    m_failed = step.title;
+    if (m_json) {
+        Outcome outcome;
+        outcome.result.detail = error.what();
+        outcome.exchanges = m_exchanges.Take();
+        ShowJson(step, outcome);
+    } else if (m_console.IsTerminal()) {
+        m_console.Write(kRewriteLine);
+    }
+}
+
+void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
+    std::string line = m_console.IsTerminal() ? kRewriteLine : "";
+    line += outcome.result.ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
+    line += Padded(step.title, kTitleWidth) + Milliseconds(outcome.milliseconds) + "  ";
+    for (const HttpExchange& exchange : outcome.exchanges) {
+        line += ExchangeText(exchange) + "; ";
+    }
+    line += outcome.result.detail;
+    line.erase(line.find_last_not_of("; ") + 1);
+    for (const auto& [name, value] : outcome.result.fields) {
+        line += "\n            " + Padded(name, kFieldWidth) + value;
+    }
+    m_console.Write(line + "\n");
+}
+
+void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
+    Json::Value json;
+    json["step"] = step.name;
+    json["title"] = step.title;
+    json["ok"] = outcome.result.ok;
+    json["detail"] = outcome.result.detail;
+    json["milliseconds"] = outcome.milliseconds;
+    json["exchanges"] = Json::Value(Json::arrayValue);
+    for (const HttpExchange& exchange : outcome.exchanges) {
+        json["exchanges"].append(ExchangeJson(exchange));
+    }
+    json["fields"] = Json::Value(Json::objectValue);
+    for (const auto& [name, value] : outcome.result.fields) {
+        json["fields"][MachineName(name)] = value;
+    }
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    builder["precision"] = 3;
+    builder["precisionType"] = "decimal";
+    m_console.Write(Json::writeString(builder, json) + "\n");
+}
+
+std::string StepReport::Paint(const char* colour, const std::string& text) const {
+    return m_console.HasColour() ? colour + text + kPlain : text;
+}
+
+}  // namespace host

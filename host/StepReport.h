@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Console.h"
+#include "ExchangeLog.h"
+
+namespace host {
+
+class HostError;
+
+// What a step found out. Texts are UTF-8 and hold no secret.
+struct StepResult {
+    bool ok = false;
+    std::string detail;                                       // one line; may be empty
+    std::vector<std::pair<std::string, std::string>> fields;  // name in lower-case words, and value
+};
+
+// One step: a name for machines, a title for people, and what to do.
+struct Step {
+    const char* name;
+    const char* title;
+    std::function<StepResult()> run;
+};
+
+// Runs steps and shows each with its outcome, its time and the HTTP exchanges that it made: as lines for people or as
+// one JSON object a line.
+class StepReport {
+public:
+    StepReport(Console& console, bool json);
+
+    // Whether it succeeded. A HostError passes through: the program ends with it and shows its text.
+    bool Run(const Step& step);
+    // In order, up to the first that fails; whether all succeeded.
+    bool RunAll(const std::vector<Step>& steps);
+
+    // The closing line for people. After the last step.
+    void Conclude();
+
+    bool AllSucceeded() const { return m_failed.empty(); }
+
+private:
+    struct Outcome;
+
+    void Announce(const Step& step);
+    void Abandon(const Step& step, const HostError& error);
+    void ShowLine(const Step& step, const Outcome& outcome);
+    void ShowJson(const Step& step, const Outcome& outcome);
+    std::string Paint(const char* colour, const std::string& text) const;
+
+    Console& m_console;
+    const bool m_json;
+    ExchangeLog m_exchanges;
+    int m_count = 0;
+    double m_milliseconds = 0;
+    std::string m_failed;  // title of the first step that failed
+};
+
+}  // namespace host

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+
+namespace host {
+
+// A folder of this process's own under the system's temporary folder, made empty and deleted with its content.
+class TemporaryFolder {
+public:
+    // Throws std::filesystem::filesystem_error.
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+}  // namespace host

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// Conversions between the system's UTF-16 and UTF-8. Ill-formed parts become replacement characters.
+std::string ToUtf8(const std::wstring& text);
+std::wstring ToWide(const std::string& utf8);
+
+}  // namespace host
