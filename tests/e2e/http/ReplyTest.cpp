@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "HttpCall.h"
+
+namespace {
+
+using Then = RawReply::Then;
+
+TEST(HttpReply, AskedEncodingsAreDecoded) {
+    struct Row {
+        const char* encoding;
+        std::string body;
+    };
+    const std::string deflated("\x4B\x49\x4D\xCE\x4F\x49\x4D\x51\x28\x49\xAD\x28\x01\x00", 14);
+    const Row rows[] = {
+        {"gzip",
+         std::string("\x1F\x8B\x08\0\0\0\0\0\x02\x03", 10) + deflated + std::string("\xF4\x8D\x4C\x0D\x0C\0\0\0", 8)},
+        {"deflate", "\x78\x9C" + deflated + "\x1E\x16\x04\xAE"},
+        {"br",
+         "\x8B\x05\x80"
+         "decoded text\x03"},
+    };
+    for (const wchar_t* header : {L"Accept-Encoding", L"accept-encoding"}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.encoding);
+            RawServer server({OkReply(row.body, std::string("Content-Encoding: ") + row.encoding + "\r\n")});
+            HttpCall call(server.Url(), {{header, L"gzip, deflate, br"}});
+            EXPECT_EQ(call.Send(), 200);
+            EXPECT_EQ(call.response, "decoded text");
+            EXPECT_NE(server.Requests()[0].find("ccept-" + std::string(header[7] == L'E' ? "E" : "e") +
+                                                "ncoding: gzip, deflate, br\r\n"),
+                      std::string::npos);
+        }
+    }
+}
+
+TEST(HttpReply, FailuresHaveTheirOwnCode) {
+    struct Row {
+        const char* name;
+        RawReply reply;
+        int timeoutSeconds;
+        int expected;
+    };
+    constexpr std::size_t kLimit = 16 * 1024 * 1024;
+    const std::string cut = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nonly this";
+    const Row rows[] = {
+        {"control step: whole", OkReply(), 10, 200},
+        {"largest text", OkReply(std::string(kLimit, 'x')), -1, 200},
+        {"one byte too large", OkReply(std::string(kLimit + 1, 'x')), -1, kHttpReplyTooLarge},
+        {"cut before its length", {cut, Then::kClose}, -1, kHttpConnectionBroken},
+        {"cut within a chunk",
+         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nab", Then::kClose},
+         -1,
+         kHttpConnectionBroken},
+        {"no reply at all", {"", Then::kClose}, -1, kHttpConnectionBroken},
+        {"not HTTP", {"SSH-2.0-server\r\n\r\n", Then::kClose}, -1, kHttpConnectionBroken},
+        {"stalls before the reply", {"", Then::kStall}, 1, kHttpTimeout},
+        {"stalls in the body", {cut, Then::kStall}, 1, kHttpTimeout},
+        {"gzip that is none", OkReply("plain text here", "Content-Encoding: gzip\r\n"), -1, kHttpBadEncoding},
+        {"unknown encoding", OkReply("?", "Content-Encoding: x-unheard-of\r\n"), -1, kHttpBadEncoding},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        RawServer server({row.reply});
+        HttpCall call(server.Url(L"/path?access_token=secret"), {{L"Cookie", L"secret"}});
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(call.Send(row.timeoutSeconds), row.expected);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+        ASSERT_EQ(call.errors.size(), row.expected < 0 ? 1u : 0u);
+        if (row.expected < 0) {
+            EXPECT_EQ(call.response, "");
+            EXPECT_EQ(call.errors[0].find(L"HTTP: GET 127.0.0.1:" + std::to_wstring(server.Port()) + L" failed: "), 0u);
+            call.progress.push_back(call.errors[0]);
+        }
+        for (const std::wstring& line : call.progress) {
+            EXPECT_EQ(line.find(L"secret"), std::wstring::npos) << line;
+        }
+    }
+}
+
+TEST(HttpReply, NobodyListens) {
+    std::wstring url;
+    {
+        RawServer gone({OkReply()});
+        url = gone.Url();
+    }
+    HttpCall call(url);
+    EXPECT_EQ(call.Send(), kHttpConnectFailed);
+    HttpCall unknown(L"http://no-such-host.invalid/");
+    EXPECT_EQ(unknown.Send(), kHttpNameNotResolved);
+    HttpCall certificate(url);
+    certificate.strategy.SetCertPath(L"Z:\\no\\such\\file.pem");
+    EXPECT_EQ(certificate.Send(), kHttpCertificateFileInvalid);
+}
+
+TEST(HttpReply, HeadersOfTheFinalReply) {
+    RawServer server({{"HTTP/1.1 103 Early Hints\r\nEarly: 1\r\n\r\n" +
+                       RawReplyBytes("404 Not Found", "X-Two: a\r\nOther:\r\nx-two:  b\r\n", "gone")}});
+    HttpCall call(server.Url());
+    std::map<std::string, std::string> headers = {{"Stale", "1"}};
+    EXPECT_EQ(CurlHttpLibContext(&call.strategy).Request(call.response, headers), 404);
+    const std::map<std::string, std::string> expected = {{"X-Two", "a, b"}, {"Other", ""}, {"Content-Length", "4"}};
+    EXPECT_EQ(headers, expected);
+    EXPECT_EQ(call.response, "gone");
+}
+
+TEST(HttpReply, Download) {
+    struct Row {
+        const char* name;
+        RawReply reply;
+        bool accept;
+        int expected;
+        std::size_t bytes;
+        int finalCalls;
+    };
+    const std::string large(17 * 1024 * 1024, 'x');
+    const Row rows[] = {
+        {"beyond the text limit", OkReply(large), true, 200, large.size(), 1},
+        {"empty", OkReply(""), true, 200, 0, 1},
+        {"404 has a body too", {RawReplyBytes("404 Not Found", "", "gone")}, true, 404, 4, 1},
+        {"cut", {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nfour", Then::kClose}, true, kHttpConnectionBroken, 4, 0},
+        {"refused", OkReply("refused"), false, kHttpWriteRefused, 7, 0},
+    };
+    for (const Row& row : rows) {
+        for (const bool throws : {false, true}) {
+            SCOPED_TRACE(row.name);
+            RawServer server({row.reply});
+            HttpCall call(server.Url());
+            FileTransferHandler handler;
+            std::size_t bytes = 0;
+            int finalCalls = 0;
+            handler.SetWriteDataFunc([&](const char*, std::size_t& size, bool finalBlock) {
+                bytes += size;
+                finalCalls += finalBlock ? 1 : 0;
+                if (!row.accept && throws) {
+                    throw std::runtime_error("disk full");
+                }
+                return row.accept;
+            });
+            EXPECT_EQ(CurlHttpLibContext(&call.strategy).Request(call.response, &handler), row.expected);
+            EXPECT_EQ(call.response, "");
+            EXPECT_EQ(bytes, row.bytes);
+            EXPECT_EQ(finalCalls, row.finalCalls);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#include <HttpLib.h>
+
+#include "SandboxSession.h"
+
+namespace {
+
+std::wstring Wide(const std::string& ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
+// One GET; returns the code and the library's error text.
+std::pair<int, std::string> Get(const std::string& url) {
+    BasicHttpLibStrategy strategy;
+    std::wstring error;
+    strategy.SetUrl(Wide(url));
+    strategy.SetErrorLogFunction([&error](const std::wstring& message) { error += message; });
+    std::string reply;
+    const int code = CurlHttpLibContext(&strategy).Request(reply, 20);
+    return {code, std::string(error.begin(), error.end())};
+}
+
+}  // namespace
+
+TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
+    const std::string code = SignIn();
+    UsePlatform(m_sandbox.m_https);
+    EXPECT_FALSE(m_service->RequestAT("", code.c_str())) << "the system's store does not know the sandbox";
+    EXPECT_NE(LogText().find("RequestCountryCode httpcode:-5"), std::string::npos) << LogText();
+
+    CurlHttpLibContext::SetDefaultCertPath((m_folder / "authority.pem").wstring());
+    EXPECT_TRUE(m_service->RequestAT("", code.c_str())) << LogText();
+
+    // The connection that was good under the authority is not good without it.
+    CurlHttpLibContext::SetDefaultCertPath(L"");
+    EXPECT_EQ(Get(m_sandbox.m_https + "/routing/v1/remote").first, kHttpCertificateUntrusted);
+}
+
+TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
+    const std::filesystem::path otherAuthority = m_folder / "other.pem";
+    SandboxServer wrongName(L"--tls-name wrong.example --ca-file \"" + otherAuthority.wstring() + L"\"");
+    const std::filesystem::path empty = m_folder / "empty.pem";
+    WriteFile(empty, "no certificate\n");
+    const struct {
+        const char* name;
+        std::filesystem::path authority;
+        std::string base;
+        int code;
+    } rows[] = {
+        {"right", m_folder / "authority.pem", m_sandbox.m_https, 200},
+        {"another authority", otherAuthority, m_sandbox.m_https, kHttpCertificateUntrusted},
+        {"system store", "", m_sandbox.m_https, kHttpCertificateUntrusted},
+        {"wrong name", otherAuthority, wrongName.m_https, kHttpCertificateWrongName},
+        {"no such file", m_folder / "absent.pem", m_sandbox.m_https, kHttpCertificateFileInvalid},
+        {"file without certificate", empty, m_sandbox.m_https, kHttpCertificateFileInvalid},
+        {"no TLS there", m_folder / "authority.pem", "https" + m_sandbox.m_http.substr(4), kHttpTlsFailed},
+    };
+    for (const auto& row : rows) {
+        CurlHttpLibContext::SetDefaultCertPath(row.authority.wstring());
+        const auto [code, error] = Get(row.base + "/routing/v1/remote");
+        EXPECT_EQ(code, row.code) << row.name << ": " << error;
+        EXPECT_EQ(error.find("127.0.0.1") != std::string::npos, row.code < 0) << row.name << ": " << error;
+    }
+}

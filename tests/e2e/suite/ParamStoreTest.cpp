@@ -1,0 +1,128 @@
+#include "ParamStore.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder with non-ASCII characters in its name, which is part of every case.
+fs::path Folder() {
+    const fs::path folder = fs::temp_directory_path() / L"store \u00E9\u4E2D";
+    fs::create_directories(folder);
+    return folder;
+}
+
+fs::path WriteFile(const wchar_t* name, const std::string& text) {
+    const fs::path file = Folder() / name;
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
+    return file;
+}
+
+std::string ReadFile(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+bool Load(const std::string& text, std::string& error) {
+    return GlobalParamWrapper::GetInstance()->LoadConfiguration(WriteFile(L"client.json", text).wstring(), error);
+}
+
+std::wstring UuidIn(const fs::path& folder) {
+    std::string error;
+    EXPECT_TRUE(Load("{\"stateFolder\":\"" + folder.generic_u8string() + "\"}", error)) << error;
+    return GlobalParamWrapper::GetInstance()->GetSystemUUid();
+}
+
+}  // namespace
+
+TEST(ParamStoreConfiguration, NamedMembersReplaceTheOthersStay) {
+    GlobalParamWrapper* store = GlobalParamWrapper::GetInstance();
+    std::string error;
+    EXPECT_EQ(store->GetZvClientMode(), L"1");
+    EXPECT_FALSE(store->GetAppDataLocalPath().empty());
+    ASSERT_TRUE(
+        Load("\xEF\xBB\xBF// comment\n{\"portalUrl\":\"https://a\",\"appDataLocalPath\":\"C:\\\\d \xC3\xA9\\\\\","
+             "\"legacyItems\":{\"0\":\"AQID\"}}",
+             error))
+        << error;
+    ASSERT_TRUE(Load("{\"gatewayUrl\":\"HTTP://b:81/gw\",\"countryCode\":\"FR\"}", error)) << error;
+    EXPECT_EQ(store->GetPortalUrl(), L"https://a");
+    EXPECT_EQ(store->GetGWUrl(), L"HTTP://b:81/gw");
+    EXPECT_EQ(store->GetCountryCode(), L"FR");
+    EXPECT_EQ(store->GetAppDataLocalPath(), L"C:\\d \u00E9");
+    EXPECT_EQ(ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken),
+              L"AQID");
+}
+
+TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
+    const struct {
+        const char* name;
+        std::string text;
+        const char* error;  // what follows the file's name
+    } rows[] = {
+        {"empty file", "", ":1: not valid JSON"},
+        {"array at the root", "\n[1]", ":2: must be a JSON object"},
+        {"deep nesting", std::string(100000, '['), ": nested deeper than 16 levels"},
+        {"NUL ends nothing", std::string("{}\n\0{", 5), ":2: not valid JSON: NUL character"},
+        {"syntax", "{\n\"clientMode\": \"2\",\n}", ":3: not valid JSON: "},
+        {"duplicate key", "{\"clientMode\":\"2\",\n\"clientMode\":\"3\"}", ":2: not valid JSON: Duplicate key"},
+        {"huge", std::string(1024 * 1024, ' ') + "{}", ": larger than 1 MiB"},
+        {"not UTF-8", "{\"clientMode\":\"\xFF\"}", ": not valid UTF-8"},
+        {"mistyped key", "{\"clientMode\":\"2\",\n\n\"portalURL\":\"https://b\"}",
+         ":3: portalURL: is not a known setting"},
+        {"key with line feed", "{\"a\\nb\":1}", ":1: a?b: is not a known setting"},
+        {"number", "{\r\n\"countryCode\":33}", ":2: countryCode: must be a text"},
+        {"null", "{\"stateFolder\":null}", ":1: stateFolder: must be a text"},
+        {"other scheme", "{\"clientMode\":\"2\",\n\"portalUrl\":\"ftp://b\"}",
+         ":2: portalUrl: must be an http or https URL"},
+        {"trailing slash", "{\"gatewayUrl\":\"https://b/\"}", ":1: gatewayUrl: must not end with a slash"},
+        {"query", "{\"gatewayUrl\":\"https://b?x=1\"}", ":1: gatewayUrl: must not contain blanks"},
+        {"escaped line feed", "{\"gatewayUrl\":\"https://b\\nc\"}",
+         ":1: gatewayUrl: must not contain control characters"},
+        {"lone surrogate", "{\"countryCode\":\"\\udc00\"}", ":1: countryCode: is not valid Unicode"},
+        {"item number", "{\"legacyItems\":{\n\"-0\":\"x\"}}", ":2: legacyItems.-0: is not an item number"},
+        {"item of wrong type", "{\"legacyItems\":{\n\"0\":{}}}", ":2: legacyItems.0: must be a text"},
+    };
+    GlobalParamWrapper* store = GlobalParamWrapper::GetInstance();
+    std::string error;
+    ASSERT_TRUE(Load("{\"portalUrl\":\"https://kept\",\"clientMode\":\"9\",\"legacyItems\":{\"0\":\"kept\"}}", error));
+    const std::string file = (Folder() / L"client.json").u8string();
+    for (const auto& row : rows) {
+        error.clear();
+        EXPECT_FALSE(Load(row.text, error)) << row.name;
+        EXPECT_EQ(error.compare(0, file.size() + std::string(row.error).size(), file + row.error), 0)
+            << row.name << ": " << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << row.name;
+        EXPECT_EQ(store->GetPortalUrl() + store->GetZvClientMode(), L"https://kept9") << row.name;
+        EXPECT_EQ(ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken),
+                  L"kept")
+            << row.name;
+    }
+    EXPECT_FALSE(store->LoadConfiguration((Folder() / L"missing.json").wstring(), error));
+    EXPECT_NE(error.find("missing.json: cannot be read"), std::string::npos) << error;
+}
+
+TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
+    fs::remove_all(Folder());
+    const std::wstring first = UuidIn(Folder() / "new" / "a");
+    EXPECT_EQ(first.size(), 32U);
+    EXPECT_EQ(first.find_first_not_of(L"0123456789abcdef"), std::wstring::npos);
+    EXPECT_EQ(ReadFile(Folder() / "new" / "a" / "device-uuid"), std::string(first.begin(), first.end()));
+    EXPECT_NE(UuidIn(Folder() / "b"), first);  // a folder of its own, an identity of its own
+    EXPECT_EQ(UuidIn(Folder() / "new" / "a"), first);
+    for (const char* damaged : {"", "0123456789ABCDEF0123456789ABCDEF", "0123456789abcdef0123456789abcdef0"}) {
+        UuidIn(Folder() / "b");
+        WriteFile(L"device-uuid", damaged);
+        const std::wstring replaced = UuidIn(Folder());
+        EXPECT_EQ(replaced.size(), 32U) << damaged;
+        EXPECT_EQ(ReadFile(Folder() / "device-uuid"), std::string(replaced.begin(), replaced.end())) << damaged;
+    }
+    const std::wstring unwritable = UuidIn(WriteFile(L"file", "") / "sub");
+    EXPECT_EQ(unwritable.size(), 32U);
+    EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);
+}

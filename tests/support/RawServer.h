@@ -1,0 +1,54 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+// What a scripted server does with one request.
+struct RawReply {
+    enum class Then { kKeep, kClose, kStall };
+
+    std::string bytes;
+    Then then = Then::kKeep;  // kStall: neither sends nor closes until the server ends
+};
+
+// "HTTP/1.1 <status>", the header lines (each ending in CRLF), Content-Length and the body.
+std::string RawReplyBytes(const std::string& status, const std::string& headers, const std::string& body);
+
+// A server on a free port of 127.0.0.1 that keeps what it receives, byte by byte. The reply to the n-th request is the
+// n-th of the script; the last one repeats.
+class RawServer {
+public:
+    explicit RawServer(std::vector<RawReply> script);
+    ~RawServer();
+    RawServer(const RawServer&) = delete;
+    RawServer& operator=(const RawServer&) = delete;
+
+    // "http://127.0.0.1:<port>" and the path.
+    std::wstring Url(const std::wstring& path = L"/") const;
+    unsigned short Port() const { return m_port; }
+    // Requests received so far: head and body as they came.
+    std::vector<std::string> Requests() const;
+    int AcceptCount() const;
+
+private:
+    void Accept();
+    void Serve(std::size_t connection);
+    RawReply Record(const std::string& request);
+
+    const std::vector<RawReply> m_script;
+    std::uintptr_t m_listener = 0;
+    unsigned short m_port = 0;
+    mutable std::mutex m_lock;
+    std::condition_variable m_ended;
+    bool m_ending = false;
+    std::vector<std::string> m_requests;
+    std::vector<std::uintptr_t> m_connections;
+    std::vector<std::thread> m_servants;
+    std::thread m_acceptor;
+};
