@@ -28,7 +28,7 @@ enum HttpTransportError : int {
     kHttpConnectionBroken = -9,        // cut, reset or ended before the announced length
     kHttpReplyTooLarge = -10,          // a text reply beyond 16 MiB after decoding
     kHttpBadEncoding = -11,            // the content encoding could not be undone
-    kHttpRedirectRefused = -12,        // more than five, to another scheme, or from https to http
+    kHttpRedirectRefused = -12,        // over five, to another scheme, from https to http, or a body to another host
     kHttpWriteRefused = -13,           // the download's write function returned false or threw
     kHttpInternalError = -14,          // out of memory, or an error that has no code of its own
 };

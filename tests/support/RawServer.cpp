@@ -3,6 +3,7 @@
 #include <winsock2.h>
 
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
 
 namespace {
@@ -11,35 +12,6 @@ std::size_t BodyLength(const std::string& head) {
     const std::string name = "\r\nContent-Length: ";
     const std::size_t found = head.find(name);
     return found == std::string::npos ? 0 : std::stoul(head.substr(found + name.size()));
-}
-
-sockaddr_in Loopback(unsigned short port) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(port);
-    return address;
-}
-
-// One whole request from the connection; what lies beyond it stays in pending. Empty at the connection's end.
-std::string ReceiveRequest(SOCKET socket, std::string& pending) {
-    for (;;) {
-        const std::size_t headEnd = pending.find("\r\n\r\n");
-        if (headEnd != std::string::npos) {
-            const std::size_t size = headEnd + 4 + BodyLength(pending.substr(0, headEnd + 2));
-            if (pending.size() >= size) {
-                std::string request = pending.substr(0, size);
-                pending.erase(0, size);
-                return request;
-            }
-        }
-        char block[16384];
-        const int received = recv(socket, block, sizeof block, 0);
-        if (received <= 0) {
-            return {};
-        }
-        pending.append(block, static_cast<std::size_t>(received));
-    }
 }
 
 void SendAll(SOCKET socket, const std::string& bytes) {
@@ -64,7 +36,9 @@ RawServer::RawServer(std::vector<RawReply> script) : m_script(std::move(script))
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
     m_listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    sockaddr_in address = Loopback(0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     int size = sizeof address;
     auto* const generic = reinterpret_cast<sockaddr*>(&address);
     if (bind(m_listener, generic, size) != 0 || listen(m_listener, 16) != 0 ||
@@ -76,27 +50,15 @@ RawServer::RawServer(std::vector<RawReply> script) : m_script(std::move(script))
 }
 
 RawServer::~RawServer() {
-    {
-        const std::lock_guard<std::mutex> hold(m_lock);
-        m_ending = true;
-        for (const SOCKET connection : m_connections) {
-            shutdown(connection, SD_BOTH);
-        }
-    }
-    m_ended.notify_all();
-    // Closing a listener does not wake its thread on every system; a connection does.
-    const sockaddr_in address = Loopback(m_port);
-    const SOCKET waker = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    connect(waker, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    m_ending = true;
     m_acceptor.join();
-    closesocket(waker);
-    closesocket(m_listener);
     for (std::thread& servant : m_servants) {
         servant.join();
     }
     for (const SOCKET connection : m_connections) {
         closesocket(connection);
     }
+    closesocket(m_listener);
     WSACleanup();
 }
 
@@ -114,39 +76,65 @@ int RawServer::AcceptCount() const {
     return static_cast<int>(m_connections.size());
 }
 
+// Neither closing nor shutting down a socket wakes its waiting thread on every system, hence the short waits.
+bool RawServer::WaitForInput(std::uintptr_t socket) const {
+    while (!m_ending) {
+        fd_set readable;
+        FD_ZERO(&readable);
+        readable.fd_array[readable.fd_count++] = socket;
+        timeval limit = {0, 20000};
+        if (select(0, &readable, nullptr, nullptr, &limit) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void RawServer::Accept() {
-    for (;;) {
+    while (WaitForInput(m_listener)) {
         const SOCKET connection = accept(m_listener, nullptr, nullptr);
         const std::lock_guard<std::mutex> hold(m_lock);
-        if (connection == INVALID_SOCKET || m_ending) {
-            if (connection != INVALID_SOCKET) {
-                closesocket(connection);
-            }
-            return;
-        }
         m_connections.push_back(connection);
-        m_servants.emplace_back(&RawServer::Serve, this, m_connections.size() - 1);
+        m_servants.emplace_back(&RawServer::Serve, this, connection);
     }
 }
 
-void RawServer::Serve(std::size_t connection) {
-    SOCKET socket = INVALID_SOCKET;
-    {
-        const std::lock_guard<std::mutex> hold(m_lock);
-        socket = m_connections[connection];
-    }
+void RawServer::Serve(std::uintptr_t connection) {
     std::string pending;
-    for (std::string request = ReceiveRequest(socket, pending); !request.empty();
-         request = ReceiveRequest(socket, pending)) {
+    for (;;) {
+        const std::string request = Receive(connection, pending);
+        if (request.empty()) {
+            return;
+        }
         const RawReply reply = Record(request);
-        SendAll(socket, reply.bytes);
-        if (reply.then == RawReply::Then::kStall) {
-            std::unique_lock<std::mutex> hold(m_lock);
-            m_ended.wait(hold, [this] { return m_ending; });
-        }
+        SendAll(connection, reply.bytes);
         if (reply.then == RawReply::Then::kClose) {
-            shutdown(socket, SD_SEND);
+            shutdown(connection, SD_SEND);
         }
+        while (reply.then == RawReply::Then::kStall && !m_ending) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+}
+
+// One whole request from the connection; what lies beyond it stays in pending. Empty at the connection's end.
+std::string RawServer::Receive(std::uintptr_t connection, std::string& pending) const {
+    for (;;) {
+        const std::size_t headEnd = pending.find("\r\n\r\n");
+        if (headEnd != std::string::npos) {
+            const std::size_t size = headEnd + 4 + BodyLength(pending.substr(0, headEnd + 2));
+            if (pending.size() >= size) {
+                std::string request = pending.substr(0, size);
+                pending.erase(0, size);
+                return request;
+            }
+        }
+        char block[16384];
+        const int received = WaitForInput(connection) ? recv(connection, block, sizeof block, 0) : 0;
+        if (received <= 0) {
+            return {};
+        }
+        pending.append(block, static_cast<std::size_t>(received));
     }
 }
 

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <condition_variable>
+#include <atomic>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -38,15 +36,16 @@ public:
 
 private:
     void Accept();
-    void Serve(std::size_t connection);
+    void Serve(std::uintptr_t connection);
+    bool WaitForInput(std::uintptr_t socket) const;
+    std::string Receive(std::uintptr_t connection, std::string& pending) const;
     RawReply Record(const std::string& request);
 
     const std::vector<RawReply> m_script;
     std::uintptr_t m_listener = 0;
     unsigned short m_port = 0;
+    std::atomic<bool> m_ending{false};
     mutable std::mutex m_lock;
-    std::condition_variable m_ended;
-    bool m_ending = false;
     std::vector<std::string> m_requests;
     std::vector<std::uintptr_t> m_connections;
     std::vector<std::thread> m_servants;

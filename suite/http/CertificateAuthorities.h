@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+// PEM text of the authorities to trust; empty means the system's store.
+using AuthoritiesPem = std::string;
+
+// Remembers the file for requests that name none; empty: the system's store. Any thread.
+void SetDefaultAuthoritiesPath(const std::wstring& path);
+
+// The authorities of a request: of its own file, else of the default file, else the system's store. Nothing when the
+// file cannot be read, is larger than any sensible bundle, or holds no certificate.
+std::optional<AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath);

@@ -1,0 +1,171 @@
+#include <chrono>
+#include <mutex>
+
+#include "CertificateAuthorities.h"
+#include "Exchange.h"
+#include "HttpLib.h"
+#include "ReplySink.h"
+#include "RequestCheck.h"
+#include "UrlText.h"
+#include "Utf8Text.h"
+
+namespace {
+
+using Observer = std::function<void(const HttpExchange&)>;
+
+struct ObserverSlot {
+    std::mutex lock;
+    std::shared_ptr<const Observer> observer;
+};
+
+// Never destroyed: a request may still look for it while the process ends.
+ObserverSlot& Slot() {
+    static auto* const slot = new ObserverSlot;
+    return *slot;
+}
+
+// What the host hands in may throw; an exchange's result does not depend on it.
+template <typename Call>
+void DropExceptions(Call call) {
+    try {
+        call();
+    } catch (...) {
+    }
+}
+
+// Empty parts for a URL that is refused.
+UrlParts PartsOf(const std::wstring& url) {
+    const std::optional<std::string> escaped = EscapeUrl(ToUtf8(url));
+    return (escaped ? ParseUrl(*escaped) : std::nullopt).value_or(UrlParts());
+}
+
+ExchangeOutcome Attempt(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sink) {
+    auto checked = CheckRequest(strategy);
+    if (const auto* refusal = std::get_if<std::string>(&checked)) {
+        return {kHttpInvalidRequest, *refusal};
+    }
+    auto& request = std::get<CheckedRequest>(checked);
+    const std::optional<AuthoritiesPem> authorities = AuthoritiesFor(strategy.CertPath());
+    if (!authorities) {
+        return {kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"};
+    }
+    return PerformExchange(std::move(request), *authorities, timeoutSeconds, sink);
+}
+
+std::wstring Milliseconds(double milliseconds) {
+    const auto tenths = static_cast<long long>(milliseconds * 10);
+    return std::to_wstring(tenths / 10) + L"." + std::to_wstring(tenths % 10) + L" ms";
+}
+
+// The texts for the log never hold a header, a body, a query or user information.
+std::wstring FinishText(const HttpExchange& exchange) {
+    std::wstring text = L"HTTP: " + exchange.method + L" " + exchange.url + L" ended with " +
+                        std::to_wstring(exchange.code) + L" after " + Milliseconds(exchange.milliseconds);
+    if (exchange.code > 0) {
+        text += exchange.connectionReused ? L", connection reused" : L", new connection";
+    }
+    return text;
+}
+
+std::wstring FailureText(const HttpExchange& exchange, const std::string& host, const std::string& cause) {
+    return L"HTTP: " + exchange.method + L" " + FromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
+}
+
+void Observe(const HttpExchange& exchange) {
+    std::shared_ptr<const Observer> observer;
+    {
+        const std::lock_guard<std::mutex> hold(Slot().lock);
+        observer = Slot().observer;
+    }
+    if (observer) {
+        (*observer)(exchange);
+    }
+}
+
+int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sink) {
+    const auto start = std::chrono::steady_clock::now();
+    const UrlParts url = PartsOf(strategy.Url());
+    HttpExchange exchange;
+    exchange.method = strategy.Method() == HttpRequestMethod::kPost ? L"POST" : L"GET";
+    exchange.url = FromUtf8(url.display);
+    DropExceptions([&] { strategy.Log(L"HTTP: " + exchange.method + L" " + exchange.url + L" started"); });
+    ExchangeOutcome outcome;
+    try {
+        outcome = Attempt(strategy, timeoutSeconds, sink);
+    } catch (const std::exception& error) {
+        outcome = {kHttpInternalError, error.what()};
+    }
+    exchange.code = outcome.code;
+    exchange.connectionReused = outcome.connectionReused;
+    exchange.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    if (outcome.code < 0) {
+        const std::string& host = outcome.host.empty() ? url.authority : outcome.host;
+        DropExceptions([&] { strategy.LogError(FailureText(exchange, host, outcome.cause)); });
+    }
+    DropExceptions([&] { strategy.Log(FinishText(exchange)); });
+    DropExceptions([&] { Observe(exchange); });
+    return outcome.code;
+}
+
+// A strategy may be the host's own class, and its getters may throw.
+int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, ReplySink& sink) {
+    if (strategy == nullptr) {
+        return kHttpInvalidRequest;
+    }
+    try {
+        return Execute(*strategy, timeoutSeconds, sink);
+    } catch (...) {
+        return kHttpInternalError;
+    }
+}
+
+}  // namespace
+
+CurlHttpLibContext::CurlHttpLibContext(IHttpLibStrategy* strategy) : m_strategy(strategy) {}
+CurlHttpLibContext::~CurlHttpLibContext() = default;
+
+int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
+    response.clear();
+    ReplySink sink(nullptr);
+    const int code = ExecuteOrRefuse(m_strategy, timeoutSeconds, sink);
+    if (code > 0) {
+        response = sink.TakeText();
+    }
+    return code;
+}
+
+int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
+    response.clear();
+    replyHeaders.clear();
+    ReplySink sink(nullptr);
+    const int code = ExecuteOrRefuse(m_strategy, -1, sink);
+    if (code > 0) {
+        response = sink.TakeText();
+        replyHeaders = sink.TakeHeaders();
+    }
+    return code;
+}
+
+int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler) {
+    response.clear();
+    if (fileTransferHandler == nullptr) {
+        DropExceptions([this] {
+            if (m_strategy != nullptr) {
+                m_strategy->LogError(L"HTTP: request failed: a download without a file transfer handler");
+            }
+        });
+        return kHttpInvalidRequest;
+    }
+    ReplySink sink(static_cast<FileTransferHandler*>(fileTransferHandler));
+    return ExecuteOrRefuse(m_strategy, -1, sink);
+}
+
+void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
+    SetDefaultAuthoritiesPath(path);
+}
+
+void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchange&)> observer) {
+    auto shared = observer ? std::make_shared<const Observer>(std::move(observer)) : nullptr;
+    const std::lock_guard<std::mutex> hold(Slot().lock);
+    Slot().observer.swap(shared);
+}

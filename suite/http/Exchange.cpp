@@ -1,0 +1,211 @@
+#include "Exchange.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+
+#include "CurlHandlePool.h"
+#include "CurlOption.h"
+#include "ProxySettings.h"
+#include "RedirectRule.h"
+#include "UrlText.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr long kConnectTimeoutSeconds = 15;
+constexpr long kStallSeconds = 30;
+// libcurl counts milliseconds in a 32-bit long.
+constexpr int kMaxTimeoutSeconds = 1000000;
+
+struct ListDeleter {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+using HeaderList = std::unique_ptr<curl_slist, ListDeleter>;
+
+void Append(HeaderList& list, const std::string& line) {
+    curl_slist* const longer = curl_slist_append(list.get(), line.c_str());
+    if (longer == nullptr) {
+        throw std::bad_alloc();
+    }
+    list.release();  // NOLINT: the longer list owns it
+    list.reset(longer);
+}
+
+// In libcurl's notation "Name;" sends an empty value and "Name:" keeps back a header that libcurl would add.
+HeaderList BuildHeaderList(const CheckedRequest& request) {
+    HeaderList list;
+    for (const auto& [name, value] : request.headers) {
+        Append(list, value.empty() ? name + ";" : name + ": " + value);
+    }
+    for (const char* unasked : {"Accept-Encoding", "Content-Type", "Expect"}) {
+        const bool given = std::any_of(request.headers.begin(), request.headers.end(),
+                                       [unasked](const auto& header) { return SameHeaderName(header.first, unasked); });
+        if (!given) {
+            Append(list, std::string(unasked) + ":");
+        }
+    }
+    return list;
+}
+
+void SetRequestOptions(CURL* handle, const CheckedRequest& request, curl_slist* headers) {
+    SetCurlOption(handle, CURLOPT_URL, request.url.c_str());
+    SetCurlOption(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    SetCurlOption(handle, CURLOPT_FOLLOWLOCATION, 0L);
+    SetCurlOption(handle, CURLOPT_HTTPHEADER, headers);
+    // Switches decoding on. The header of that name is the caller's or kept back, see BuildHeaderList.
+    SetCurlOption(handle, CURLOPT_ACCEPT_ENCODING, "");
+    if (request.post) {
+        SetCurlOption(handle, CURLOPT_POST, 1L);
+        SetCurlOption(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+        SetCurlOption(handle, CURLOPT_POSTFIELDS, request.body.c_str());
+    } else {
+        SetCurlOption(handle, CURLOPT_HTTPGET, 1L);
+    }
+}
+
+void SetConnectionOptions(CURL* handle, const UrlParts& url) {
+    SetCurlOption(handle, CURLOPT_NOSIGNAL, 1L);
+    SetCurlOption(handle, CURLOPT_CONNECTTIMEOUT, kConnectTimeoutSeconds);
+    SetCurlOption(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    SetCurlOption(handle, CURLOPT_LOW_SPEED_TIME, kStallSeconds);
+    SetCurlOption(handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    if (const std::optional<std::string> proxy = ProxyFor(url)) {
+        SetCurlOption(handle, CURLOPT_PROXY, proxy->c_str());
+    }
+}
+
+// libcurl compares authorities and options before it takes up a kept connection or TLS session, so one made under
+// other authorities is never used here.
+void SetTlsOptions(CURL* handle, const AuthoritiesPem& authorities) {
+    SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
+    SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
+    SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
+    SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    if (authorities.empty()) {
+        SetCurlOption(handle, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NATIVE_CA));
+        return;
+    }
+    std::string pem = authorities;
+    curl_blob blob = {pem.data(), pem.size(), CURL_BLOB_COPY};
+    SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
+}
+
+long InfoOf(CURL* handle, CURLINFO info) {
+    long value = 0;
+    curl_easy_getinfo(handle, info, &value);
+    return value;
+}
+
+class Exchange {
+public:
+    Exchange(const AuthoritiesPem& authorities, int timeoutSeconds, ReplySink& sink)
+        : m_authorities(authorities), m_sink(sink) {
+        if (timeoutSeconds > 0) {
+            m_deadline = Clock::now() + std::chrono::seconds(std::min(timeoutSeconds, kMaxTimeoutSeconds));
+        }
+    }
+
+    ExchangeOutcome Run(CheckedRequest request) {
+        m_handle = LeaseCurlHandle();
+        if (!m_handle) {
+            Fail({kHttpInternalError, "libcurl cannot be started"});
+            return m_outcome;
+        }
+        for (int redirects = 0; SendOnce(request) && !m_sink.RedirectTarget().empty(); ++redirects) {
+            if (redirects == kMaxRedirects) {
+                Fail({kHttpRedirectRefused, "more than five redirects"});
+                break;
+            }
+            auto next = FollowRedirect(request, m_outcome.code, m_sink.RedirectTarget());
+            if (const auto* refusal = std::get_if<std::string>(&next)) {
+                Fail({kHttpRedirectRefused, *refusal});
+                break;
+            }
+            request = std::get<CheckedRequest>(std::move(next));
+        }
+        m_outcome.connectionReused = m_connectionsTaken > 0 && m_connectionsMade == 0;
+        return m_outcome;
+    }
+
+private:
+    // One hop. True when its reply is complete; m_outcome.code is its status then.
+    bool SendOnce(const CheckedRequest& request) {
+        CURL* const handle = m_handle.get();
+        const std::optional<UrlParts> url = ParseUrl(request.url);
+        if (!url) {
+            return Fail({kHttpInvalidRequest, "the URL is malformed"});
+        }
+        m_outcome.host = url->authority;
+        std::array<char, CURL_ERROR_SIZE> detail = {};
+        const HeaderList headers = BuildHeaderList(request);
+        curl_easy_reset(handle);
+        SetRequestOptions(handle, request, headers.get());
+        SetConnectionOptions(handle, *url);
+        SetTlsOptions(handle, m_authorities);
+        SetCurlOption(handle, CURLOPT_ERRORBUFFER, detail.data());
+        if (!SetRemainingTime()) {
+            return Fail({kHttpTimeout, "time limit reached"});
+        }
+        m_sink.Attach(handle);
+        const CURLcode result = curl_easy_perform(handle);
+        const bool complete = Judge(result, detail.data());
+        // The options point into this frame.
+        curl_easy_reset(handle);
+        return complete;
+    }
+
+    bool Judge(CURLcode result, const char* detail) {
+        CURL* const handle = m_handle.get();
+        m_connectionsMade += InfoOf(handle, CURLINFO_NUM_CONNECTS);
+        m_connectionsTaken += InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 ? 1 : 0;
+        m_outcome.code = static_cast<int>(InfoOf(handle, CURLINFO_RESPONSE_CODE));
+        if (m_sink.Failure().code != 0) {
+            return Fail(m_sink.Failure());
+        }
+        if (result != CURLE_OK && !(result == CURLE_WRITE_ERROR && m_sink.RedirectBodyCut())) {
+            return Fail(DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
+        }
+        if (m_sink.RedirectTarget().empty() && !m_sink.Finish()) {
+            return Fail(m_sink.Failure());
+        }
+        return true;
+    }
+
+    bool SetRemainingTime() {
+        if (!m_deadline) {
+            return true;
+        }
+        const auto remaining = std::chrono::ceil<std::chrono::milliseconds>(*m_deadline - Clock::now()).count();
+        if (remaining <= 0) {
+            return false;
+        }
+        SetCurlOption(m_handle.get(), CURLOPT_TIMEOUT_MS, static_cast<long>(remaining));
+        return true;
+    }
+
+    bool Fail(const TransportFailure& failure) {
+        m_outcome.code = failure.code;
+        m_outcome.cause = failure.cause.empty() ? "out of memory" : failure.cause;
+        return false;
+    }
+
+    const AuthoritiesPem& m_authorities;
+    ReplySink& m_sink;
+    std::optional<Clock::time_point> m_deadline;
+    CurlLease m_handle;
+    ExchangeOutcome m_outcome;
+    long m_connectionsMade = 0;
+    long m_connectionsTaken = 0;
+};
+
+}  // namespace
+
+ExchangeOutcome PerformExchange(CheckedRequest request, const AuthoritiesPem& authorities, int timeoutSeconds,
+                                ReplySink& sink) {
+    return Exchange(authorities, timeoutSeconds, sink).Run(std::move(request));
+}

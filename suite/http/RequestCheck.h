@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "HttpLib.h"
+
+// One exchange as it goes out, checked: all text is UTF-8, without control characters.
+struct CheckedRequest {
+    std::string url;
+    bool post = false;
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::string body;  // empty for a GET
+};
+
+// Checks and converts what a strategy describes, or says in one sentence why it must not be sent. Throws
+// std::length_error for text beyond every reason.
+std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy);
+
+// ASCII comparison without regard to letter case, as header names are compared.
+bool SameHeaderName(const std::string& left, const std::string& right);

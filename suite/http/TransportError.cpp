@@ -1,0 +1,66 @@
+#include "TransportError.h"
+
+#include "HttpLib.h"
+
+namespace {
+
+// X509_V_ERR_UNSPECIFIED. libcurl's value until it has read the chain's result, which it does after the name check: a
+// refusal with this value or 0 is one of the name.
+constexpr long kChainNotJudged = 1;
+
+struct Meaning {
+    int code;
+    const char* text;
+};
+
+Meaning MeaningOf(CURLcode result, long verifyResult) {
+    switch (result) {
+        case CURLE_URL_MALFORMAT:
+            return {kHttpInvalidRequest, "the URL is malformed"};
+        case CURLE_COULDNT_RESOLVE_HOST:
+            return {kHttpNameNotResolved, "host name has no address"};
+        case CURLE_COULDNT_RESOLVE_PROXY:
+            return {kHttpNameNotResolved, "proxy name has no address"};
+        case CURLE_COULDNT_CONNECT:
+        case CURLE_PROXY:
+            return {kHttpConnectFailed, "connection refused or unreachable"};
+        case CURLE_OPERATION_TIMEDOUT:
+            return {kHttpTimeout, "time limit reached"};
+        case CURLE_PEER_FAILED_VERIFICATION:
+            return verifyResult <= kChainNotJudged
+                       ? Meaning{kHttpCertificateWrongName, "certificate is for another host"}
+                       : Meaning{kHttpCertificateUntrusted, "certificate is not trusted"};
+        case CURLE_SSL_CACERT_BADFILE:
+            return {kHttpCertificateFileInvalid, "the certificate file holds no usable certificate"};
+        case CURLE_SSL_CONNECT_ERROR:
+        case CURLE_SSL_CIPHER:
+        case CURLE_SSL_CERTPROBLEM:
+        case CURLE_SSL_ISSUER_ERROR:
+        case CURLE_SSL_SHUTDOWN_FAILED:
+            return {kHttpTlsFailed, "TLS handshake failed"};
+        case CURLE_PARTIAL_FILE:
+        case CURLE_GOT_NOTHING:
+        case CURLE_SEND_ERROR:
+        case CURLE_RECV_ERROR:
+            return {kHttpConnectionBroken, "connection broken"};
+        case CURLE_WEIRD_SERVER_REPLY:
+        case CURLE_UNSUPPORTED_PROTOCOL:  // the reply has no HTTP status line
+            return {kHttpConnectionBroken, "the reply is not HTTP"};
+        case CURLE_BAD_CONTENT_ENCODING:
+        case CURLE_WRITE_ERROR:  // of a decoder; the sink's own refusals are known before
+            return {kHttpBadEncoding, "the content encoding cannot be undone"};
+        default:
+            return {kHttpInternalError, "internal error"};
+    }
+}
+
+}  // namespace
+
+TransportFailure DescribeFailure(CURLcode result, const std::string& detail, long verifyResult) {
+    const Meaning meaning = MeaningOf(result, verifyResult);
+    std::string shown = detail.empty() ? curl_easy_strerror(result) : detail;
+    for (char& c : shown) {
+        c = static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+    }
+    return {meaning.code, std::string(meaning.text) + " (" + shown + ")"};
+}
