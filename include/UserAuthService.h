@@ -47,10 +47,10 @@ public:
     void __autoclassinit2(std::size_t size);
 #endif
 
-    // ---- Account state
-    // ----------------------------------------------------------------------------------------------- Any thread; each
-    // call is atomic. The setters of the tokens and of the user id hand the value to the parameter store before another
-    // thread can read it from here.
+    // == Account state ==
+    //
+    // Any thread; each call is atomic. The setters of the tokens and of the user id hand the value to the parameter
+    // store before another thread can read it from here.
 
     // Signs out of the account state: empties access token, refresh token, user id and portrait path. Leaves everything
     // else, and the parameter store, as they are.
@@ -72,9 +72,9 @@ public:
     void SetCurrentUserInfo(const std::wstring& userId, const std::wstring& userName, const std::wstring& headImageUrl,
                             int brandId);
 
-    // ---- Read and written without the lock, by design
-    // ------------------------------------------------------------------ The host orders these itself: it reads them
-    // after the operation that writes them has returned.
+    // == Account state without the lock, by design ==
+    //
+    // The host orders these itself: it reads them after the operation that writes them has returned.
 
     std::string GetCountryCode();  // UTF-8
     std::string GetLanguageType() const;
@@ -88,23 +88,66 @@ public:
 
     GlobalParamWrapper* GetGPWPtr();
 
-    // ---- Tokens
-    // --------------------------------------------------------------------------------------------------------
+    // == Tokens ==
 
     // Exchanges an authorization code (ASCII, null reads as empty) for access token, refresh token and registration
     // country, and stores them. The first argument is not used: deliberate, callers pass the code twice. True when the
     // portal answered 200 with an access token, a country and the result code "0".
     bool RequestAT(std::string code, const char* authorizationCode);
 
+    // Obtains a new access token with the stored refresh token; the refresh token stays. False without any exchange
+    // when there is none. When the portal answers 200 without a usable token the callback below runs, on this thread
+    // and without the lock, before this returns; any other status leaves it alone. A token that arrives after a Clear
+    // on another thread is stored: the exchange was answered, and the last store wins. A host that signs out waits for
+    // its refresh, or clears again after it.
+    bool GetAccessTokenByRefrshToken();
+
+    // Sets what runs when a sign-in is needed again; an empty function clears it. It may call any member, start a
+    // refresh (nested, on the same thread) or register another callback. Not to be called while another thread
+    // refreshes.
+    void SetAtExpireCallback(const std::function<void()>& callback);
+
+    // Fetches the application's own access token and hands it to the parameter store, also when it is empty. True on
+    // every 200.
+    bool RequestApplicationAT();
+
     // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
     // with
     // "_" between them. Two calls for one command within a second give the same id.
     std::wstring GetTraceID(BaseCmd command);
 
-    // ---- Account SDK
-    // --------------------------------------------------------------------------------------------------- Thin calls on
-    // the caller's thread; the SDK's own code is passed through, -1 when its entry point is missing. Order: InitZms
-    // before any other of them and before the first request, then ZmsSignIn; UnInitializeSDK at shutdown.
+    // == Identity and profile ==
+
+    // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every
+    // 200.
+    bool RequestUserID();
+    bool RequestUserIdFromSyncServer();
+
+    // Fetches user id, display name, portrait URL and brand and stores them; true on every 200.
+    //
+    // When there is a portrait URL a background thread downloads it into the file "HeadPortrait" of the store's local
+    // application-data folder, stores that path (empty text unless the download's status was 200) and posts message
+    // 0x0C87, both parameters 0, to the store's main window. The message comes before the file is closed. Without a URL
+    // the path is emptied and the message posted at once. Two calls in a row may write the file at once.
+    //
+    // The thread keeps this library loaded until it ends; at process exit it just stops. Throws std::system_error when
+    // it cannot be started, and nothing else.
+    bool RequestUserInfo();
+
+    // Looks up what the portal knows of the account at its registration place: language type, privilege flag and
+    // whether client logs are reported. Needs the access token and the country that RequestAT stored. True when the
+    // portal answered 200 with the result code "0"; what a reply does not say, or says in another type, stays as it
+    // was.
+    bool UpdateRegistInfo();
+
+    // Whether the registration country that RequestAT stored is "CN". Any thread.
+    bool IsChinaAccount();
+
+    // == Account SDK ==
+    //
+    // Thin calls on the caller's thread; the SDK's own code is passed through, -1 when its entry point is missing.
+    // Order: InitZms before any other of them and before the first request, then ZmsSignIn; UnInitializeSDK at
+    // shutdown.
 
     // Tells the parameter store to start sending, initialises the SDK and registers the callback. 0 on success.
     int InitZms(ZmsNotifyCallback callback);

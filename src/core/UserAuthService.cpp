@@ -11,8 +11,6 @@ int FnUserAuthService() {
     return 0;
 }
 
-RefreshTokenOperate::~RefreshTokenOperate() = default;
-
 // Storage that is zero-filled before the object is constructed in it, so that padding holds no old bytes either.
 struct UserAuthService::Storage {
     Storage() {

@@ -16,9 +16,22 @@ Reply Reply::Member(const char* name) const {
     return member;
 }
 
+bool Reply::Has(const char* name) const {
+    return m_root.isObject() && m_root.isMember(name);
+}
+
 std::string Reply::Text(const char* name) const {
+    return TextOr(name, std::string());
+}
+
+std::string Reply::TextOr(const char* name, const std::string& fallback) const {
     const Json::Value& member = Find(name);
-    return member.isString() ? member.asString() : std::string();
+    return member.isString() ? member.asString() : fallback;
+}
+
+bool Reply::BooleanOr(const char* name, bool fallback) const {
+    const Json::Value& member = Find(name);
+    return member.isBool() ? member.asBool() : fallback;
 }
 
 std::int32_t Reply::Integer(const char* name) const {

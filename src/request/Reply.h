@@ -20,6 +20,12 @@ public:
     // A string member, in the reply's own bytes (UTF-8 as a rule).
     std::string Text(const char* name) const;
 
+    bool Has(const char* name) const;
+
+    // A string or boolean member, or the fallback when it is missing or of another type.
+    std::string TextOr(const char* name, const std::string& fallback) const;
+    bool BooleanOr(const char* name, bool fallback) const;
+
     // An integral number that fits 32 bits; 3600.0 is one.
     std::int32_t Integer(const char* name) const;
 

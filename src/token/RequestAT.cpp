@@ -9,13 +9,13 @@
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/Reply.h"
+#include "request/SummaryLine.h"
 #include "request/UserAuthRequest.h"
 #include "token/ReplaceAllIgnoringCase.h"
 
 namespace {
 
 using userauth::kAnsiCodePage;
-using userauth::kUtf8CodePage;
 using userauth::MultiByteToWide;
 using userauth::WideToMultiByte;
 using userauth::WriteLog;
@@ -68,10 +68,9 @@ CodeExchangeReply ReadReply(const char* text) {
 
 void LogSummary(const std::wstring& url, int httpCode, const std::string& resultCode) {
     // The description is deliberately not appended after its label.
-    const std::string summary = "RequestAT\nUrl:" + WideToMultiByte(url, kUtf8CodePage) +
-                                "\nHttpCode:" + std::to_string(httpCode) + "\nResultCode:" + resultCode +
-                                "\nDescription:";
-    WriteLog(kSeveritySummary, __LINE__, kTag, MultiByteToWide(summary, kUtf8CodePage));
+    WriteLog(kSeveritySummary, __LINE__, kTag,
+             userauth::SummaryLine("RequestAT", url, httpCode) + L"\nResultCode:" +
+                 MultiByteToWide(resultCode, userauth::kUtf8CodePage) + L"\nDescription:");
 }
 
 }  // namespace

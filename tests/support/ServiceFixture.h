@@ -39,6 +39,7 @@ public:
     static int Expires(const UserAuthService& service) { return service.m_nAtExpires; }
     static int OauthStatus(const UserAuthService& service) { return service.m_nOauthHttpStatusCode; }
     static int OauthSubError(const UserAuthService& service) { return service.m_nOauthSubErrorCode; }
+    static int ApplicationExpires(const UserAuthService& service) { return service.m_nAppAtExpires; }
     static void SetCountry(UserAuthService& service, const std::wstring& country) {
         service.m_strCountryCode = country;
     }

@@ -49,6 +49,22 @@ std::vector<std::string> SuiteRecording::Lines(const std::string& word) const {
     return lines;
 }
 
+std::vector<std::string> SuiteRecording::TakeOutcome() {
+    std::vector<std::string> lines;
+    for (std::string line : journal) {
+        if (line.rfind("http", 0) == 0 || line.find("lambda") != std::string::npos) {
+            continue;
+        }
+        const std::size_t id = line.find("traceId=");
+        if (id != std::string::npos) {
+            line.erase(id + 8, line.find('\n', id) - id - 8);
+        }
+        lines.push_back(line);
+    }
+    journal.clear();
+    return lines;
+}
+
 // ---- Logger
 // ----------------------------------------------------------------------------------------------------------
 
@@ -79,6 +95,21 @@ GlobalParamWrapper* GlobalParamWrapper::GetInstance() {
 std::wstring GlobalParamWrapper::GetPortalUrl() const {
     return L"https://portal.example.com";
 }
+std::wstring GlobalParamWrapper::GetGWUrl() const {
+    return L"https://gateway.example.com";
+}
+std::wstring GlobalParamWrapper::GetSyncServerUrl() const {
+    return L"https://sync.example.com";
+}
+std::wstring GlobalParamWrapper::GetUserInformationserviceUrl() const {
+    return L"https://user.example.com";
+}
+std::wstring GlobalParamWrapper::GetAppDataLocalPath() const {
+    return Recording().appDataFolder;
+}
+HWND__* GlobalParamWrapper::GetMainWnd() const {
+    return Recording().mainWindow;
+}
 std::wstring GlobalParamWrapper::GetSystemUUid() const {
     return L"00112233445566778899aabbccddeeff";
 }
@@ -96,6 +127,12 @@ void GlobalParamWrapper::SetCurrentRt(const std::wstring& value) {
 }
 void GlobalParamWrapper::SetUserID(const std::wstring& value) {
     Push("SetUserID", value);
+}
+void GlobalParamWrapper::SetAppAT(const std::wstring& value) {
+    Push("SetAppAT", value);
+}
+void GlobalParamWrapper::SetAtIsExpired(bool expired) {
+    Push("SetAtIsExpired", expired ? L"true" : L"false");
 }
 void GlobalParamWrapper::SetStartSend(bool start) {
     Push("SetStartSend", start ? L"true" : L"false");

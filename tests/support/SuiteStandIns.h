@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+struct HWND__;
+
 // Recording stand-ins of the suite's classes: a library of its own, so that the service's objects import from it
 // exactly what they import from the real suite.
 
@@ -34,6 +36,12 @@ struct SuiteRecording {
     std::map<std::wstring, std::wstring> requestHeaders;  // of the last exchange
     std::wstring postData;
     std::wstring url;
+
+    std::wstring appDataFolder;
+    HWND__* mainWindow = nullptr;
+
+    // Log lines outside the HTTP hooks, events and pushes since the last call, with trace ids cut out of URLs.
+    STANDINS_API std::vector<std::string> TakeOutcome();
 
     // Lines that start with the given word.
     STANDINS_API std::vector<std::string> Lines(const std::string& word) const;

@@ -13,23 +13,6 @@ std::string Log(const std::string& severity, const std::string& message) {
     return "log 10 " + severity + " UserAuthService::RequestAT " + message;
 }
 
-// Log lines, operation events and pushes of one call, in their order, with the trace id cut out.
-Lines Outcome() {
-    Lines lines;
-    for (std::string line : Recording().journal) {
-        if (line.rfind("http", 0) == 0 || line.find("lambda") != std::string::npos) {
-            continue;
-        }
-        const std::size_t id = line.find("traceId=");
-        if (id != std::string::npos) {
-            line.erase(id + 8, line.find('\n', id) - id - 8);
-        }
-        lines.push_back(line);
-    }
-    Recording().journal.clear();
-    return lines;
-}
-
 Lines operator+(Lines left, const Lines& right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
@@ -116,7 +99,7 @@ TEST_F(ServiceTest, RequestATOutcomes) {
         UserAuthServiceAccess::SetResult(*m_service, "before", "before");
         Recording().replies = {{row.status, row.body, {}}};
         EXPECT_EQ(m_service->RequestAT("", "code"), row.result) << row.name;
-        EXPECT_EQ(Outcome(), row.outcome) << row.name;
+        EXPECT_EQ(Recording().TakeOutcome(), row.outcome) << row.name;
         EXPECT_EQ(UserAuthServiceAccess::ResultCode(*m_service), row.code) << row.name;
         EXPECT_EQ(UserAuthServiceAccess::ResultDescription(*m_service), row.description) << row.name;
     }

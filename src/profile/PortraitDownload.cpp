@@ -1,0 +1,49 @@
+#include "profile/PortraitDownload.h"
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+#include <utility>
+
+#include "UserAuthService.h"
+#include "core/ModuleReference.h"
+#include "core/PortraitChangedMessage.h"
+#include "request/UserAuthRequest.h"
+
+namespace userauth {
+namespace {
+
+constexpr int kHttpOk = 200;
+
+// The file outlives request and handler: it is closed last, after the message was posted. A receiver must tolerate a
+// file that is still being flushed.
+void Run(const PortraitDownload& download) {
+    std::ofstream file(std::filesystem::path(download.file), std::ios::binary | std::ios::trunc);
+    std::size_t received = 0;
+    FileTransferHandler handler;
+    handler.SetWriteDataFunc([&file, &received](const char* data, std::size_t& size, bool) {
+        file.write(data, static_cast<std::streamsize>(size));
+        received += size;
+        return true;
+    });
+    UserAuthRequest request;
+    request.SetGetRequest(download.url);
+    const bool complete = request.SendDownRequest(&handler) == kHttpOk;
+    download.service->SetCurrentUserHeadImageLocalPath(complete ? download.file : std::wstring());
+    PostPortraitChanged();
+}
+
+}  // namespace
+
+void StartPortraitDownload(PortraitDownload download) {
+    std::thread([download = std::move(download), module = ModuleReference()]() mutable {
+        try {
+            Run(download);
+        } catch (...) {
+            // Out of memory, or a suite library that throws: the portrait stays as it is, the process goes on.
+        }
+        module.ReleaseWhenThisThreadHasEnded();
+    }).detach();
+}
+
+}  // namespace userauth

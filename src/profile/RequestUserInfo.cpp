@@ -1,0 +1,73 @@
+#include <Logger.h>
+#include <ParamStore.h>
+#include <windows.h>
+
+#include <system_error>
+
+#include "UserAuthService.h"
+#include "core/PortraitChangedMessage.h"
+#include "core/ServiceLog.h"
+#include "core/TextEncoding.h"
+#include "profile/PortraitDownload.h"
+#include "request/Reply.h"
+#include "request/SummaryLine.h"
+#include "request/UserAuthRequest.h"
+
+namespace {
+
+using userauth::kUtf8CodePage;
+using userauth::MultiByteToWide;
+using userauth::WriteLog;
+
+constexpr char kTag[] = "UserAuthService::RequestUserInfo";
+constexpr int kHttpOk = 200;
+
+// Business event of the profile request: basic event, operation, action.
+constexpr int kEventUserInfo[] = {251, 5, 0};
+
+// Sends the request and leaves its lines in the log.
+WebRequestResult SendProfileRequest(const std::wstring& accessToken) {
+    const std::wstring url = GlobalParamWrapper::GetInstance()->GetUserInformationserviceUrl() +
+                             L"/KeCloudUserInformationService/v1/users?fields=userId,displayName,profilePhotoLink";
+    UserAuthRequest request;
+    request.SetGetRequest(url, {{L"Authorization", L"Bearer " + accessToken}});
+    WebRequestResult result;
+    request.SendWebRequest(result);
+    WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("RequestUserInfo", url, result.nHttpCode));
+    Logger::OutputOperationLog(kEventUserInfo[0], kEventUserInfo[1], kEventUserInfo[2]);
+    return result;
+}
+
+}  // namespace
+
+bool UserAuthService::RequestUserInfo() try {
+    // One file without extension, whatever the image type.
+    const std::wstring portraitPath = GlobalParamWrapper::GetInstance()->GetAppDataLocalPath() + L"\\HeadPortrait";
+    const WebRequestResult result = SendProfileRequest(GetInstance()->GetCurrentAT());
+    if (result.nHttpCode != kHttpOk) {
+        WriteLog(kSeverityFailure, __LINE__, kTag,
+                 L"Error: GetUserInfo failed, httpcode = " + std::to_wstring(result.nHttpCode));
+        return false;
+    }
+    const userauth::Reply reply(result.szResponse);
+    const std::string photoLink = reply.Text("profilePhotoLink");
+    if (photoLink.empty()) {
+        SetCurrentUserHeadImageLocalPath(L"");
+        userauth::PostPortraitChanged();
+    } else {
+        WriteLog(kSeverityProgress, __LINE__, kTag, L"GetprofilePhotoLink start");
+        DeleteFileW(portraitPath.c_str());
+        // Deliberately decoded in the ANSI code page for the download, while the stored link below is decoded as UTF-8.
+        userauth::StartPortraitDownload({portraitPath, MultiByteToWide(photoLink, userauth::kAnsiCodePage), this});
+    }
+    const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);
+    SetCurrentUserInfo(userId, MultiByteToWide(reply.Text("displayName"), kUtf8CodePage),
+                       MultiByteToWide(photoLink, kUtf8CodePage), reply.Integer("accountBrand"));
+    SetCurrrentUserID(userId);
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"GetUserInfo successed!");
+    return true;
+} catch (const std::system_error&) {
+    throw;  // the download thread could not be started: the one exception that reaches the caller
+} catch (...) {
+    return false;
+}

@@ -1,0 +1,80 @@
+#include <Logger.h>
+#include <ParamStore.h>
+
+#include "UserAuthService.h"
+#include "core/ServiceLog.h"
+#include "core/TextEncoding.h"
+#include "request/Reply.h"
+#include "request/UserAuthRequest.h"
+
+namespace {
+
+using userauth::WriteLog;
+
+constexpr char kTag[] = "UserAuthService::GetAccessTokenByRefrshToken";
+constexpr int kHttpOk = 200;
+
+// Business event of the refresh: basic event, operation, action.
+constexpr int kEventRefresh[] = {321, 0, 0};
+
+WebRequestResult SendRefresh(const std::wstring& refreshToken, const std::wstring& userId,
+                             const std::wstring& traceId) {
+    const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
+    UserAuthRequest::HeaderMap headers;
+    headers[L"refreshToken"] = refreshToken;
+    headers[L"deviceId"] = store->GetSystemUUid();
+    headers[L"userId"] = userId;
+    headers[L"Cookie"] = L"siteID=1";  // whatever the user's site is
+    UserAuthRequest request;
+    request.SetPostRequest(store->GetPortalUrl() + L"/pcclient/refreshtoken?traceId=" + traceId, headers, JsonData());
+    WebRequestResult result;
+    request.SendWebRequest(result);
+    return result;
+}
+
+// The callback is the host's: what it throws must not leave the operation, nor skip the line that follows. A copy runs,
+// so that it may register another one.
+void RunAtExpireCallback(const std::function<void()>& registered) {
+    const std::function<void()> callback = registered;
+    if (!callback) {
+        return;
+    }
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"atExpireCallback");
+    try {
+        callback();
+    } catch (...) {
+        return;
+    }
+}
+
+}  // namespace
+
+bool UserAuthService::GetAccessTokenByRefrshToken() try {
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"refresh AT start");
+    if (GetCurrentRT().empty()) {
+        WriteLog(kSeverityFailure, __LINE__, kTag, L"refresh AT error rt is empty");
+        return false;
+    }
+    const std::wstring traceId = GetTraceID(BaseCmd::kRefreshAccessToken);
+    const WebRequestResult result = SendRefresh(GetCurrentRT(), GetCurrentUserID(), traceId);
+    const userauth::Reply reply(result.szResponse);
+    Logger::OutputOperationLog(kEventRefresh[0], kEventRefresh[1], kEventRefresh[2]);
+
+    if (result.nHttpCode == kHttpOk) {
+        // Of "result" only the presence counts. The reply carries no refresh token; the stored one stays.
+        const std::wstring accessToken =
+            reply.Has("result") ? userauth::MultiByteToWide(reply.Text("token"), userauth::kAnsiCodePage) : L"";
+        if (!accessToken.empty()) {
+            SetCurrentAT(accessToken);
+            WriteLog(kSeverityProgress, __LINE__, kTag, L"refresh AT success");
+            GlobalParamWrapper::GetInstance()->SetAtIsExpired(false);
+            return true;
+        }
+        // Only here, deliberately: a transport or server error says nothing about the refresh token.
+        RunAtExpireCallback(m_atExpireCallback);
+    }
+    WriteLog(kSeverityFailure, __LINE__, kTag, L"refresh AT error statusCode: " + std::to_wstring(result.nHttpCode));
+    return false;
+} catch (...) {
+    return false;
+}

@@ -1,0 +1,3 @@
+#include "UserAuthService.h"
+
+RefreshTokenOperate::~RefreshTokenOperate() = default;
