@@ -6,7 +6,9 @@ target_compile_definitions(project_settings INTERFACE UNICODE _UNICODE NOMINMAX 
                            # The service calls the 1.1 interface; 3.x builds it too and must not warn about it.
                            OPENSSL_API_COMPAT=0x10100000L)
 if(MSVC)
-  target_compile_options(project_settings INTERFACE /W4 /WX /utf-8 /guard:cf /permissive-)
+  # C4251: exported classes hold standard-library members; suite and host are built with one compiler and runtime.
+  # /sdl makes the compiler generate __autoclassinit2.
+  target_compile_options(project_settings INTERFACE /W4 /WX /wd4251 /sdl /utf-8 /guard:cf /permissive-)
   target_link_options(project_settings INTERFACE /DYNAMICBASE /NXCOMPAT /HIGHENTROPYVA /guard:cf)
 else()
   target_compile_options(

@@ -1,17 +1,6 @@
 #pragma once
 
-#include <memory>
-
 #include "UserAuthTypes.h"
-
-// A module handle as the platform's own headers declare it, without including them.
-struct HINSTANCE__;
-
-// Frees a loaded library.
-struct ModuleRelease {
-    void operator()(HINSTANCE__* module) const noexcept;
-};
-using OwnedModule = std::unique_ptr<HINSTANCE__, ModuleRelease>;
 
 // Entry points of the account SDK, in the order in which they are resolved; null when the export is missing.
 // Texts are UTF-8.

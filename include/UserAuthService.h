@@ -9,6 +9,7 @@
 
 #include "AccountSdk.h"
 #include "AccountStateLock.h"
+#include "OwnedModule.h"
 #include "UserAuthExport.h"
 #include "UserAuthTypes.h"
 
@@ -25,7 +26,8 @@ public:
 
 // The user-authentication service: one object per process that holds the account state and runs every operation.
 //
-// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws. Several
+// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for std::bad_alloc from an accessor
+// whose copy finds no memory. Several
 // may run at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a
 // callback.
 //
@@ -36,6 +38,7 @@ public:
     // exit. Creation loads ZVAccountSdk.dll from the library's own folder. When that fails a message box shows the
     // system's error code and blocks until it is closed; the service is created nevertheless, and its SDK operations
     // answer -1 or false.
+    // The box pumps messages: no message handler of the host may call this meanwhile.
     static UserAuthService* GetInstance();
 
     ~UserAuthService();
@@ -43,7 +46,7 @@ public:
     UserAuthService& operator=(const UserAuthService&) = delete;
 
 #if !defined(_MSC_VER)
-    // Fills the object storage with zero bytes before construction. Only GetInstance calls it; MSVC generates its own.
+    // Fills the object storage with zero bytes before construction. Only GetInstance calls it; MSVC generates its own (/sdl).
     void __autoclassinit2(std::size_t size);
 #endif
 
@@ -72,7 +75,7 @@ public:
     void SetCurrentUserInfo(const std::wstring& userId, const std::wstring& userName, const std::wstring& headImageUrl,
                             int brandId);
 
-    // == Account state without the lock, by design ==
+    // == Account state read without the lock, by design ==
     //
     // The host orders these itself: it reads them after the operation that writes them has returned.
 
@@ -112,8 +115,7 @@ public:
     bool RequestApplicationAT();
 
     // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
-    // with
-    // "_" between them. Two calls for one command within a second give the same id.
+    // with "_" between them. Two calls for one command within a second give the same id.
     std::wstring GetTraceID(BaseCmd command);
 
     // == Identity and profile ==

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "UserAuthService.h"
 #include "request/UserAuthRequest.h"
 

@@ -3,6 +3,22 @@
 #include "UserAuthService.h"
 #include "core/ServiceLog.h"
 
+namespace {
+
+// Without the lock: the host initialises the SDK before its first request. Filled once, so that a later call cannot change the
+// text under a running request; a store that fails leaves it empty and the SDK initialised.
+void FillOnce(std::wstring& deviceId) {
+    try {
+        if (deviceId.empty()) {
+            deviceId = GlobalParamWrapper::GetInstance()->GetSystemUUid();
+        }
+    } catch (...) {
+        return;
+    }
+}
+
+}  // namespace
+
 ZvIdErrorType UserAuthService::InitializeSDK() try {
     if (m_sdk.init == nullptr) {
         return ZvIdErrorType::kEntryPointMissing;
@@ -11,12 +27,8 @@ ZvIdErrorType UserAuthService::InitializeSDK() try {
         // Uninit's code deliberately replaces Init's, and "Uninit" is not tested for null: one library has both.
         return static_cast<ZvIdErrorType>(m_sdk.uninit());
     }
-    // Without the lock: the host initialises the SDK before its first request. Filled once, so that a later call cannot
-    // change the text under a running request.
-    if (m_strSdkDeviceId.empty()) {
-        m_strSdkDeviceId = GlobalParamWrapper::GetInstance()->GetSystemUUid();
-    }
     userauth::WriteLog(kSeverityProgress, __LINE__, "UserAuthService::InitializeSDK", L"ZMS Init OK!");
+    FillOnce(m_strSdkDeviceId);
     return ZvIdErrorType::kSuccess;
 } catch (...) {
     return ZvIdErrorType::kEntryPointMissing;

@@ -36,20 +36,22 @@ void ReportLoadFailure(DWORD error) {
 
 }  // namespace
 
-void ModuleRelease::operator()(HINSTANCE__* module) const noexcept {
-    FreeLibrary(module);
-}
-
-bool UserAuthService::LoadZMSSDKLibrary() {
+bool UserAuthService::LoadZMSSDKLibrary() try {
     const std::wstring directory = userauth::GetCurrentModuleDirectory();
-    // Not checked: the full path below finds the SDK without it; this is for the SDK's own dependencies.
+    const std::wstring path = directory + L"ZVAccountSdk.dll";
+    // Not checked: it takes effect only where the host has called SetDefaultDllDirectories, and the full path does not need it.
     AddDllDirectory(directory.c_str());
-    m_hSdkModule.reset(LoadLibraryW((directory + L"ZVAccountSdk.dll").c_str()));
-    if (m_hSdkModule == nullptr) {
-        ReportLoadFailure(GetLastError());
+    // Without a folder the name alone would search the current directory and PATH for a library to run.
+    const HMODULE module = directory.empty() ? nullptr : LoadLibraryW(path.c_str());
+    const DWORD error = GetLastError();
+    m_hSdkModule.reset(module);
+    if (module == nullptr) {
+        ReportLoadFailure(error);
         return false;
     }
     ResolveAll(m_hSdkModule.get(), m_sdk);
     userauth::WriteLog(kSeverityProgress, __LINE__, kTag, L"Load ZMS SDK library successed!");
     return true;
+} catch (...) {
+    return m_hSdkModule != nullptr;
 }

@@ -1,8 +1,10 @@
 #include "UserAuthService.h"
 
-ZvIdErrorType UserAuthService::UnInitializeSDK() {
+ZvIdErrorType UserAuthService::UnInitializeSDK() try {
     if (m_sdk.uninit == nullptr) {
         return ZvIdErrorType::kEntryPointMissing;
     }
     return static_cast<ZvIdErrorType>(m_sdk.uninit());
+} catch (...) {
+    return ZvIdErrorType::kEntryPointMissing;
 }

@@ -35,5 +35,5 @@ void UserAuthService::UpdateAppIdConfig() try {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << document;
 } catch (...) {
-    return;  // nothing is reported; the file is as it was, since it is opened for writing last
+    return;  // nothing is reported; what throws does so before the file is opened for writing
 }

@@ -3,8 +3,10 @@
 #include <cstdarg>
 #include <cstddef>
 
-#if defined(__GNUC__)
+#if defined(__MINGW32__) && !defined(__clang__)
 #define USERAUTH_PRINTF_LIKE __attribute__((format(gnu_printf, 3, 4)))
+#elif defined(__GNUC__)
+#define USERAUTH_PRINTF_LIKE __attribute__((format(printf, 3, 4)))
 #else
 #define USERAUTH_PRINTF_LIKE
 #endif
@@ -13,9 +15,10 @@ namespace userauth {
 
 inline constexpr std::size_t kWideFormatCapacity = 256;
 
-// Bounded printf-style formatting with the behaviour that is documented for vsprintf_s, under any C runtime: a text
-// that does not fit with its terminator, or a null argument, empties the buffer and raises the invalid-parameter
-// condition (InvalidParameter.h). Return the number of characters written without the terminator, or -1.
+// Bounded printf-style formatting with the behaviour that is documented for vsprintf_s, under any C runtime: a text that
+// does not fit with its terminator, or a null argument, empties the buffer and raises the invalid-parameter condition
+// (InvalidParameter.h). The wide forms take integer conversions only: runtimes disagree about "%s" there.
+// Return the number of characters written without the terminator, or -1.
 int FormatString(char* buffer, std::size_t bytes, const char* format, ...) USERAUTH_PRINTF_LIKE;
 int FormatWide(wchar_t (&buffer)[kWideFormatCapacity], const wchar_t* format, ...);
 

@@ -2,7 +2,9 @@
 
 #include <json/json.h>
 
+#include <exception>
 #include <memory>
+#include <utility>
 
 namespace userauth {
 namespace {

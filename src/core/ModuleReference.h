@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AccountSdk.h"
+#include "OwnedModule.h"
 
 namespace userauth {
 

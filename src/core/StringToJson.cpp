@@ -3,6 +3,6 @@
 #include "UserAuthService.h"
 #include "core/JsonText.h"
 
-Json::Value UserAuthService::StringToJson(std::string text) {
-    return userauth::ParseLeniently(text);
+Json::Value UserAuthService::StringToJson(std::string text) try { return userauth::ParseLeniently(text); } catch (...) {
+    return {};
 }

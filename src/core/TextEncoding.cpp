@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <limits>
+#include <utility>
 
 namespace userauth {
 namespace {

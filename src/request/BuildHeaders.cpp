@@ -3,6 +3,7 @@
 #include "UserAuthService.h"
 #include "core/DeploymentConstants.h"
 #include "core/TextEncoding.h"
+#include "request/ClientConstants.h"
 #include "request/DeviceIdentity.h"
 #include "request/OsVersionText.h"
 #include "request/StandardBase64.h"
@@ -14,42 +15,36 @@ using userauth::kAnsiCodePage;
 using userauth::kUtf8CodePage;
 using userauth::MultiByteToWide;
 
-constexpr char kProductTag[] = "NimbaPC";
-constexpr char kClientVersion[] = "11.2.4.301";
-constexpr char kPackageName[] = "com.zorvan.cloud.pc";
-constexpr wchar_t kDeviceType[] = L"6";
-constexpr wchar_t kTerminal[] = L"PC";
-constexpr wchar_t kAuthorizationVersion[] = L"1";
-constexpr wchar_t kOsBrand[] = L"Windows";
 constexpr wchar_t kJson[] = L"application/json";
 
 // The first value given for a name stays, here and in the sets below.
 HeaderMap CommonHeaders(const std::wstring& traceId) {
     const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
     HeaderMap headers;
-    headers.emplace(L"User-Agent", MultiByteToWide(std::string(kProductTag) + "/" + kClientVersion, kUtf8CodePage));
+    headers.emplace(L"User-Agent", MultiByteToWide(std::string(userauth::kProductTag) + "/" + userauth::kClientVersion,
+                                                   kUtf8CodePage));
     headers.emplace(L"x-zv-trace-id", traceId);
-    headers.emplace(L"x-zv-source-agent", MultiByteToWide(kProductTag, kUtf8CodePage));
+    headers.emplace(L"x-zv-source-agent", MultiByteToWide(userauth::kProductTag, kUtf8CodePage));
     headers.emplace(L"Accept-Language", L"zh-CN");
     headers.emplace(L"x-zv-device-id", store->GetSystemUUid());
     headers.emplace(L"x-zv-deviceUUID", store->GetSystemUUid());
-    headers.emplace(L"x-zv-device-type", kDeviceType);
-    headers.emplace(L"x-zv-terminal", kTerminal);
+    headers.emplace(L"x-zv-device-type", userauth::kDeviceType);
+    headers.emplace(L"x-zv-terminal", userauth::kTerminal);
     headers.emplace(L"x-zv-device-name", userauth::DeviceNameHeader(userauth::CurrentDeviceIdentity()));
-    headers.emplace(L"x-zv-auth-version", kAuthorizationVersion);
+    headers.emplace(L"x-zv-auth-version", userauth::kAuthorizationVersion);
     headers.emplace(L"x-zv-country-code", store->GetCountryCode());
     headers.emplace(L"x-zv-client-mode", store->GetZvClientMode());
-    headers.emplace(L"x-zv-os-brand", kOsBrand);
+    headers.emplace(L"x-zv-os-brand", userauth::kOsBrand);
     headers.emplace(L"Host", userauth::kAccountWebHost);
     return headers;
 }
 
 }  // namespace
 
-std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) {
+std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) try {
     HeaderMap headers = CommonHeaders(traceId);
     const auto authorization = [this] { return MultiByteToWide(GetAuthorizationContents(), kAnsiCodePage); };
-    const auto version = [] { return MultiByteToWide(kClientVersion, kUtf8CodePage); };
+    const auto version = [] { return MultiByteToWide(userauth::kClientVersion, kUtf8CodePage); };
     switch (type) {
         case HeadType::kAccount:
             headers.emplace(L"Authorization", authorization());
@@ -67,7 +62,8 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
             headers.emplace(L"version", version());
             headers.emplace(L"Content-Type", kJson);
             headers.emplace(L"x-zv-os", userauth::OsVersionText());
-            headers.emplace(L"AuthType", MultiByteToWide(userauth::EncodeStandardBase64(kPackageName), kAnsiCodePage));
+            headers.emplace(L"AuthType",
+                            MultiByteToWide(userauth::EncodeStandardBase64(userauth::kPackageName), kAnsiCodePage));
             // A deliberate leftover without effect: the common "Host" stays.
             headers.emplace(L"Host", userauth::kAccountTestHost);
             break;
@@ -82,4 +78,6 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
             break;
     }
     return headers;
+} catch (...) {
+    return {};
 }

@@ -4,11 +4,8 @@
 
 namespace userauth {
 
-// File of the certificate authorities that every request names to the HTTP library, in the system's ANSI code page.
-// Empty and never assigned: the library applies its own default.
-extern const std::string g_certificatePath;
-
-// The path as the HTTP library takes it.
+// File of the certificate authorities that every request names to the HTTP library. Always empty: the library applies its
+// own default.
 std::wstring CertificatePath();
 
 }  // namespace userauth

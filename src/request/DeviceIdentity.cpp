@@ -36,10 +36,15 @@ std::atomic<const DeviceIdentity*> g_identity{nullptr};
 }  // namespace
 
 const DeviceIdentity& CurrentDeviceIdentity() {
-    if (g_identity.load(std::memory_order_acquire) == nullptr) {
-        g_identity.store(new DeviceIdentity(ReadDeviceIdentity()), std::memory_order_release);
+    const DeviceIdentity* identity = g_identity.load(std::memory_order_acquire);
+    if (identity == nullptr) {
+        auto made = std::make_unique<const DeviceIdentity>(ReadDeviceIdentity());
+        // On failure identity becomes what another first caller has made.
+        if (g_identity.compare_exchange_strong(identity, made.get(), std::memory_order_acq_rel)) {
+            identity = made.release();
+        }
     }
-    return *g_identity.load(std::memory_order_acquire);
+    return *identity;
 }
 
 std::wstring DeviceNameHeader(const DeviceIdentity& identity) {

@@ -4,6 +4,7 @@
 
 #include "UserAuthService.h"
 #include "core/BoundedFormat.h"
+#include "core/LocalClock.h"
 
 namespace {
 
@@ -19,29 +20,24 @@ std::wstring Format(const wchar_t* format, ...) {
     return buffer;
 }
 
-// Seconds since 1970-01-01 UTC by way of local time, as the servers have always received it; 0 when that fails.
-__time64_t CurrentTime() {
-    const __time64_t now = _time64(nullptr);
-    std::tm* const local = _localtime64(&now);
-    return local == nullptr ? 0 : _mktime64(local);
-}
-
 wchar_t Digit(int value) {
     return static_cast<wchar_t>(L'0' + value);
 }
 
 }  // namespace
 
-std::wstring UserAuthService::GetTraceID(BaseCmd command) {
-    const auto time = static_cast<unsigned>(CurrentTime());
+std::wstring UserAuthService::GetTraceID(BaseCmd command) try {
+    const auto time = static_cast<unsigned>(userauth::CurrentUnixTime());
     const std::wstring random = GetRandom(kRandomDigits);
     return Format(L"%05d_", static_cast<int>(command)) + m_strTraceIdCode + Format(L"_%u_", time) + random;
+} catch (...) {
+    return {};
 }
 
 // Deliberately no 9 anywhere and no 8 in front, and the generator is seeded on every call: servers and logs know this
 // alphabet.
-std::wstring UserAuthService::GetRandom(int length) {
-    std::srand(static_cast<unsigned>(_time64(nullptr)));
+std::wstring UserAuthService::GetRandom(int length) try {
+    std::srand(static_cast<unsigned>(std::time(nullptr)));
     if (length < 1) {
         return {};
     }
@@ -50,4 +46,6 @@ std::wstring UserAuthService::GetRandom(int length) {
         digits += Digit(std::rand() % 9);
     }
     return digits;
+} catch (...) {
+    return {};
 }

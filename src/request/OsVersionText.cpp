@@ -4,7 +4,7 @@
 
 #include <shlwapi.h>
 
-#include "AccountSdk.h"
+#include "OwnedModule.h"
 
 namespace userauth {
 namespace {
@@ -67,12 +67,17 @@ void OverwriteWithTrueNumbers(OsVersion& version) {
     DWORD minor = 0;
     DWORD build = 0;
     reinterpret_cast<void(WINAPI*)(DWORD*, DWORD*, DWORD*)>(entry)(&major, &minor, &build);
-    version.major = major;
-    version.minor = minor;
-    version.build = build & 0xFFFF;  // the upper half marks checked and free builds
+    version = WithTrueNumbers(version, major, minor, build);
 }
 
 }  // namespace
+
+OsVersion WithTrueNumbers(OsVersion version, std::uint32_t major, std::uint32_t minor, std::uint32_t rawBuild) {
+    version.major = major;
+    version.minor = minor;
+    version.build = rawBuild & 0xFFFF;
+    return version;
+}
 
 std::wstring OsProductName(const OsVersion& version, const std::function<int()>& serverR2Metric) {
     if (version.major == 5 && version.minor == 2) {
@@ -98,8 +103,8 @@ std::wstring ComposeOsVersionText(const OsVersion& version, const std::function<
 
 #if defined(_MSC_VER)
 #pragma warning(push)
-#pragma warning( \
-    disable : 4996)  // the record's service pack and product type are wanted; the numbers are corrected below
+// The record's service pack and product type are wanted; its numbers are corrected below.
+#pragma warning(disable : 4996)
 #endif
 
 std::wstring OsVersionText() {

@@ -17,6 +17,9 @@ struct OsVersion {
     std::uint32_t processorArchitecture = 0;  // 9: x64
 };
 
+// The version with the numbers that ntdll tells; the upper half of its build number marks checked and free builds.
+OsVersion WithTrueNumbers(OsVersion version, std::uint32_t major, std::uint32_t minor, std::uint32_t rawBuild);
+
 // Product name of a version, empty for one that is not known. serverR2Metric answers system metric 89; version 5.2 asks
 // it once, and once more when the first answer is not 0.
 std::wstring OsProductName(const OsVersion& version, const std::function<int()>& serverR2Metric);

@@ -55,22 +55,20 @@ struct Structure {
     }
 };
 
-// A release number of two bytes; 255 in both means that the firmware does not support it.
-std::wstring Release(const Structure& structure, std::size_t offset, const char* format) {
-    const unsigned major = structure.Byte(offset);
-    const unsigned minor = structure.Byte(offset + 1);
+// A release number of two bytes as text; empty when the structure does not reach that far, or when 255 in both says that the
+// firmware does not support it.
+std::wstring Release(const Structure& structure, std::size_t offset, bool twoDigitMinor) {
+    const int major = structure.Byte(offset);
+    const int minor = structure.Byte(offset + 1);
     if (!structure.Has(offset + 1) || (major == 0xFF && minor == 0xFF)) {
         return {};
     }
     char text[16] = {};
-#if defined(__GNUC__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#endif
-    FormatString(text, sizeof(text), format, static_cast<int>(major), static_cast<int>(minor));
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
+    if (twoDigitMinor) {
+        FormatString(text, sizeof(text), "%d.%02d", major, minor);
+    } else {
+        FormatString(text, sizeof(text), "%d.%d", major, minor);
+    }
     return MultiByteToWide(text, kAnsiCodePage);
 }
 
@@ -78,8 +76,8 @@ void ReadBios(const Structure& structure, DeviceIdentity::Bios& bios) {
     bios.vendor = structure.StringAt(4);
     bios.version = structure.StringAt(5);
     bios.releaseDate = structure.StringAt(8);
-    bios.release = Release(structure, 20, "%d.%d");
-    bios.embeddedControllerRelease = Release(structure, 22, "%d.%02d");
+    bios.release = Release(structure, 20, false);
+    bios.embeddedControllerRelease = Release(structure, 22, true);
 }
 
 void ReadSystem(const Structure& structure, DeviceIdentity::System& system) {
@@ -89,10 +87,9 @@ void ReadSystem(const Structure& structure, DeviceIdentity::System& system) {
     system.productName = structure.StringAt(5);
     system.version = structure.StringAt(6);
     system.serialNumber = structure.StringAt(7);
-    const std::uint8_t* const uuid = structure.bytes + kUuidOffset;
     if (structure.formattedLength > kUuidOffset &&
         static_cast<std::size_t>(structure.tableEnd - structure.bytes) >= kUuidOffset + system.uuid.size()) {
-        std::copy_n(uuid, system.uuid.size(), system.uuid.begin());
+        std::copy_n(structure.bytes + kUuidOffset, system.uuid.size(), system.uuid.begin());
     }
     if (structure.formattedLength > kSkuOffset) {
         system.skuNumber = structure.StringAt(kSkuOffset);

@@ -15,6 +15,9 @@ struct BioChainRelease {
 }  // namespace
 
 std::string EncodeStandardBase64(const std::string& bytes) {
+    if (bytes.empty()) {
+        return {};
+    }
     const std::unique_ptr<BIO, BioChainRelease> filter(BIO_new(BIO_f_base64()));
     BIO* const sink = BIO_new(BIO_s_mem());
     if (filter == nullptr || sink == nullptr) {
@@ -23,8 +26,10 @@ std::string EncodeStandardBase64(const std::string& bytes) {
     }
     BIO_set_flags(filter.get(), BIO_FLAGS_BASE64_NO_NL);
     BIO_push(filter.get(), sink);
-    BIO_write(filter.get(), bytes.data(), static_cast<int>(bytes.size()));
-    BIO_flush(filter.get());
+    const int size = static_cast<int>(bytes.size());
+    if (BIO_write(filter.get(), bytes.data(), size) != size || BIO_flush(filter.get()) != 1) {
+        return {};
+    }
     char* encoded = nullptr;
     const long length = BIO_get_mem_data(sink, &encoded);
     return length > 0 ? std::string(encoded, static_cast<std::size_t>(length)) : std::string();

@@ -2,6 +2,8 @@
 
 #include <json/value.h>
 
+#include <utility>
+
 #include "core/BoundedFormat.h"
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
@@ -12,7 +14,7 @@ namespace {
 
 constexpr int kDefaultTimeout = -1;
 
-// Each hook logs under its own qualified name, spelt as the log has always shown it and not as this compiler would.
+// Each hook logs under its own qualified name; fixed here, because every compiler names a lambda differently.
 constexpr char kCompactLogHook[] = "UserAuthRequest::SendWebRequest::<lambda_1>::operator ()";
 constexpr char kCompactErrorHook[] = "UserAuthRequest::SendWebRequest::<lambda_2>::operator ()";
 constexpr char kReplyHeaderLogHook[] = "UserAuthRequest::SendWebRequest::<lambda_3>::operator ()";
@@ -21,7 +23,11 @@ constexpr char kDownloadLogHook[] = "UserAuthRequest::SendDownRequest::<lambda_1
 
 BasicHttpLibStrategy::LogFunction LogHook(LogSeverity severity, const char* functionTag) {
     return [severity, functionTag](const std::wstring& message) {
-        userauth::WriteLog(severity, __LINE__, functionTag, message);
+        try {
+            userauth::WriteLog(severity, __LINE__, functionTag, message);
+        } catch (...) {
+            return;  // called from the middle of a transfer, which must not unwind
+        }
     };
 }
 
@@ -35,7 +41,8 @@ void FillResult(WebRequestResult& result, Exchange&& exchange) {
         record.nHttpCode = exchange(response);
         userauth::FormatString(record.szResponse, WebRequestResult::kResponseBytes, "%s", response.c_str());
     } catch (...) {
-        record = WebRequestResult();
+        record.nHttpCode = 0;
+        record.szResponse[0] = '\0';
     }
     result = record;
 }

@@ -2,7 +2,8 @@
 #include <ParamStore.h>
 #include <json/value.h>
 
-#include <cstring>
+#include <cstdint>
+#include <map>
 
 #include "UserAuthService.h"
 #include "core/AccountStateHold.h"

@@ -33,3 +33,8 @@
 #else
 #define EVENTADMIN_API __declspec(dllimport)
 #endif
+
+#if defined(_MSC_VER)
+// The exported classes hold standard-library members: host and library are built with one compiler and runtime.
+#pragma warning(disable : 4251)
+#endif

@@ -5,18 +5,21 @@
 #include <stdexcept>
 #include <thread>
 
-namespace {
-
-// A pipe of which the child inherits one end.
-void MakePipe(HANDLE& reading, HANDLE& writing, HANDLE& ours) {
+// Makes a pipe, hands out the end that the child inherits and returns the other.
+ChildProcess::OwnedHandle ChildProcess::Pipe(OwnedHandle& childEnd, bool childReads) {
     SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    HANDLE reading = nullptr;
+    HANDLE writing = nullptr;
     if (CreatePipe(&reading, &writing, &inheritable, 0) == FALSE) {
         throw std::runtime_error("no pipe");
     }
-    SetHandleInformation(ours, HANDLE_FLAG_INHERIT, 0);
+    childEnd.reset(childReads ? reading : writing);
+    OwnedHandle ours(childReads ? writing : reading);
+    SetHandleInformation(ours.get(), HANDLE_FLAG_INHERIT, 0);
+    return ours;
 }
 
-std::string ReadAll(HANDLE pipe) {
+std::string ChildProcess::ReadAll(HANDLE pipe) {
     std::string text;
     char buffer[4096];
     DWORD bytes = 0;
@@ -27,63 +30,61 @@ std::string ReadAll(HANDLE pipe) {
     return text;
 }
 
-}  // namespace
-
 ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& arguments) {
     wchar_t self[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, self, MAX_PATH);
     const std::wstring path = (std::filesystem::path(self).parent_path() / program).wstring();
     std::wstring command = L"\"" + path + L"\" " + arguments;
+    OwnedHandle input;
+    OwnedHandle output;
+    OwnedHandle error;
+    m_input = Pipe(input, true);
+    m_outputEnd = Pipe(output, false);
+    m_errorEnd = Pipe(error, false);
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
-    MakePipe(startup.hStdInput, m_input, m_input);
-    MakePipe(m_outputEnd, startup.hStdOutput, m_outputEnd);
-    MakePipe(m_errorEnd, startup.hStdError, m_errorEnd);
+    startup.hStdInput = input.get();
+    startup.hStdOutput = output.get();
+    startup.hStdError = error.get();
     PROCESS_INFORMATION process{};
-    const BOOL started =
-        CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
-    CloseHandle(startup.hStdInput);
-    CloseHandle(startup.hStdOutput);
-    CloseHandle(startup.hStdError);
-    if (started == FALSE) {
+    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process) ==
+        FALSE) {
         throw std::runtime_error("cannot start " + std::filesystem::path(program).string());
     }
     CloseHandle(process.hThread);
-    m_process = process.hProcess;
+    m_process.reset(process.hProcess);
 }
 
 ChildProcess::~ChildProcess() {
     Finish();
-    CloseHandle(m_outputEnd);
-    CloseHandle(m_errorEnd);
-    CloseHandle(m_process);
 }
 
 std::string ChildProcess::ReadLine() {
     std::string line;
     char character = 0;
     DWORD bytes = 0;
-    while (ReadFile(m_outputEnd, &character, 1, &bytes, nullptr) != FALSE && bytes == 1 && character != '\n') {
+    while (ReadFile(m_outputEnd.get(), &character, 1, &bytes, nullptr) != FALSE && bytes == 1 && character != '\n') {
         line += character;
     }
     return line.empty() || line.back() != '\r' ? line : line.substr(0, line.size() - 1);
 }
 
 int ChildProcess::Finish() {
-    if (m_input != nullptr) {
-        CloseHandle(m_input);
-        m_input = nullptr;
-        std::thread errors([this] { m_error = ReadAll(m_errorEnd); });
-        m_output = ReadAll(m_outputEnd);
-        errors.join();
-    }
     constexpr DWORD kOneMinute = 60000;
-    if (WaitForSingleObject(m_process, kOneMinute) != WAIT_OBJECT_0) {
-        TerminateProcess(m_process, 99);
-        return -1;
+    bool ended = true;
+    if (m_input != nullptr) {
+        m_input.reset();
+        std::thread output([this] { m_output = ReadAll(m_outputEnd.get()); });
+        std::thread error([this] { m_error = ReadAll(m_errorEnd.get()); });
+        ended = WaitForSingleObject(m_process.get(), kOneMinute) == WAIT_OBJECT_0;
+        if (!ended) {
+            TerminateProcess(m_process.get(), 99);
+        }
+        output.join();
+        error.join();
     }
     DWORD code = 0;
-    GetExitCodeProcess(m_process, &code);
-    return static_cast<int>(code);
+    GetExitCodeProcess(m_process.get(), &code);
+    return ended ? static_cast<int>(code) : -1;
 }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 
 // A child process with its standard input, output and error connected by pipes. Output is read as UTF-8 with LF line
@@ -17,15 +18,24 @@ public:
     // One line of standard output, without its end; empty at end of file.
     std::string ReadLine();
 
-    // Ends the input, reads everything that is left and waits. Returns the exit code, or -1 after a minute.
+    // Ends the input, reads everything that is left and waits. Returns the exit code, or -1 when the process had to be
+    // ended after a minute.
     int Finish();
 
     std::string m_output;  // what Finish read
     std::string m_error;
 
 private:
-    HANDLE m_process = nullptr;
-    HANDLE m_input = nullptr;
-    HANDLE m_outputEnd = nullptr;
-    HANDLE m_errorEnd = nullptr;
+    struct CloseHandleRelease {
+        void operator()(void* handle) const { CloseHandle(handle); }
+    };
+    using OwnedHandle = std::unique_ptr<void, CloseHandleRelease>;
+
+    static OwnedHandle Pipe(OwnedHandle& childEnd, bool childReads);
+    static std::string ReadAll(HANDLE pipe);
+
+    OwnedHandle m_process;
+    OwnedHandle m_input;
+    OwnedHandle m_outputEnd;
+    OwnedHandle m_errorEnd;
 };

@@ -4,6 +4,7 @@
 #include <Logger.h>
 #include <ParamStore.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdlib>
 #include <fstream>
@@ -102,6 +103,16 @@ void SandboxServer::Fault(const std::string& endpoint, const std::string& faultJ
     fault["endpoint"] = endpoint;
     fault["times"] = 1;
     Control("/sandbox/faults", fault);
+}
+
+void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (Control("/sandbox/statistics")["requests"][endpoint].asInt() < count) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            FAIL() << "no request for " << endpoint;
+        }
+        Sleep(10);
+    }
 }
 
 Json::Value SandboxServer::Exchange(const std::string& path, const std::string* body) {

@@ -19,6 +19,9 @@ public:
     // The next request of the endpoint meets the fault.
     void Fault(const std::string& endpoint, const std::string& faultJson);
 
+    // Waits until the endpoint has been asked that often; fails the test after ten seconds.
+    void AwaitRequest(const std::string& endpoint, int count = 1);
+
     std::string m_http;
     std::string m_https;
     std::string m_caFile;

@@ -40,6 +40,8 @@ public:
     static int OauthStatus(const UserAuthService& service) { return service.m_nOauthHttpStatusCode; }
     static int OauthSubError(const UserAuthService& service) { return service.m_nOauthSubErrorCode; }
     static int ApplicationExpires(const UserAuthService& service) { return service.m_nAppAtExpires; }
+    // The lock's storage is one SRWLOCK; see AccountStateLock.h.
+    static SRWLOCK* NativeLock(UserAuthService& service) { return reinterpret_cast<SRWLOCK*>(&service.m_lock); }
     static void SetCountry(UserAuthService& service, const std::wstring& country) {
         service.m_strCountryCode = country;
     }

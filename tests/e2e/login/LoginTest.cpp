@@ -33,6 +33,7 @@ TEST_F(SandboxSession, ALoginFillsServiceAndStoreAndNoSecretReachesTheLog) {
     EXPECT_NE(log.find("Get AT successed!"), std::string::npos);
     EXPECT_NE(log.find("\"event\":250"), std::string::npos);
     EXPECT_EQ(log.find(Utf8(m_service->GetCurrentAT())), std::string::npos);
+    EXPECT_EQ(log.find(code), std::string::npos);
     EXPECT_EQ(log.find(Utf8(m_service->GetCurrentRT())), std::string::npos);
 
     // A code is good for one exchange.
@@ -84,7 +85,7 @@ TEST_F(SandboxSession, GettersAnswerDuringAStalledExchange) {
     m_service->SetCurrentAT(L"before");
     m_sandbox.Fault(kExchange, R"({"delayMs":1500})");
     std::thread exchange([&] { EXPECT_TRUE(m_service->RequestAT("", code.c_str())); });
-    Sleep(300);
+    m_sandbox.AwaitRequest(kExchange);
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(m_service->GetCurrentAT(), L"before");
     m_service->Clear();

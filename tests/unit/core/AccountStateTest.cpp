@@ -6,6 +6,7 @@
 
 #include "ServiceFixture.h"
 #include "core/AccountBrandText.h"
+#include "core/SuiteWindowMessages.h"
 
 TEST_F(ServiceTest, SettersPushToTheStoreAndOnlyTheseDo) {
     m_service->SetCurrentAT(L"at-\u00E9");
@@ -16,6 +17,9 @@ TEST_F(ServiceTest, SettersPushToTheStoreAndOnlyTheseDo) {
     EXPECT_EQ(Recording().journal, (std::vector<std::string>{"store SetCurrentAt at-\xC3\xA9", "store SetCurrentRt rt",
                                                              "store SetUserID uid", "store SetUserID uid2"}));
     EXPECT_EQ(m_service->GetCurrentAT(), L"at-\u00E9");
+    EXPECT_EQ(m_service->GetCurrentRT(), L"rt");
+    EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2A\u0E21\u0E0A\u0E32\u0E22");
+    EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"C:\\p");
     EXPECT_EQ(m_service->GetCurrentUserID(), L"uid2");
     EXPECT_EQ(m_service->GetCurrentUserHeadImageUrl(), L"https://photo");
     EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), -1);
@@ -41,21 +45,21 @@ TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
 }
 
-// A reader that gets through while a push is running would see a value that the store may not have yet.
-TEST_F(ServiceTest, ThePushHappensInsideTheExclusiveHold) {
-    std::atomic<bool> readerDone{false};
-    std::thread reader;
+// While a push runs no reader may get in: it would see a value that the store may not have yet.
+TEST_F(ServiceTest, EveryPushHappensInsideTheExclusiveHold) {
+    SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(*m_service);
+    int pushes = 0;
     Recording().duringPush = [&] {
-        reader = std::thread([&] {
-            m_service->GetCurrentAT();
-            readerDone = true;
-        });
-        Sleep(100);
-        EXPECT_FALSE(readerDone);
+        ++pushes;
+        EXPECT_FALSE(TryAcquireSRWLockShared(lock)) << Recording().journal.back();
     };
-    m_service->SetCurrentAT(L"new");
-    reader.join();
-    EXPECT_TRUE(readerDone);
+    m_service->SetCurrentAT(L"a");
+    m_service->SetCurrentRT(L"r");
+    m_service->SetCurrrentUserID(L"u");
+    m_service->SetCurrentUserInfo(L"u", L"n", L"l", 1);
+    EXPECT_EQ(pushes, 4);
+    ASSERT_TRUE(TryAcquireSRWLockShared(lock)) << "free again";
+    ReleaseSRWLockShared(lock);
 }
 
 TEST_F(ServiceTest, ReadersSeeWholeValuesWhileWritersWrite) {
@@ -107,6 +111,15 @@ TEST(Singleton, FirstCallersFromManyThreadsGetOneObjectConstructedOnce) {
     EXPECT_EQ(Recording().Lines("log").size(), 1U) << "one load line for each construction";
     // Keeps the SDK's file from being in use when the next test wants its place.
     UserAuthServiceAccess::Unload(*seen[0]);
+}
+
+TEST(SuiteWindowMessages, AreThoseOfTheSuite) {
+    const userauth::SuiteWindowMessages& messages = userauth::g_suiteWindowMessages;
+    EXPECT_EQ(messages.showWindow, RegisterWindowMessageW(L"WM_APP_SHOWWINDOW"));
+    EXPECT_EQ(messages.isClosing, RegisterWindowMessageW(L"WM_APP_ISCLOSING"));
+    EXPECT_EQ(messages.refreshPreferences, RegisterWindowMessageW(L"WM_APP_REFRESHPREFS"));
+    EXPECT_EQ(messages.restore, RegisterWindowMessageW(L"WM_APP_RESTORE"));
+    EXPECT_EQ(messages.accessTokenLost, RegisterWindowMessageW(L"WM_APP_ATLOST"));
 }
 
 TEST_F(ServiceTest, StartsEmpty) {

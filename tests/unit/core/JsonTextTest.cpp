@@ -16,6 +16,23 @@ TEST(JsonText, OnlyArraysAndObjectsAreDocuments) {
     }
 }
 
+// Replies keep the rules of the reader that they were written for; other texts have the library's default ones.
+TEST(JsonText, TheTwoReadersDifferInTwoRules) {
+    const struct {
+        const char* name;
+        const char* text;
+        bool reply;
+    } rows[] = {{"byte-order mark", "\xEF\xBB\xBF{}", false},
+                {"trailing comma", "[1,]", false},
+                {"comment", "/* c */{}", true},
+                {"more behind it", "{}x", true}};
+    for (const auto& row : rows) {
+        Json::Value value;
+        EXPECT_TRUE(userauth::ParseJsonText(row.text, value)) << row.name;
+        EXPECT_EQ(userauth::ParseDocument(row.text, value), row.reply) << row.name;
+    }
+}
+
 TEST(JsonText, DeepNestingIsAFailedParse) {
     for (const char* opening : {"[", "{\"a\":"}) {
         std::string bomb;

@@ -23,6 +23,11 @@ TEST(TextEncoding, EachCodePageDecodesItsOwnBytes) {
     EXPECT_EQ(WideToMultiByte(L"\U0001F600", kUtf8CodePage), "\xF0\x9F\x98\x80");
 }
 
+TEST(TextEncoding, WhatHasNoPlaceInTheCodePageIsReplacedNotRefused) {
+    EXPECT_EQ(MultiByteToWide("\xFFx", kUtf8CodePage), L"\uFFFDx");
+    EXPECT_EQ(WideToMultiByte(L"\u0100\u0E2A", kAnsiCodePage), "A?");
+}
+
 TEST(TextEncoding, ConvertsZeroBytesInside) {
     const std::string text("a\0b", 3);
     EXPECT_EQ(MultiByteToWide(text, kUtf8CodePage), std::wstring(L"a\0b", 3));
@@ -54,6 +59,7 @@ TEST(TextEncoding, UrlEncodeEscapesAnsiBytes) {
         {L"azAZ09", L"azAZ09"},
         {L"+%\x1F\x7F", L"%2B%25%1F%7F"},
         {L"\u00E9\u20AC", L"%E9%80"},  // one byte each in the ANSI code page, not the UTF-8 sequences
+        {L"\u0E2A", L"%3F"},
         {L"", L""},
     };
     for (const auto& row : rows) {

@@ -63,6 +63,18 @@ TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
     }
 }
 
+// Real tokens are longer than a base64 line and than the filter's inner buffer.
+TEST_F(ServiceTest, AuthorizationOfALongTokenStaysOnOneLine) {
+    m_service->SetCurrentAT(std::wstring(3000, L'a'));
+    const std::string text = UserAuthServiceAccess::Authorization(*m_service);
+    EXPECT_EQ(text.size(), (3014 + 2) / 3 * 4U);
+    std::string aaa;
+    while (aaa.size() < 3900) {
+        aaa += "YWFh";
+    }
+    EXPECT_NE(text.find(aaa), std::string::npos);
+}
+
 TEST_F(ServiceTest, AuthorizationCarriesTheSdkTextOnceTheSdkIsInitialised) {
     EXPECT_EQ(UserAuthServiceAccess::Authorization(*m_service), "Njo6MTA0ODYyOTE1Ojo=");  // 6::104862915::
     m_service->InitializeSDK();

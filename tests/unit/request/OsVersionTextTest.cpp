@@ -50,7 +50,13 @@ TEST(OsVersionText, EveryRowOfTheTable) {
     }
 }
 
+TEST(OsVersionText, NtdllCorrectsWhatTheVersionRecordSays) {
+    const OsVersion record{6, 2, 9200, 1, 2, 1, 9};
+    EXPECT_EQ(ComposeOsVersionText(userauth::WithTrueNumbers(record, 10, 0, 0xF0004A61), {}),
+              L"Microsoft Windows NT 10.0.19041.1");
+}
+
 TEST(OsVersionText, ThisMachineHasAName) {
     EXPECT_TRUE(std::regex_match(userauth::OsVersionText(),
-                                 std::wregex(L"Microsoft Windows [\\w. ]+ \\d+\\.\\d+\\.\\d+\\.\\d+")));
+                                 std::wregex(L"Microsoft Windows [\\w. ]+ \\d+\\.\\d+\\.\\d{4,5}\\.\\d+")));
 }

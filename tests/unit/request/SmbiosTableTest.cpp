@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <windows.h>
+
+#include <algorithm>
 
 #include "request/DeviceIdentity.h"
 
@@ -34,11 +36,14 @@ Bytes Table(const Bytes& structures, std::size_t announced) {
     return header + structures;
 }
 
-// An allocation of exactly the table's size, so that a memory checker sees a read past its end.
+// The table ends where readable memory ends, so that a read past it is a fault.
 DeviceIdentity Read(const Bytes& table) {
-    const auto exact = std::make_unique<std::uint8_t[]>(table.size());
-    std::copy(table.begin(), table.end(), exact.get());
-    return ReadSmbiosTable(exact.get(), table.size());
+    constexpr std::size_t kPage = 4096;
+    static auto* const pages = static_cast<std::uint8_t*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    auto* const readable = static_cast<std::uint8_t*>(VirtualAlloc(pages, kPage, MEM_COMMIT, PAGE_READWRITE));
+    std::uint8_t* const start = readable + kPage - table.size();
+    std::copy(table.begin(), table.end(), start);
+    return ReadSmbiosTable(start, table.size());
 }
 
 DeviceIdentity ReadStructures(const Bytes& structures) {
@@ -66,6 +71,7 @@ TEST(SmbiosTable, SystemStructureByItsLength) {
         {5, L"", false, L"", L""},
         {6, L"Caf\u00E9 3000", false, L"", L""},
         {8, L"Caf\u00E9 3000", false, L"", L""},
+        {9, L"Caf\u00E9 3000", true, L"", L""},
         {25, L"Caf\u00E9 3000", true, L"", L""},
         {26, L"Caf\u00E9 3000", true, L"sku", L""},
         {27, L"Caf\u00E9 3000", true, L"sku", L"family"},
@@ -74,7 +80,9 @@ TEST(SmbiosTable, SystemStructureByItsLength) {
         const DeviceIdentity identity = ReadStructures(SystemStructure(row.length) + kEnd);
         EXPECT_EQ(identity.system.productName, row.product) << row.length;
         EXPECT_EQ(std::string(identity.system.uuid.begin(), identity.system.uuid.end()),
-                  row.uuid ? "ABCDEFGHIJKLMNOP" : std::string(16, '\0'))
+                  row.length == 9 ? std::string("Amaker\0Caf\xE9 3000", 16)
+                  : row.uuid      ? "ABCDEFGHIJKLMNOP"
+                                  : std::string(16, '\0'))
             << row.length;
         EXPECT_EQ(identity.system.skuNumber, row.sku) << row.length;
         EXPECT_EQ(identity.system.family, row.family) << row.length;
@@ -94,6 +102,7 @@ TEST(SmbiosTable, ReadsEveryStructureItKnows) {
     EXPECT_EQ(identity.baseboard.manufacturer + identity.baseboard.assetTag, L"bf");
     EXPECT_EQ(identity.enclosure.version + identity.enclosure.assetTag, L"hj");
     EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2", L""}));
+    EXPECT_EQ(identity.system.manufacturer + identity.system.version + identity.system.serialNumber, L"makerv1sn");
     EXPECT_EQ(identity.system.family, L"family");
 }
 

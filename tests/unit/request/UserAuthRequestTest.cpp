@@ -58,17 +58,26 @@ TEST_F(UserAuthRequestTest, StyledFormsHaveNoErrorHook) {
                                                 HookLine("0", std::string(kSendHook) + "3>", "progress text")}));
     EXPECT_EQ(replyHeaders.at("h"), "v");
     m_request.SendWebRequest(*m_result, UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}});
-    EXPECT_EQ(Sent().back(), HookLine("0", std::string(kSendHook) + "4>", "progress text"));
+    EXPECT_EQ(Sent(), (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ",
+                                                "http SetHttpRequestMethod 1", "http SetHeaders 2", "http SetCertPath ",
+                                                "http SetPostData " + styled, "http Request -1",
+                                                HookLine("0", std::string(kSendHook) + "4>", "progress text")}));
     EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}}));
 }
 
 TEST_F(UserAuthRequestTest, AGetPassesTheNullBody) {
     UserAuthRequest request;
+    request.SetPostRequest(L"https://h/p", {{L"old", L"1"}}, JsonData());
     request.SetGetRequest(L"https://h/g");
     request.SendWebRequest(*m_result);
+    EXPECT_EQ(Recording().url, L"https://h/g");
+    EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"old", L"1"}}));
     EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), std::vector<std::string>{"http SetHttpRequestMethod 0"});
     EXPECT_EQ(Recording().postData, L"null\n");
     EXPECT_EQ(m_result->nHttpCode, kHttpConnectFailed);
+    request.SetGetRequest(L"https://h/g", {{L"new", L"2"}});
+    request.SendWebRequest(*m_result);
+    EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"new", L"2"}})) << "replaced, not merged";
 }
 
 TEST_F(UserAuthRequestTest, DownloadSetsNeitherBodyNorCertificatePath) {
@@ -109,14 +118,17 @@ TEST_F(UserAuthRequestTest, ReplyTextIsBoundedAt40959Bytes) {
 
 TEST_F(UserAuthRequestTest, NothingThatTheSuiteThrowsLeavesASend) {
     Recording().duringExchange = [] { throw 1; };
+    m_result->nHttpCode = 200;
+    m_result->szResponse[0] = 'x';
     m_request.SendWebRequest(*m_result);
     EXPECT_EQ(m_result->nHttpCode, 0);
+    EXPECT_STREQ(m_result->szResponse, "");
     EXPECT_EQ(m_request.SendDownRequest(nullptr), 0);
 }
 
 TEST(JsonDataTest, DestroysAnyValue) {
     for (const Json::Value& value :
-         {Json::Value("text"), Json::Value(1), Json::Value(), Json::Value(Json::arrayValue)}) {
+         {Json::Value("text"), Json::Value(1), Json::Value(true), Json::Value(), Json::Value(Json::arrayValue)}) {
         EXPECT_NO_THROW({ const JsonData data(value); });
     }
 }

@@ -1,0 +1,7 @@
+#include "OwnedModule.h"
+
+#include <windows.h>
+
+void ModuleRelease::operator()(HINSTANCE__* module) const noexcept {
+    FreeLibrary(module);
+}
