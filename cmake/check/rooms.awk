@@ -1,0 +1,80 @@
+# Reads the project's C++ files and prints every #include that the plan of rooms does not allow, as FILE:LINE: reason.
+# A room is a folder; arrows between rooms point downwards only. Input: -v files="list of all files", then the files.
+
+BEGIN {
+  count = split(files, paths, "\n")
+  for (i = 1; i <= count; i++) known[paths[i]] = 1
+  count = split("include suite/include src", roots, " ")
+
+  # Room -> rooms that it may include besides itself.
+  sees["include"] = ""
+  sees["suite/include"] = ""
+  sees["suite"] = "suite/include"
+  sees["src/core"] = "include suite/include"
+  sees["src/request"] = "include suite/include src/core"
+  sees["src/other"] = "include suite/include src/core src/request"
+  sees["host"] = "include suite/include"
+
+  # Area -> libraries whose headers it may not include, as the start of a header's name in small letters.
+  shuns["include"] = "json/ openssl/ curl/ windows.h"
+  shuns["suite/include"] = "json/ openssl/ curl/ spdlog/ windows.h"
+  shuns["src"] = "curl/ spdlog/ fmt/ httplib.h cli/"
+  shuns["suite"] = "openssl/ httplib.h cli/"
+  shuns["sandbox"] = "curl/ spdlog/ fmt/"
+  shuns["host"] = "curl/ spdlog/ fmt/ httplib.h openssl/"
+}
+
+function room_of(path, part) {
+  split(path, part, "/")
+  if (path ~ /^suite\/include\//) return "suite/include"
+  if (path ~ /^(src|suite)\/[^\/]+\//) return part[1] "/" part[2]
+  return part[1]
+}
+
+function area_of(room) { return room == "suite/include" ? room : substr(room, 1, index(room "/", "/") - 1) }
+
+function has(list, word) { return index(" " list " ", " " word " ") > 0 }
+
+function ends_with(path, end) { return length(path) > length(end) && substr(path, length(path) - length(end)) == "/" end }
+
+# The project's file that an include names, empty when it is a library's. Looked for beside the including file, in its
+# room, in the folders that every room has on its path, and at last anywhere.
+function resolve(from, name, quoted,   path, found, i) {
+  path = from
+  sub(/[^\/]*$/, name, path)
+  while (sub(/[^\/]+\/\.\.\//, "", path)) {}
+  if (quoted && path in known) return path
+  if (quoted) for (path in known) if (room_of(path) == room_of(from) && ends_with(path, name)) return path
+  for (i = 1; i <= count; i++) if ((roots[i] "/" name) in known) return roots[i] "/" name
+  if (quoted) for (path in known) if (ends_with(path, name)) found = path
+  return found
+}
+
+function allowed(from, to) {
+  if (from == to || from == "tests" || from == "bench" || from == "src") return 1
+  if (area_of(from) == "sandbox") return area_of(to) == "sandbox"
+  if (from in sees) return has(sees[from], to)
+  if (area_of(from) == "src") return has(sees["src/other"], to)
+  return has(sees[area_of(from)], to)
+}
+
+/^[ \t]*#[ \t]*include[ \t]*[<"]/ {
+  name = $0
+  sub(/^[ \t]*#[ \t]*include[ \t]*[<"]/, "", name)
+  sub(/[>"].*$/, "", name)
+  from = room_of(FILENAME)
+  target = resolve(FILENAME, name, index($0, "\"") > 0)
+  if (target != "") {
+    if (!allowed(from, room_of(target))) report(from " may not include from " room_of(target) ": " target)
+    next
+  }
+  split(shuns[area_of(from)], banned, " ")
+  for (i in banned) if (index(tolower(name), banned[i]) == 1) report(from " may not include <" name ">")
+}
+
+function report(text) {
+  printf "%s:%d: %s\n", FILENAME, FNR, text
+  failed = 1
+}
+
+END { exit failed }

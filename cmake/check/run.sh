@@ -1,0 +1,29 @@
+# shellcheck shell=bash disable=SC2154
+# The checks of ./dev check; sourced by it. Every one runs; a finding is one line that starts with FILE:LINE.
+
+# step NAME COMMAND...: notes the name when the command finds something. The commands are programs or single pipelines,
+# because bash ignores "set -e" inside them.
+step() {
+  local name=$1
+  shift
+  "$@" || findings_in+=("$name")
+}
+
+check_formatting() { project_files '*.h' '*.cpp' | xargs -d '\n' clang-format --dry-run -Werror; }
+check_rooms() { project_files '*.h' '*.cpp' | xargs -d '\n' awk -v files="$(project_files '*.h' '*.cpp')" -f cmake/check/rooms.awk; }
+project_files() { cmake/check/files.sh "$@"; }
+
+# run_checks [SOURCE...]: sources for clang-tidy, as absolute paths; without any: all.
+run_checks() {
+  local findings_in=()
+  cd "$root"
+  step formatting check_formatting
+  step words cmake/check/words.sh
+  step rooms check_rooms
+  step README cmake/check/readme.sh
+  # clang-tidy reads the compile commands and the dependencies of an up-to-date build.
+  ensure_built
+  step clang-tidy cmake/check/tidy.sh "$build" "$@"
+  [ "${#findings_in[@]}" -eq 0 ] || die "check: findings in ${findings_in[*]}"
+  say "check: nothing found"
+}

@@ -1,0 +1,24 @@
+#include <ParamStore.h>
+#include <UserAuthService.h>
+
+#include <cstdio>
+
+// The account SDK calls this on a thread of its own.
+void OnAccountEvent(MessageType type, char* code, char* /*reason*/) {
+    UserAuthService* const service = UserAuthService::GetInstance();
+    const bool signedIn = type == MessageType::kSignInSucceeded && service->RequestAT(code, code);
+    std::puts(signedIn ? "signed in: GetCurrentAT() has the access token" : "not signed in");
+}
+
+int main() {
+    std::string error;
+    if (!GlobalParamWrapper::GetInstance()->LoadConfiguration(L"client.json", error)) {
+        std::puts(error.c_str());
+        return 2;
+    }
+    UserAuthService* const service = UserAuthService::GetInstance();
+    if (service->InitZms(&OnAccountEvent) == 0 && service->ZmsSignIn() == ZvIdErrorType::kSuccess) {
+        std::getchar();  // until the person presses Enter
+    }
+    service->UnInitializeSDK();
+}
