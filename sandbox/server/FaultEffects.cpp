@@ -82,7 +82,8 @@ bool ShapesDelivery(const Fault& fault) {
 Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     Delivery delivery;
     const auto sent = std::min(fault.cutAfter.value_or(bodySize), bodySize);
-    delivery.firstPart = fault.stall > std::chrono::milliseconds::zero() ? sent / 2 : sent;
+    const bool stalls = fault.stall > std::chrono::milliseconds::zero();
+    delivery.firstPart = stalls ? std::min(fault.stallAfter.value_or(sent / 2), sent) : sent;
     delivery.secondPart = sent - delivery.firstPart;
     delivery.pause = fault.stall;
     // A cut is always visible: more is announced than is sent.

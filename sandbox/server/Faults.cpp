@@ -53,6 +53,7 @@ const std::map<std::string, MemberReader>& MemberReaders() {
         {"status", WholeNumber(200, 599, [](Fault& f, unsigned v) { f.status = static_cast<int>(v); })},
         {"delayMs", WholeNumber(0, kLongestWaitMs, [](Fault& f, unsigned v) { f.delay = milliseconds(v); })},
         {"stallMs", WholeNumber(0, kLongestWaitMs, [](Fault& f, unsigned v) { f.stall = milliseconds(v); })},
+        {"stallAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.stallAfter = v; })},
         {"cutAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.cutAfter = v; })},
         {"contentLength", WholeNumber(0, kLargestContentLength, [](Fault& f, unsigned v) { f.contentLength = v; })},
         {"oversize", WholeNumber(1, kLargestBody, [](Fault& f, unsigned v) { f.oversize = v; })},
@@ -76,6 +77,9 @@ ParsedFault ParseFault(const Json::Value& description) {
     }
     if (parsed.fault.endpoint.empty()) {
         return {{}, "endpoint is missing"};
+    }
+    if (parsed.fault.stallAfter && parsed.fault.stall == std::chrono::milliseconds::zero()) {
+        return {{}, "stallAfter needs stallMs, how long the reply stalls"};
     }
     if (description.size() == (description.isMember("times") ? 2U : 1U)) {
         return {{},

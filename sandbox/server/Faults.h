@@ -16,7 +16,8 @@ struct Fault {
     std::string endpoint;
     std::optional<int> status;                 // instead of the endpoint's own
     std::chrono::milliseconds delay{};         // before anything is sent
-    std::chrono::milliseconds stall{};         // after the head and half of the body
+    std::chrono::milliseconds stall{};         // after the head and part of the body
+    std::optional<std::size_t> stallAfter;     // bytes of the body that go before a stall; half of it without this
     std::optional<std::size_t> cutAfter;       // bytes of the body, then the connection is closed
     std::optional<std::size_t> contentLength;  // announced instead of the true one; the connection is closed afterwards
     std::optional<std::string> body;           // instead of the endpoint's own

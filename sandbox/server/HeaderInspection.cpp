@@ -1,7 +1,7 @@
 #include "HeaderInspection.h"
 
 #include <algorithm>
-#include <chrono>
+#include <iterator>
 
 #include "TraceId.h"
 #include "WireConstants.h"
@@ -21,9 +21,14 @@ constexpr FixedField kFixedFields[] = {
     {"x-zv-os-brand", kOsBrand},          {"Host", kAccountHost},
 };
 
-std::uint64_t UnixTime() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+// What the client sends beside the prefixed fields, each with some requests only.
+constexpr std::string_view kOtherPlatformFields[] = {"Authorization", "Cookie",   "userId",      "version",
+                                                     "AuthType",      "deviceId", "refreshToken"};
+
+bool IsPlatformField(std::string_view name) {
+    return SameHeaderName(name.substr(0, kPlatformHeaderPrefix.size()), kPlatformHeaderPrefix) ||
+           std::any_of(std::begin(kOtherPlatformFields), std::end(kOtherPlatformFields),
+                       [&](std::string_view other) { return SameHeaderName(name, other); });
 }
 
 bool IsHexDigits(std::string_view text) {
@@ -80,11 +85,20 @@ void HeaderInspection::Expect(std::string_view name, std::string_view value) {
     }
 }
 
+void HeaderInspection::ExpectPresent(std::string_view name) {
+    TakeSingle(name);
+}
+
+void HeaderInspection::ExpectDeviceId(std::string_view name) {
+    const auto id = TakeSingle(name);
+    if (id && (id->size() != static_cast<std::size_t>(kDeviceIdDigits) || !IsHexDigits(*id))) {
+        Refuse(name, "has not 32 hexadecimal digits");
+    }
+}
+
 void HeaderInspection::RefuseOtherPlatformFields() {
     for (const auto& field : m_head.Fields()) {
-        const bool platformField =
-            SameHeaderName(std::string_view(field.name).substr(0, kPlatformHeaderPrefix.size()), kPlatformHeaderPrefix);
-        if (platformField && std::none_of(m_asked.begin(), m_asked.end(), [&](const std::string& asked) {
+        if (IsPlatformField(field.name) && std::none_of(m_asked.begin(), m_asked.end(), [&](const std::string& asked) {
                 return SameHeaderName(asked, field.name);
             })) {
             Refuse(field.name, "does not belong to this request");
@@ -96,8 +110,12 @@ void HeaderInspection::ExpectContentLength(std::size_t bodySize) {
     Expect("Content-Length", std::to_string(bodySize));
 }
 
-std::string HeaderInspection::TraceId() {
-    return TakeSingle("x-zv-trace-id").value_or(std::string());
+void HeaderInspection::ExpectNoBody() {
+    for (const auto* name : {"Content-Length", "Transfer-Encoding"}) {
+        if (!m_head.Values(name).empty()) {
+            Refuse(name, "does not belong to a request without a body");
+        }
+    }
 }
 
 std::optional<std::string> HeaderInspection::TakeSingle(std::string_view name) {
@@ -120,12 +138,9 @@ void HeaderInspection::ExpectTraceId(unsigned command) {
 }
 
 void HeaderInspection::ExpectDeviceIds() {
-    const auto id = TakeSingle("x-zv-device-id");
+    ExpectDeviceId("x-zv-device-id");
     const auto uuid = TakeSingle("x-zv-deviceUUID");
-    if (id && (id->size() != static_cast<std::size_t>(kDeviceIdDigits) || !IsHexDigits(*id))) {
-        Refuse("x-zv-device-id", "has not 32 hexadecimal digits");
-    }
-    if (id && uuid && *id != *uuid) {
+    if (uuid && *uuid != m_head.OnlyValue("x-zv-device-id")) {
         Refuse("x-zv-deviceUUID", "differs from x-zv-device-id");
     }
 }

@@ -19,13 +19,18 @@ public:
     // The fourteen fields that every account request carries; the trace id must be one of traceCommand.
     void ExpectCommonFields(unsigned traceCommand);
     void Expect(std::string_view name, std::string_view value);
-    // The platform's own fields are known by name: one that no check asked for so far is refused.
+    // With any value, an empty one included.
+    void ExpectPresent(std::string_view name);
+    // The field belongs to this request; somebody else looks at it.
+    void Allow(std::string_view name) { m_asked.emplace_back(name); }
+    // 32 hexadecimal digits.
+    void ExpectDeviceId(std::string_view name);
+    // The fields of the client's header sets are known by name: one that no check asked for so far is refused.
     void RefuseOtherPlatformFields();
     // Content-Length once and equal to the body's size.
     void ExpectContentLength(std::size_t bodySize);
+    void ExpectNoBody();
 
-    // The trace id field, empty when it is missing.
-    std::string TraceId();
     // Why the request is refused, beginning with the field's name; empty when nothing is wrong.
     const std::string& Reason() const { return m_reason; }
 

@@ -1,20 +1,28 @@
 #include "HttpFrontEnd.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
+#include "ConnectionThreads.h"
 #include "RecordingServer.h"
 
 namespace sandbox {
 namespace {
 
-constexpr const char* kReplyContentType = "application/json;charset=UTF-8";
 constexpr const char* kUnknownPaths = "unknown";  // counted together, so that they cannot fill the memory
 constexpr std::size_t kLongestPath = 512;
 constexpr std::size_t kLargestRequestBody = 4 * 1024 * 1024;
 constexpr std::size_t kRequestsPerConnection = 10'000;
 constexpr time_t kIdleConnectionSeconds = 30;
-constexpr std::size_t kThreadsPerListener = 64;  // every open connection occupies one
+constexpr std::size_t kConnectionsPerListener = 512;  // at once
+constexpr std::chrono::milliseconds kPeerCheckInterval{100};
+
+// The listener's own address, not the client's idea of it in the field "Host".
+std::string Origin(const httplib::Request& request) {
+    return std::string(request.ssl != nullptr ? "https" : "http") +
+           "://127.0.0.1:" + std::to_string(request.local_port);
+}
 
 PlatformRequest ToPlatformRequest(const httplib::Request& request) {
     PlatformRequest converted;
@@ -23,6 +31,7 @@ PlatformRequest ToPlatformRequest(const httplib::Request& request) {
     const auto question = request.target.find('?');
     converted.query = question == std::string::npos ? std::string() : request.target.substr(question + 1);
     converted.parameters = request.params;
+    converted.origin = Origin(request);
     converted.head = RequestHead(RawHead(request));
     converted.body = request.body;
     return converted;
@@ -30,7 +39,7 @@ PlatformRequest ToPlatformRequest(const httplib::Request& request) {
 
 void AnswerInternalError(httplib::Response& response) {
     response.status = 500;
-    response.set_content(ErrorReply(500, "the reply could not be made").body, kReplyContentType);
+    response.set_content(ErrorReply(500, "the reply could not be made").body, kContentTypeJson);
 }
 
 // The library matches paths by regular expressions, whose depth of recursion grows with the path.
@@ -39,7 +48,7 @@ httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request,
         return httplib::Server::HandlerResponse::Unhandled;
     }
     response.status = 414;
-    response.set_content(ErrorReply(414, "the path is too long").body, kReplyContentType);
+    response.set_content(ErrorReply(414, "the path is too long").body, kContentTypeJson);
     return httplib::Server::HandlerResponse::Handled;
 }
 
@@ -73,7 +82,7 @@ void HttpFrontEnd::Attach(httplib::Server& server) {
     server.set_keep_alive_max_count(kRequestsPerConnection);
     server.set_keep_alive_timeout(kIdleConnectionSeconds);
     server.set_payload_max_length(kLargestRequestBody);
-    server.new_task_queue = [] { return new httplib::ThreadPool(kThreadsPerListener); };
+    server.new_task_queue = [] { return new ConnectionThreads(kConnectionsPerListener); };
 }
 
 void HttpFrontEnd::Stop() {
@@ -93,7 +102,7 @@ void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& re
     const auto fault = m_faults.Take(path);
     if (fault) {
         SpoilReply(*fault, reply);
-        Pause(fault->delay);
+        Pause(fault->delay, [] { return true; });
     }
     response.status = reply.status;
     for (const auto& [name, value] : reply.headers) {
@@ -101,27 +110,35 @@ void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& re
     }
     if (fault && ShapesDelivery(*fault)) {
         const auto delivery = PlanDelivery(*fault, reply.body.size());
-        Deliver(std::move(reply.body), delivery, response);
+        Deliver(std::move(reply), delivery, response);
     } else {
-        response.set_content(reply.body, kReplyContentType);
+        response.set_content(reply.body, reply.contentType);
     }
 }
 
-void HttpFrontEnd::Deliver(std::string body, const Delivery& delivery, httplib::Response& response) {
+void HttpFrontEnd::Deliver(PlatformReply reply, const Delivery& delivery, httplib::Response& response) {
     response.set_header("Content-Length", std::to_string(delivery.announced));
-    const auto bytes = std::make_shared<const std::string>(std::move(body));
+    const auto bytes = std::make_shared<const std::string>(std::move(reply.body));
     // Without a length of its own the library sends what the function writes, whatever the header announces.
-    response.set_content_provider(kReplyContentType, [this, bytes, delivery](size_t, httplib::DataSink& sink) {
-        const bool sent = sink.write(bytes->data(), delivery.firstPart) && Pause(delivery.pause) &&
+    response.set_content_provider(reply.contentType, [this, bytes, delivery](size_t, httplib::DataSink& sink) {
+        const bool sent = sink.write(bytes->data(), delivery.firstPart) && Pause(delivery.pause, sink.is_writable) &&
                           sink.write(bytes->data() + delivery.firstPart, delivery.secondPart);
         sink.done();
         return sent && !delivery.close;
     });
 }
 
-bool HttpFrontEnd::Pause(std::chrono::milliseconds duration) {
-    std::unique_lock<std::mutex> lock(m_stopLock);
-    return !m_stopChanged.wait_for(lock, duration, [this] { return m_stopping; });
+bool HttpFrontEnd::Pause(std::chrono::milliseconds duration, const std::function<bool()>& peerWaits) {
+    const auto end = std::chrono::steady_clock::now() + duration;
+    bool goOn = true;
+    while (goOn && std::chrono::steady_clock::now() < end) {
+        std::unique_lock<std::mutex> lock(m_stopLock);
+        const auto wake = std::min(end, std::chrono::steady_clock::now() + kPeerCheckInterval);
+        goOn = !m_stopChanged.wait_until(lock, wake, [this] { return m_stopping; });
+        lock.unlock();
+        goOn = goOn && peerWaits();
+    }
+    return goOn;
 }
 
 }  // namespace sandbox

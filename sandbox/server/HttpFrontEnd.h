@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 #include <httplib.h>
@@ -26,9 +27,9 @@ public:
 
 private:
     void Handle(const httplib::Request& request, httplib::Response& response);
-    void Deliver(std::string body, const Delivery& delivery, httplib::Response& response);
-    // Waits; false when the server stops meanwhile.
-    bool Pause(std::chrono::milliseconds duration);
+    void Deliver(PlatformReply reply, const Delivery& delivery, httplib::Response& response);
+    // Waits; false when the server stops or the peer goes away meanwhile.
+    bool Pause(std::chrono::milliseconds duration, const std::function<bool()>& peerWaits);
 
     const EndpointTable& m_endpoints;
     FaultTable& m_faults;

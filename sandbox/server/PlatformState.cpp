@@ -8,7 +8,7 @@ namespace sandbox {
 namespace {
 
 constexpr std::chrono::minutes kCodeLifetime{5};
-constexpr std::chrono::hours kCodeMemory{1};  // how long an expired code is still told from an unknown one
+constexpr std::chrono::hours kMemory{1};  // how long an expired code or token is still told from an unknown one
 constexpr std::chrono::seconds kAccessTokenLifetime{3600};
 constexpr std::chrono::hours kRefreshTokenLifetime{24 * 180};
 constexpr std::chrono::hours kLongestAdvance{24 * 3650};
@@ -21,10 +21,6 @@ void EraseExpired(Entries& entries, Time before) {
 }
 
 }  // namespace
-
-PlatformState::PlatformState()
-    : m_accounts{{"260086000100000001", "Sandbox User", "CN"},
-                 {"260086000100000002", "Zo\xC3\xAB \xE7\x8E\x8B\xE8\x8A\xB3", "DE"}} {}
 
 SignInGrant PlatformState::SignIn() {
     auto code = RandomCode();
@@ -42,7 +38,10 @@ void PlatformState::SignOut() {
 
 Session PlatformState::CurrentSession() const {
     const std::lock_guard<std::mutex> guard(m_lock);
-    return {m_signedIn, m_signedIn ? m_accounts[m_current].userId : std::string()};
+    if (!m_signedIn) {
+        return {};
+    }
+    return {true, m_accounts[m_current].userId, m_accounts[m_current].displayName};
 }
 
 bool PlatformState::SelectAccount(const std::string& userId) {
@@ -56,7 +55,7 @@ bool PlatformState::SelectAccount(const std::string& userId) {
     return true;
 }
 
-CodeExchange PlatformState::ExchangeCode(const std::string& code) {
+CodeExchange PlatformState::ExchangeCode(const std::string& code, const std::string& deviceId) {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_codes.find(code);
     if (found == m_codes.end()) {
@@ -69,7 +68,43 @@ CodeExchange PlatformState::ExchangeCode(const std::string& code) {
         return {std::nullopt, "the authorization code has expired"};
     }
     found->second.used = true;
-    return {IssueTokens(found->second.account), {}};
+    const auto account = found->second.account;
+    TokenGrant grant{IssueAccessToken(account), RandomToken(), m_accounts[account].countryCode, kAccessTokenLifetime};
+    m_refreshTokens[grant.refreshToken] = {account, Now() + kRefreshTokenLifetime, deviceId};
+    return {std::move(grant), {}};
+}
+
+RefreshExchange PlatformState::Refresh(const std::string& refreshToken, const std::string& deviceId) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    ForgetOldEntries();
+    if (auto fault = TokenFault(m_refreshTokens, refreshToken); !fault.empty()) {
+        return {std::nullopt, "the refresh token " + fault};
+    }
+    const auto& token = m_refreshTokens.at(refreshToken);
+    if (token.deviceId != deviceId) {
+        return {std::nullopt, "the refresh token was issued to another device", true};
+    }
+    return {IssueAccessToken(token.account), {}};
+}
+
+TokenCheck PlatformState::CheckAccessToken(const std::string& accessToken) const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (auto fault = TokenFault(m_accessTokens, accessToken); !fault.empty()) {
+        return {std::nullopt, "the access token " + fault};
+    }
+    return {m_accounts[m_accessTokens.at(accessToken).account], {}};
+}
+
+std::size_t PlatformState::Revoke(TokenKind kind) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    auto& tokens = kind == TokenKind::kAccess ? m_accessTokens : m_refreshTokens;
+    std::size_t revoked = 0;
+    for (auto token = tokens.begin(); token != tokens.end();) {
+        const bool hit = token->second.account == m_current && Now() < token->second.expiry;
+        revoked += hit ? 1 : 0;
+        token = hit ? tokens.erase(token) : std::next(token);
+    }
+    return revoked;
 }
 
 void PlatformState::AdvanceClock(std::chrono::seconds by) {
@@ -82,16 +117,23 @@ PlatformState::Time PlatformState::Now() const {
 }
 
 void PlatformState::ForgetOldEntries() {
-    EraseExpired(m_codes, Now() - kCodeMemory);
-    EraseExpired(m_accessTokens, Now());
-    EraseExpired(m_refreshTokens, Now());
+    EraseExpired(m_codes, Now() - kMemory);
+    EraseExpired(m_accessTokens, Now() - kMemory);
+    EraseExpired(m_refreshTokens, Now() - kMemory);
 }
 
-TokenGrant PlatformState::IssueTokens(std::size_t account) {
-    TokenGrant grant{RandomToken(), RandomToken(), m_accounts[account].countryCode, kAccessTokenLifetime};
-    m_accessTokens[grant.accessToken] = {account, Now() + grant.lifetime};
-    m_refreshTokens[grant.refreshToken] = {account, Now() + kRefreshTokenLifetime};
-    return grant;
+std::string PlatformState::IssueAccessToken(std::size_t account) {
+    auto token = RandomToken();
+    m_accessTokens[token] = {account, Now() + kAccessTokenLifetime, {}};
+    return token;
+}
+
+std::string PlatformState::TokenFault(const Tokens& tokens, const std::string& token) const {
+    const auto found = tokens.find(token);
+    if (found == tokens.end()) {
+        return "is not known or was revoked";
+    }
+    return found->second.expiry <= Now() ? "has expired" : "";
 }
 
 }  // namespace sandbox

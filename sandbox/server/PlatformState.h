@@ -7,14 +7,9 @@
 #include <string>
 #include <vector>
 
-namespace sandbox {
+#include "Accounts.h"
 
-// An account that the platform knows. Texts are UTF-8.
-struct Account {
-    std::string userId;
-    std::string displayName;
-    std::string countryCode;
-};
+namespace sandbox {
 
 // What a good authorization code is exchanged for.
 struct TokenGrant {
@@ -29,29 +24,49 @@ struct CodeExchange {
     std::string refusal;  // why there is no grant
 };
 
+struct RefreshExchange {
+    std::optional<std::string> accessToken;
+    std::string refusal;       // why there is no access token
+    bool otherDevice = false;  // the refresh token is good, but was issued to another device
+};
+
+struct TokenCheck {
+    std::optional<Account> account;  // the one that the token was issued to
+    std::string refusal;             // why the token is not valid
+};
+
 struct SignInGrant {
     std::string code;
     std::string userId;
 };
 
+// Texts are empty while nobody is signed in.
 struct Session {
     bool signedIn = false;
-    std::string userId;  // empty while nobody is signed in
+    std::string userId;
+    std::string displayName;
 };
+
+enum class TokenKind { kAccess, kRefresh };
 
 // Accounts, the device's session, codes and tokens of the platform. All operations may be called from any thread.
 class PlatformState {
 public:
-    PlatformState();
-
     // Signs the current account in on the device and issues a code for it, good for one exchange within five minutes.
     SignInGrant SignIn();
     void SignOut();
     Session CurrentSession() const;
     // Makes another account the current one; false when no account has that user id.
     bool SelectAccount(const std::string& userId);
+    const std::vector<Account>& Accounts() const { return m_accounts; }
 
-    CodeExchange ExchangeCode(const std::string& code);
+    // The refresh token is bound to the device that exchanges the code.
+    CodeExchange ExchangeCode(const std::string& code, const std::string& deviceId);
+    // A further access token; earlier ones of the account stay valid until they expire.
+    RefreshExchange Refresh(const std::string& refreshToken, const std::string& deviceId);
+    TokenCheck CheckAccessToken(const std::string& accessToken) const;
+    // Takes all valid tokens of that kind back from the current account; returns how many there were.
+    std::size_t Revoke(TokenKind kind);
 
     // Moves the platform's clock forward, so that codes and tokens expire without waiting.
     void AdvanceClock(std::chrono::seconds by);
@@ -66,20 +81,24 @@ private:
     struct Token {
         std::size_t account = 0;
         Time expiry;
+        std::string deviceId;  // of a refresh token
     };
+    using Tokens = std::map<std::string, Token>;
 
     // The following expect the lock to be held.
     Time Now() const;
     void ForgetOldEntries();
-    TokenGrant IssueTokens(std::size_t account);
+    std::string IssueAccessToken(std::size_t account);
+    // Why the token is not valid; empty when it is, and then it is one of tokens.
+    std::string TokenFault(const Tokens& tokens, const std::string& token) const;
 
+    const std::vector<Account> m_accounts = KnownAccounts();
     mutable std::mutex m_lock;  // guards everything below
-    std::vector<Account> m_accounts;
     std::size_t m_current = 0;
     bool m_signedIn = false;
     std::map<std::string, Code> m_codes;
-    std::map<std::string, Token> m_accessTokens;
-    std::map<std::string, Token> m_refreshTokens;
+    Tokens m_accessTokens;
+    Tokens m_refreshTokens;
     std::chrono::seconds m_clockOffset{};
 };
 

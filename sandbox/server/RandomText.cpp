@@ -4,6 +4,7 @@
 
 #include <openssl/rand.h>
 
+#include "Base64.h"
 #include "OpenSslTypes.h"
 
 namespace sandbox {
@@ -11,13 +12,7 @@ namespace {
 
 // byteCount bytes in base64; 3n bytes need no padding, 3n + 1 end in "==".
 std::string RandomBase64(std::size_t byteCount) {
-    const auto bytes = RandomBytes(byteCount);
-    std::string text((byteCount + 2) / 3 * 4 + 1, '\0');
-    const auto length =
-        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
-                        reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<int>(byteCount));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
+    return Base64Encoded(RandomBytes(byteCount));
 }
 
 }  // namespace

@@ -50,4 +50,9 @@ std::vector<std::string> RequestHead::Values(std::string_view name) const {
     return values;
 }
 
+std::string RequestHead::OnlyValue(std::string_view name) const {
+    auto values = Values(name);
+    return values.size() == 1 ? std::move(values.front()) : std::string();
+}
+
 }  // namespace sandbox

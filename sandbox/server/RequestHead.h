@@ -25,6 +25,8 @@ public:
     const std::vector<HeaderField>& Fields() const { return m_fields; }
     // The values of every field of that name, in order.
     std::vector<std::string> Values(std::string_view name) const;
+    // The value of the one field of that name; empty when there is none or more than one.
+    std::string OnlyValue(std::string_view name) const;
 
 private:
     std::string m_text;

@@ -19,6 +19,7 @@ PlatformReply SessionReply(const Session& session) {
     Json::Value reply(Json::objectValue);
     reply["signedIn"] = session.signedIn;
     reply["userId"] = session.userId;
+    reply["displayName"] = session.displayName;
     return JsonReply(reply);
 }
 
@@ -62,6 +63,17 @@ PlatformReply AdvanceClock(const Json::Value& body, PlatformState& state) {
     }
     state.AdvanceClock(std::chrono::seconds(seconds.asUInt()));
     return JsonReply(Json::Value(Json::objectValue));
+}
+
+PlatformReply Revoke(const Json::Value& body, PlatformState& state) {
+    const auto kind = body["kind"].isString() ? body["kind"].asString() : std::string();
+    if (kind != "access" && kind != "refresh") {
+        return ErrorReply(400, "kind is neither \"access\" nor \"refresh\"");
+    }
+    const auto revoked = state.Revoke(kind == "access" ? TokenKind::kAccess : TokenKind::kRefresh);
+    Json::Value reply(Json::objectValue);
+    reply["revoked"] = static_cast<Json::UInt64>(revoked);
+    return JsonReply(reply);
 }
 
 PlatformReply PutFault(const Json::Value& body, const EndpointTable& endpoints, FaultTable& faults) {
@@ -123,6 +135,7 @@ void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, FaultTa
                   WithObject([&](const Json::Value& body) { return SelectAccount(body, state); }));
     endpoints.Add("POST", "/sandbox/clock",
                   WithObject([&](const Json::Value& body) { return AdvanceClock(body, state); }));
+    endpoints.Add("POST", "/sandbox/revoke", WithObject([&](const Json::Value& body) { return Revoke(body, state); }));
     endpoints.Add("POST", kPathFaults,
                   WithObject([&](const Json::Value& body) { return PutFault(body, endpoints, faults); }));
     endpoints.Add("DELETE", kPathFaults, [&](const PlatformRequest&) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -44,6 +45,11 @@ bool IsNear(std::uint32_t time, std::uint64_t nowSeconds) {
 }
 
 }  // namespace
+
+std::uint64_t UnixTime() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::seconds>(now).count());
+}
 
 std::string TraceIdFault(std::string_view traceId, unsigned command, std::uint64_t nowSeconds) {
     const auto fields = Fields(traceId);

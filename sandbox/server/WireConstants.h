@@ -21,8 +21,11 @@ inline constexpr std::string_view kOsBrand = "Windows";
 inline constexpr std::string_view kJsonContentType = "application/json";
 inline constexpr std::string_view kSiteCookie = "siteID=1";
 inline constexpr std::string_view kPlatformHeaderPrefix = "x-zv-";
-inline constexpr int kDeviceIdDigits = 32;         // hexadecimal
-inline constexpr int kDeviceNameCharacters = 250;  // at most
+inline constexpr std::string_view kAuthorizationKind = "6";  // the first field of an encoded authorization
+inline constexpr std::string_view kBearerPrefix = "Bearer ";
+inline constexpr std::string_view kNullBody = "null\n";  // of a POST that has nothing to say
+inline constexpr int kDeviceIdDigits = 32;               // hexadecimal
+inline constexpr int kDeviceNameCharacters = 250;        // at most
 
 // Trace id: command, this code, Unix time and random digits, joined by underscores.
 inline constexpr std::string_view kTraceIdCode = "11";
@@ -31,7 +34,10 @@ inline constexpr int kTraceRandomDigits = 8;
 inline constexpr char kTraceFirstRandomMax = '7';
 inline constexpr char kTraceRandomMax = '8';
 inline constexpr unsigned kTraceClockToleranceSeconds = 24 * 60 * 60;
+inline constexpr unsigned kCommandRefresh = 10005;
 inline constexpr unsigned kCommandCodeExchange = 10006;
+inline constexpr unsigned kCommandApplicationToken = 10006;
+inline constexpr unsigned kCommandRegistration = 12003;
 
 // Sign-in of the account SDK. The trailing space of the scopes and the location text, which is no JSON, are what the
 // client sends.
@@ -51,11 +57,27 @@ inline constexpr std::string_view kSignInLocation = "{\"LocationX\":,\"LocationY
 
 // Paths.
 inline constexpr std::string_view kPathCodeExchange = "/pcclient/getAccessTokenByCode";
+inline constexpr std::string_view kPathRefresh = "/pcclient/refreshtoken";
+inline constexpr std::string_view kPathApplicationToken = "/pcclient/getAppAccessToken";
+inline constexpr std::string_view kPathRegistration = "/pcclient/getRegisterInfo";
+inline constexpr std::string_view kPathGateway = "/gateway";
+inline constexpr std::string_view kPathSync = "/drive/v1/about";
+inline constexpr std::string_view kPathUserInformation = "/KeCloudUserInformationService/v1/users";
+inline constexpr std::string_view kPathPhotos = "/photos/";  // a photo's name follows
 inline constexpr std::string_view kPathRouting = "/routing/v1/remote";
+
+// Queries. The gateway's is the access token, URL-encoded, between these two.
+inline constexpr std::string_view kGatewayQueryStart = "access_token=";
+inline constexpr std::string_view kGatewayQueryEnd =
+    "&nsp_fmt=JSON&nsp_svc=zorvan.oauth2.user.getTokenInfo&open_id=OPENID";
+inline constexpr std::string_view kSyncQuery = "fields=user(userId)";
+inline constexpr std::string_view kUserInformationQuery = "fields=userId,displayName,profilePhotoLink";
 
 // Result codes of the portal.
 inline constexpr std::string_view kResultSuccess = "0";
 inline constexpr std::string_view kResultCodeRefused = "31204";
+inline constexpr std::string_view kResultRefreshRefused = "31205";
+inline constexpr std::string_view kResultBadToken = "40101";
 inline constexpr std::string_view kResultBadHeader = "40001";
 inline constexpr std::string_view kResultBadQuery = "40002";
 inline constexpr std::string_view kResultBadBody = "40003";

@@ -5,14 +5,21 @@
 #include <stdexcept>
 #include <thread>
 
+#include "ApplicationTokenService.h"
 #include "Certificates.h"
+#include "GatewayService.h"
 #include "HttpFrontEnd.h"
 #include "JsonText.h"
 #include "Options.h"
+#include "PhotoHost.h"
 #include "PortalService.h"
 #include "RecordingServer.h"
+#include "RefreshService.h"
+#include "RegistrationService.h"
 #include "RoutingService.h"
 #include "SandboxControl.h"
+#include "SyncService.h"
+#include "UserInformationService.h"
 
 namespace sandbox {
 namespace {
@@ -86,14 +93,25 @@ void WaitForEndOfInput() {
     }
 }
 
+void AddServices(EndpointTable& endpoints, PlatformState& state) {
+    AddPortalEndpoints(endpoints, state);
+    AddRefreshEndpoint(endpoints, state);
+    AddApplicationTokenEndpoint(endpoints, state);
+    AddRegistrationEndpoint(endpoints, state);
+    AddGatewayEndpoint(endpoints, state);
+    AddSyncEndpoint(endpoints, state);
+    AddUserInformationEndpoint(endpoints, state);
+    AddPhotoEndpoints(endpoints, state);
+    AddRoutingEndpoints(endpoints);
+}
+
 void Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
     PlatformState state;
     FaultTable faults;
     TrafficLog traffic;
     EndpointTable endpoints;
-    AddPortalEndpoints(endpoints, state);
-    AddRoutingEndpoints(endpoints);
+    AddServices(endpoints, state);
     AddSandboxEndpoints(endpoints, state, faults, traffic);
 
     HttpFrontEnd frontEnd(endpoints, faults, traffic);

@@ -1,0 +1,46 @@
+#include "ApplicationTokenService.h"
+
+#include "HeaderInspection.h"
+#include "PortalRequest.h"
+#include "RandomText.h"
+#include "WireConstants.h"
+
+namespace sandbox {
+namespace {
+
+constexpr int kLifetimeSeconds = 7200;
+
+std::string HeaderFault(const PlatformRequest& request) {
+    HeaderInspection inspection(request.head);
+    inspection.ExpectCommonFields(kCommandApplicationToken);
+    inspection.ExpectPresent("Authorization");
+    inspection.Expect("Content-Type", kJsonContentType);
+    inspection.ExpectContentLength(request.body.size());
+    inspection.RefuseOtherPlatformFields();
+    return inspection.Reason();
+}
+
+// Nobody of this platform takes an application token, so none is remembered.
+PlatformReply IssueToken(const PlatformRequest& request, const PlatformState& state) {
+    if (auto refusal = RefusalOf({HeaderFault(request), TraceQueryFault(request), NullBodyFault(request)})) {
+        return *std::move(refusal);
+    }
+    const auto check = state.CheckAccessToken(request.head.OnlyValue("Authorization"));
+    if (!check.account) {
+        return TokenRefusal(check.refusal);
+    }
+    Json::Value reply(Json::objectValue);
+    reply["accessToken"] = RandomToken();
+    reply["expires"] = kLifetimeSeconds;
+    reply["result"] = PortalResult(kResultSuccess, "success");
+    return {200, JsonLine(reply), {}};
+}
+
+}  // namespace
+
+void AddApplicationTokenEndpoint(EndpointTable& endpoints, const PlatformState& state) {
+    endpoints.Add("POST", kPathApplicationToken,
+                  [&state](const PlatformRequest& request) { return IssueToken(request, state); });
+}
+
+}  // namespace sandbox

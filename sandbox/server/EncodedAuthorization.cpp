@@ -1,0 +1,38 @@
+#include "EncodedAuthorization.h"
+
+#include <utility>
+
+#include "Base64.h"
+#include "FormText.h"
+#include "WireConstants.h"
+
+namespace sandbox {
+namespace {
+
+// Everything up to the access token.
+std::string ExpectedStart(const RequestHead& head) {
+    std::string start(kAuthorizationKind);
+    start += ":" + head.OnlyValue("x-zv-device-id") + ":";
+    start += kApplicationId;
+    return start + "::";
+}
+
+}  // namespace
+
+EncodedAuthorization ReadEncodedAuthorization(const RequestHead& head) {
+    const auto text = Base64Decoded(head.OnlyValue("Authorization"));
+    if (!text) {
+        return {{}, "is not base64"};
+    }
+    const auto start = ExpectedStart(head);
+    if (text->compare(0, start.size(), start) != 0) {
+        return {{}, "does not decode to a text that begins with " + start};
+    }
+    auto token = FormDecoded(std::string_view(*text).substr(start.size()));
+    if (!token) {
+        return {{}, "holds a broken URL escape"};
+    }
+    return {*std::move(token), {}};
+}
+
+}  // namespace sandbox

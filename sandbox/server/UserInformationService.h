@@ -1,0 +1,11 @@
+#pragma once
+
+#include "EndpointTable.h"
+#include "PlatformState.h"
+
+namespace sandbox {
+
+// The user-information service: an account's profile. state must outlive the table.
+void AddUserInformationEndpoint(EndpointTable& endpoints, const PlatformState& state);
+
+}  // namespace sandbox
