@@ -60,6 +60,14 @@ std::filesystem::path TestFolder() {
     return folder;
 }
 
+// The device keeps its identity for the life of the process, as the service expects.
+std::filesystem::path DeviceFolder() {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("userauth-device-" + std::to_string(GetCurrentProcessId()));
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
 std::filesystem::path ProgramFolder() {
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
@@ -156,7 +164,9 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
          {"portalUrl", "gatewayUrl", "syncServerUrl", "userInformationServiceUrl", "basicServiceUrl"}) {
         settings[key] = baseUrl;
     }
-    settings["stateFolder"] = m_folder.u8string();
+    settings["gatewayUrl"] = baseUrl + "/gateway";
+    settings["appDataLocalPath"] = m_folder.u8string();
+    settings["stateFolder"] = DeviceFolder().u8string();
     WriteFile(m_folder / "client.json", Compact(settings));
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))

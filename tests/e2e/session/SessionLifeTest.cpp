@@ -1,0 +1,218 @@
+#include <HttpLib.h>
+#include <Logger.h>
+#include <ParamStore.h>
+
+#include <thread>
+
+#include "SandboxSession.h"
+
+namespace {
+
+constexpr UINT kPortraitChanged = 0x0C87;
+const char kRefresh[] = "/pcclient/refreshtoken";
+const char kProfile[] = "/KeCloudUserInformationService/v1/users";
+const char kPhoto[] = "/photos/260086000100000001.png";
+
+// Signed in as the default account, with a window for the portrait message.
+class SessionLife : public SandboxSession {
+protected:
+    SessionLife()
+        : m_window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+        GlobalParamWrapper::GetInstance()->SetMainWnd(m_window);
+        SignInAgain();
+    }
+    ~SessionLife() override {
+        GlobalParamWrapper::GetInstance()->SetMainWnd(nullptr);
+        m_service->SetAtExpireCallback(nullptr);
+        DestroyWindow(m_window);
+    }
+
+    void SignInAgain() {
+        const std::string code = SignIn();
+        ASSERT_TRUE(m_service->RequestAT("", code.c_str())) << LogText();
+    }
+
+    bool PortraitMessageArrives(DWORD milliseconds) {
+        const ULONGLONG deadline = GetTickCount64() + milliseconds;
+        MSG message{};
+        while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) == FALSE) {
+            if (GetTickCount64() > deadline) {
+                return false;
+            }
+            Sleep(5);
+        }
+        return true;
+    }
+
+    // Fetches the profile and waits for its message, so that no download runs into the next step.
+    bool ProfileWithMessage() { return m_service->RequestUserInfo() && PortraitMessageArrives(15000); }
+
+    std::filesystem::path Portrait() { return m_folder / "HeadPortrait"; }
+
+    HWND m_window;
+};
+
+}  // namespace
+
+TEST_F(SessionLife, EveryOperationFindsItsServer) {
+    const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
+    EXPECT_TRUE(m_service->RequestApplicationAT());
+    EXPECT_FALSE(store->GetAppAT().empty());
+    EXPECT_TRUE(m_service->RequestUserID());
+    EXPECT_EQ(m_service->GetCurrentUserID(), L"260086000100000001");
+    m_service->SetCurrrentUserID(L"");
+    EXPECT_TRUE(m_service->RequestUserIdFromSyncServer());
+    EXPECT_EQ(store->GetUserID(), L"260086000100000001");
+    EXPECT_TRUE(m_service->UpdateRegistInfo());
+    EXPECT_EQ(m_service->GetLanguageType(), "zh-cn");
+    EXPECT_TRUE(m_service->GetCurrentPriviledge());
+    EXPECT_TRUE(m_service->GetClientLogReportStatus());
+    EXPECT_TRUE(m_service->IsChinaAccount());
+
+    EXPECT_TRUE(ProfileWithMessage());
+    EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u0E43\u0E08\u0E14\u0E35");
+    EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 7);
+    EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), Portrait().wstring());
+    Sleep(200);  // the message comes before the file is closed
+    EXPECT_EQ(ReadFile(Portrait()).substr(0, 4), "\x89PNG");
+
+    const std::wstring before = m_service->GetCurrentAT();
+    GlobalParamWrapper::GetInstance()->SetAtIsExpired(true);
+    EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
+    EXPECT_NE(m_service->GetCurrentAT(), before);
+    EXPECT_FALSE(store->GetAtIsExpired());
+    EXPECT_EQ(LogText().find(std::string(before.begin(), before.end())), std::string::npos);
+}
+
+TEST_F(SessionLife, AccountsWithOtherScriptsAndWithoutPortrait) {
+    const struct {
+        const char* userId;
+        const wchar_t* wideId;
+        const wchar_t* name;
+        bool portrait;
+    } rows[] = {
+        {"260086000100000003", L"260086000100000003",
+         L"\u041D\u0430\u0434\u0435\u0436\u0434\u0430 \u0401\u043B\u043A\u0438\u043D\u0430", true},
+        {"260086000100000004", L"260086000100000004", L"Luna \U0001F319\U0001F98A", false},
+        {u8"žluťoučký-小林-5", L"\u017Elu\u0165ou\u010Dk\u00FD-\u5C0F\u6797-5", L"\u5C0F\u6797 Ji\u0159\u00ED", true},
+    };
+    for (const auto& row : rows) {
+        Json::Value account;
+        account["userId"] = row.userId;
+        m_sandbox.Control("/sandbox/account", account);
+        SignInAgain();
+        EXPECT_TRUE(ProfileWithMessage()) << row.userId;
+        EXPECT_EQ(m_service->GetCurrentUserID(), row.wideId) << row.userId;
+        EXPECT_EQ(m_service->GetCurrentUserName(), row.name) << row.userId;
+        EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath().empty(), !row.portrait) << row.userId;
+        EXPECT_FALSE(m_service->IsChinaAccount());
+    }
+}
+
+TEST_F(SessionLife, ExpiredAndRevokedTokens) {
+    int callbacks = 0;
+    m_service->SetAtExpireCallback([&] { ++callbacks; });
+    Json::Value hours;
+    hours["advanceSeconds"] = 3601;
+    m_sandbox.Control("/sandbox/clock", hours);
+    EXPECT_FALSE(m_service->RequestUserID()) << "the access token has expired";
+    EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
+    EXPECT_TRUE(m_service->RequestUserID());
+    EXPECT_EQ(callbacks, 0);
+    Json::Value kind;
+    kind["kind"] = "refresh";
+    EXPECT_GE(m_sandbox.Control("/sandbox/revoke", kind)["revoked"].asInt(), 1);
+    EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
+    EXPECT_EQ(callbacks, 1);
+}
+
+TEST_F(SessionLife, FaultsOfEachServerFailTheirOperationOnly) {
+    m_service->SetAtExpireCallback([] {});
+    const struct {
+        const char* endpoint;
+        std::function<bool(UserAuthService&)> operation;
+        bool trueOnAny200;  // what the reply says is not part of the result
+    } operations[] = {
+        {kRefresh, [](auto& s) { return s.GetAccessTokenByRefrshToken(); }, false},
+        {"/pcclient/getAppAccessToken", [](auto& s) { return s.RequestApplicationAT(); }, true},
+        {"/pcclient/getRegisterInfo", [](auto& s) { return s.UpdateRegistInfo(); }, false},
+        {"/gateway", [](auto& s) { return s.RequestUserID(); }, true},
+        {"/drive/v1/about", [](auto& s) { return s.RequestUserIdFromSyncServer(); }, true},
+        {kProfile, [](auto& s) { return s.RequestUserInfo(); }, true},
+    };
+    const struct {
+        const char* fault;
+        bool replies200;
+    } faults[] = {{R"({"status":503})", false},         {R"({"cutAfter":5})", false},
+                  {R"({"contentLength":9999})", false}, {R"({"garbage":true})", true},
+                  {R"({"wrongTypes":true})", true},     {R"({"body":"[]"})", true},
+                  {R"({"oversize":50000})", true}};
+    for (const auto& operation : operations) {
+        for (const auto& fault : faults) {
+            const std::wstring tokens = m_service->GetCurrentAT() + L"|" + m_service->GetCurrentRT();
+            m_sandbox.Fault(operation.endpoint, fault.fault);
+            EXPECT_EQ(operation.operation(*m_service), operation.trueOnAny200 && fault.replies200)
+                << operation.endpoint << " " << fault.fault;
+            EXPECT_EQ(m_service->GetCurrentAT() + L"|" + m_service->GetCurrentRT(), tokens)
+                << operation.endpoint << " " << fault.fault;
+        }
+        EXPECT_TRUE(operation.operation(*m_service)) << operation.endpoint << " without a fault";
+    }
+    PortraitMessageArrives(15000);
+}
+
+TEST_F(SessionLife, APortraitThatCannotBeHadEmptiesThePath) {
+    for (const char* fault : {R"({"status":404})", R"({"cutAfter":20})"}) {
+        EXPECT_TRUE(ProfileWithMessage());
+        EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), Portrait().wstring());
+        m_sandbox.Fault(kPhoto, fault);
+        EXPECT_TRUE(ProfileWithMessage()) << fault;
+        EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"") << fault;
+    }
+}
+
+TEST_F(SessionLife, ClearDuringAStalledRefreshAnswersAtOnce) {
+    m_sandbox.Fault(kRefresh, R"({"delayMs":1500})");
+    std::thread refresh([&] { EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken()); });
+    m_sandbox.AwaitRequest(kRefresh);
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_FALSE(m_service->GetCurrentAT().empty());
+    m_service->Clear();
+    EXPECT_TRUE(m_service->GetCurrentAT().empty());
+    EXPECT_LT(GetTickCount64() - start, 500U);
+    refresh.join();
+    EXPECT_FALSE(m_service->GetCurrentAT().empty()) << "a token that arrives after Clear is stored";
+}
+
+#if defined(__MINGW32__)  // the program finds the service's entry points by this compiler's names
+
+// What a host does around a running download; see support/LeavingHost.cpp.
+TEST_F(SessionLife, HostsLeaveDuringADownload) {
+    constexpr int kExits = 200;
+    constexpr int kAtOnce = 8;
+    Json::Value fault;
+    fault["endpoint"] = kPhoto;
+    fault["stallAfter"] = 10;
+    fault["stallMs"] = 600000;
+    m_sandbox.Control("/sandbox/faults", fault);
+    const std::wstring arguments = L" \"" + (m_folder / "client.json").wstring() + L"\" " + m_service->GetCurrentAT();
+    for (int started = 0; started < kExits; started += kAtOnce) {
+        std::vector<std::unique_ptr<ChildProcess>> hosts;
+        for (int index = 0; index < kAtOnce; ++index) {
+            const wchar_t* const way = index % 2 == 0 ? L"return" : L"exit-process";
+            hosts.push_back(std::make_unique<ChildProcess>(L"leaving-host.exe", way + arguments));
+        }
+        for (const auto& host : hosts) {
+            host->ReadLine();  // it is about to leave
+            const ULONGLONG start = GetTickCount64();
+            EXPECT_EQ(host->Finish(), 42) << host->m_error;
+            EXPECT_LT(GetTickCount64() - start, 5000U);
+        }
+    }
+
+    m_sandbox.Fault(kPhoto, R"({"stallAfter":10,"stallMs":1500})");
+    ChildProcess unloading(L"leaving-host.exe", L"unload" + arguments);
+    EXPECT_EQ(unloading.Finish(), 42) << unloading.m_output << unloading.m_error;
+}
+
+#endif
