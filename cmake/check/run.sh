@@ -16,7 +16,7 @@ project_files() { cmake/check/files.sh "$@"; }
 # run_checks [SOURCE...]: sources for clang-tidy, as absolute paths; without any: all.
 run_checks() {
   local findings_in=()
-  cd "$root"
+  cd "$root" || die "no such folder: $root"
   step formatting check_formatting
   step words cmake/check/words.sh
   step rooms check_rooms
