@@ -182,7 +182,7 @@ private:
     std::string GetAuthorizationContents();
     Json::Value StringToJson(std::string text);
 
-    bool m_bSdkLoaded;
+    bool m_bSdkLoaded = false;
     std::wstring m_strSdkVersion;   // reserved, read by no operation
     std::wstring m_strSdkDeviceId;  // the SDK text field of the authorization header; see InitializeSDK
     std::wstring m_strSdkDomain;    // reserved, read by no operation
@@ -209,7 +209,7 @@ private:
     bool m_bActiveAccount = false;
     bool m_bAvailableCountry = false;
     std::string m_strResultDesc;
-    std::wstring m_strTraceIdCode;
+    std::wstring m_strTraceIdCode = L"11";
     std::function<void()> m_atExpireCallback;
     std::vector<std::wstring> m_vecValidModules;
     std::vector<std::uint8_t> m_vecRealUserKey;

@@ -42,7 +42,7 @@ void UserAuthService::__autoclassinit2(std::size_t size) {
 }
 #endif
 
-UserAuthService::UserAuthService() : m_bSdkLoaded(false), m_strTraceIdCode(L"11") {
+UserAuthService::UserAuthService() {
     m_bSdkLoaded = LoadZMSSDKLibrary();
     m_bActiveAccount = false;
     m_bAvailableCountry = false;

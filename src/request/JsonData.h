@@ -6,7 +6,7 @@
 class JsonData {
 public:
     JsonData() = default;
-    explicit JsonData(const Json::Value& value);
+    explicit JsonData(Json::Value value);
     JsonData(const JsonData&) = default;
     JsonData& operator=(const JsonData&) = default;
     virtual ~JsonData();

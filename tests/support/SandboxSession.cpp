@@ -62,7 +62,7 @@ std::filesystem::path TestFolder() {
 
 // The device keeps its identity for the life of the process, as the service expects.
 std::filesystem::path DeviceFolder() {
-    const std::filesystem::path folder =
+    std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("userauth-device-" + std::to_string(GetCurrentProcessId()));
     std::filesystem::create_directories(folder);
     return folder;

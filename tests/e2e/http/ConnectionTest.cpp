@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <thread>
 
@@ -67,6 +68,34 @@ TEST(HttpConnection, ObserverSeesTheExchange) {
     EXPECT_TRUE(seen[1].connectionReused);
 }
 
+TEST(HttpProxy, RefusalNamesItWithoutItsPassword) {
+    RawServer proxy({{"HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n", Then::kClose}});
+    const std::wstring address = L"127.0.0.1:" + std::to_wstring(proxy.Port());
+    struct Row {
+        const wchar_t* variable;
+        std::wstring value;
+        const wchar_t* url;
+        std::wstring cause;
+    };
+    const Row rows[] = {
+        {L"http_proxy", L"socks9://user:CANARY@" + address, L"http://host.invalid/", L"socks9://" + address},
+        {L"http_proxy", L"user:CANARY@[::1", L"http://host.invalid/", L"proxy"},
+        {L"https_proxy", L"http://user:CANARY@" + address, L"https://host.invalid/",
+         L"the proxy 127.0.0.1 port " + std::to_wstring(proxy.Port()) + L" refused the connection with status 403"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.value);
+        SetEnvironmentVariableW(row.variable, row.value.c_str());
+        HttpCall call(row.url);
+        EXPECT_LT(call.Send(), 0);
+        SetEnvironmentVariableW(row.variable, nullptr);
+        ASSERT_EQ(call.errors.size(), 1u);
+        EXPECT_NE(call.errors[0].find(row.cause), std::wstring::npos) << call.errors[0];
+        EXPECT_EQ(call.errors[0].find(L"CANARY"), std::wstring::npos) << call.errors[0];
+    }
+    EXPECT_EQ(proxy.Requests().size(), 1u);
+}
+
 RawReply RedirectTo(const std::string& status, const std::string& location) {
     return {RawReplyBytes(status, "Location: " + location + "\r\n", "moved")};
 }
@@ -90,6 +119,8 @@ TEST(HttpRedirect, OnOneHost) {
         {"307 stays POST", "307 Temporary Redirect", "/next", 200, "POST /next ", "body"},
         {"300 is a reply", "300 Multiple Choices", "/next", 300, "POST /dir/x ", "body"},
         {"other scheme", "302 Found", "ftp://127.0.0.1/", kHttpRedirectRefused, "POST /dir/x ", "body"},
+        {"other host by two slashes", "307 Temporary Redirect", "//127.0.0.2/next", kHttpRedirectRefused,
+         "POST /dir/x ", "body"},
         {"file", "302 Found", "file:///etc/passwd", kHttpRedirectRefused, "POST /dir/x ", "body"},
     };
     for (const Row& row : rows) {
@@ -123,6 +154,7 @@ TEST(HttpRedirect, SecretsStayWithTheirHost) {
     HttpCall call(server.Url(), {{L"authorization", L"secret"},
                                  {L"Cookie", L"secret"},
                                  {L"userId", L"secret"},
+                                 {L"refreshToken", L"secret"},
                                  {L"Host", L"secret"},
                                  {L"Accept-Language", L"zh-CN"}});
     FileTransferHandler handler;

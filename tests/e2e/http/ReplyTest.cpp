@@ -36,6 +36,24 @@ TEST(HttpReply, AskedEncodingsAreDecoded) {
     }
 }
 
+// Text of 1 + 258 * repeats bytes as gzip that lacks only its check sum: one block of fixed codes (RFC 1951, 3.2.6), a
+// literal and then matches of 258 bytes at distance 1.
+std::string RepeatedAsGzip(std::size_t repeats) {
+    std::string bits = "11010101000";
+    for (std::size_t i = 0; i < repeats; ++i) {
+        bits += "1100010100000";
+    }
+    bits += "0000000";
+    std::string bytes("\x1F\x8B\x08\0\0\0\0\0\x02\x03", 10);
+    for (std::size_t i = 0; i < bits.size(); ++i) {
+        if (i % 8 == 0) {
+            bytes += '\0';
+        }
+        bytes.back() = static_cast<char>(bytes.back() | ((bits[i] - '0') << (i % 8)));
+    }
+    return bytes;
+}
+
 TEST(HttpReply, FailuresHaveTheirOwnCode) {
     struct Row {
         const char* name;
@@ -59,6 +77,16 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
         {"stalls before the reply", {"", Then::kStall}, 1, kHttpTimeout},
         {"stalls in the body", {cut, Then::kStall}, 1, kHttpTimeout},
         {"gzip that is none", OkReply("plain text here", "Content-Encoding: gzip\r\n"), -1, kHttpBadEncoding},
+        {"gzip beyond the limit", OkReply(RepeatedAsGzip(kLimit / 258 + 1), "Content-Encoding: gzip\r\n"), -1,
+         kHttpReplyTooLarge},
+        {"encoding of a redirect's body is not looked at",
+         {RawReplyBytes("302 Found", "Location: /\r\nContent-Encoding: gzip\r\n", "plain text here")},
+         -1,
+         kHttpRedirectRefused},
+        {"trailers are no headers",
+         {"HTTP/1.1 302 Found\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\nLocation: /n\r\n\r\n"},
+         -1,
+         302},
         {"unknown encoding", OkReply("?", "Content-Encoding: x-unheard-of\r\n"), -1, kHttpBadEncoding},
     };
     for (const Row& row : rows) {
@@ -90,7 +118,10 @@ TEST(HttpReply, NobodyListens) {
     EXPECT_EQ(call.Send(), kHttpConnectFailed);
     HttpCall unknown(L"http://no-such-host.invalid/");
     EXPECT_EQ(unknown.Send(), kHttpNameNotResolved);
-    HttpCall certificate(url);
+    HttpCall plain(url);
+    plain.strategy.SetCertPath(L"Z:\\no\\such\\file.pem");
+    EXPECT_EQ(plain.Send(), kHttpConnectFailed);
+    HttpCall certificate(L"https" + url.substr(4));
     certificate.strategy.SetCertPath(L"Z:\\no\\such\\file.pem");
     EXPECT_EQ(certificate.Send(), kHttpCertificateFileInvalid);
 }

@@ -82,6 +82,8 @@ TEST(HttpRequest, RefusedWithNothingSent) {
     using namespace std::string_literals;
     const Row rows[] = {
         {"control step: nothing wrong", L"a", L"b\tc", L"/", 200},
+        {"other control characters", L"a", L"b\x01\x7Fz", L"/x\x01y", 200},
+        {"one name in two cases", L"x-twice", L"b", L"/"},
         {"CR in a value", L"a", L"b\rc", L"/"},
         {"LF in a value", L"a", L"b\nInjected: 1", L"/"},
         {"NUL in a value", L"a", L"b\0c"s, L"/"},
@@ -96,7 +98,7 @@ TEST(HttpRequest, RefusedWithNothingSent) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         RawServer server({OkReply()});
-        HttpCall call(server.Url(row.path), {{row.headerName, row.headerValue}});
+        HttpCall call(server.Url(row.path), {{row.headerName, row.headerValue}, {L"X-Twice", L"1"}});
         EXPECT_EQ(call.Post(L"body"), row.expected);
         const bool refused = row.expected < 0;
         EXPECT_EQ(server.AcceptCount(), refused ? 0 : 1);

@@ -27,8 +27,10 @@ protected:
         Logger::Shutdown();
         fs::remove_all(m_folder);
     }
-    void Configure() {
+    void Configure(bool console = false) {
         LoggerSettings settings;
+        settings.console = console;
+        settings.consoleSeverity = kSeveritySummary;
         settings.file = (m_folder / L"client.log").wstring();
         std::string error;
         ASSERT_TRUE(Logger::Configure(settings, error)) << error;
@@ -62,7 +64,7 @@ TEST_F(LoggerTest, LineHasTimeModuleSeverityAndPlaceAndCannotBeForged) {
     EXPECT_EQ(text.find("not for the file"), std::string::npos);
 }
 
-TEST_F(LoggerTest, NoSecretReachesAFile) {
+TEST_F(LoggerTest, NoSecretReachesASink) {
     const wchar_t* rows[] = {
         L"https://h/p?access_token=CANARY,x;y&control=kept",
         L"https://h/p?next=%2Fq%3Faccess_token%3DCANARY control=kept",
@@ -81,16 +83,33 @@ TEST_F(LoggerTest, NoSecretReachesAFile) {
         L"sent bEARER CANARY, control=kept",
         L"(Bearer%20CANARY&control=kept",
         L"\"Bearer \\\"CANARY\\\"\" control=kept",
+        L"Bearer <CANARY> control=kept",
+        L"access_token=<CANARY>&control=kept",
+        L"access_token=\"\"CANARY control=kept",
+        L"accessToken:\"a\"CANARY control=kept",
+        L"access_token=a'CANARY control=kept",
+        L"access_token=a\\\"CANARY control=kept",
+        L"{\"url\":\"https://h/p?access_token=CANARY\",\"control=kept\":1}",
+        L"control=kept\r\nrefreshToken:\r\n CANARY\r\n\tCANARY\r\nuserId: 1",
+        L"control=kept q=%7B%22access_token%22%3A%22CANARY%22%7D",
+        L"q=%2522access_token%2522%20%253D%2522CANARY%2522&control=kept",
+        L"accessToken\\u003dCANARY control=kept",
+        L"control=kept \\u0022accessToken\\u0022:\\u0022CANARY",
+        L"authorizationCode=CANARY&control=kept",
+        L"{\"token\" : \"CANARY\",\"control=kept\":1}",
     };
     const std::size_t count = std::size(rows);
+    testing::internal::CaptureStderr();
+    Configure(true);
     for (const wchar_t* row : rows) {
         Write(row, kSeverityFailure);
-        Logger::OutputOperationLog(1, 2, 3,
-                                   {{L"note", row}, {L"accessToken", L"CANARY"}, {L"user-Authorization", L"CANARY"}});
+        Logger::OutputOperationLog(
+            1, 2, 3,
+            {{L"note", row}, {L"accessToken", L"CANARY"}, {L"token", L"CANARY"}, {L"user-Authorization", L"CANARY"}});
     }
     Logger::OutputOperationLog(1, 2, 3);
-    for (const wchar_t* name : {L"client.log", L"client.log.operations.jsonl"}) {
-        const std::string text = ReadBack(name);
+    const std::string operations = ReadBack(L"client.log.operations.jsonl");
+    for (const std::string& text : {ReadBack(L"client.log"), operations, testing::internal::GetCapturedStderr()}) {
         EXPECT_EQ(text.find("CANARY"), std::string::npos) << text;
         std::size_t kept = 0;
         for (std::size_t at = text.find("control=kept"); at != std::string::npos;
@@ -99,7 +118,6 @@ TEST_F(LoggerTest, NoSecretReachesAFile) {
         }
         EXPECT_EQ(kept, count) << text;  // the control: what is no secret arrives
     }
-    const std::string operations = ReadBack(L"client.log.operations.jsonl");
     EXPECT_EQ(std::count(operations.begin(), operations.end(), '\n'), static_cast<std::ptrdiff_t>(count) + 1);
     EXPECT_NE(operations.find("{\"action\":3,\"event\":1,\"operation\":2,\"time\":\""), std::string::npos)
         << operations;

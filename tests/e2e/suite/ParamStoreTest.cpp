@@ -78,6 +78,8 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
         {"key with line feed", "{\"a\\nb\":1}", ":1: a?b: is not a known setting"},
         {"number", "{\r\n\"countryCode\":33}", ":2: countryCode: must be a text"},
         {"null", "{\"stateFolder\":null}", ":1: stateFolder: must be a text"},
+        {"folder of the drive's current one", "{\"stateFolder\":\"C:state\"}",
+         ":1: stateFolder: must be an absolute path"},
         {"other scheme", "{\"clientMode\":\"2\",\n\"portalUrl\":\"ftp://b\"}",
          ":2: portalUrl: must be an http or https URL"},
         {"trailing slash", "{\"gatewayUrl\":\"https://b/\"}", ":1: gatewayUrl: must not end with a slash"},
@@ -122,6 +124,15 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
         EXPECT_EQ(replaced.size(), 32U) << damaged;
         EXPECT_EQ(ReadFile(Folder() / "device-uuid"), std::string(replaced.begin(), replaced.end())) << damaged;
     }
+    const fs::path root = Folder().root_path();  // "C:\\", not the folder that is current on C:
+    const fs::path before = fs::current_path();
+    fs::current_path(Folder() / "b");
+    fs::remove("device-uuid");
+    UuidIn(root);
+    EXPECT_FALSE(fs::exists("device-uuid"));
+    fs::current_path(before);
+    std::error_code ignored;
+    fs::remove(root / "device-uuid", ignored);
     const std::wstring unwritable = UuidIn(WriteFile(L"file", "") / "sub");
     EXPECT_EQ(unwritable.size(), 32U);
     EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);

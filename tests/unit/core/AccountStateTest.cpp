@@ -68,6 +68,7 @@ TEST_F(ServiceTest, ReadersSeeWholeValuesWhileWritersWrite) {
     std::atomic<bool> stop{false};
     std::atomic<int> torn{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int index = 0; index < 4; ++index) {
         threads.emplace_back([&] {
             while (!stop) {
@@ -95,6 +96,7 @@ TEST(Singleton, FirstCallersFromManyThreadsGetOneObjectConstructedOnce) {
     std::atomic<int> waiting{16};
     std::vector<UserAuthService*> seen(16);
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (UserAuthService*& slot : seen) {
         threads.emplace_back([&waiting, &slot] {
             --waiting;
