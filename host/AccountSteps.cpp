@@ -1,19 +1,12 @@
 #include <ParamStore.h>
 #include <UserAuthService.h>
 
+#include "FieldText.h"
 #include "Session.h"
 #include "TextEncoding.h"
 
 namespace host {
 namespace {
-
-std::string LengthOnly(const std::wstring& secret) {
-    return secret.empty() ? "none" : std::to_string(secret.size()) + " characters";
-}
-
-std::string TextOrNone(const std::wstring& text) {
-    return text.empty() ? "none" : ToUtf8(text);
-}
 
 StepResult ShowAccountState(SessionState& state) {
     UserAuthService& service = *state.service;

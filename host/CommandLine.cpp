@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
+#include <iterator>
 #include <memory>
 
 #include "ExitCode.h"
@@ -18,28 +18,19 @@ namespace {
 constexpr char kDescription[] =
     "Console host of the user-authentication service.\n"
     "\n"
-    "Commands, run in the given order in one session (the account state lives in the process):\n"
-    "  demo       start the sandbox platform from this program's folder and show a whole session\n"
-    "  sign-in    sign in through the account SDK and exchange the code for the tokens\n"
-    "  status     show what the account state holds; tokens by their length only\n"
-    "  sign-out   clear the account state\n";
+    "Commands, run in the given order in one session (the account state lives in the process):\n";
 
 constexpr char kFooter[] =
     "Examples:\n"
     "  userauth demo\n"
     "  userauth demo --https --json\n"
-    "  userauth sign-in status --platform http://127.0.0.1:8080\n"
+    "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
     "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
     "\n"
     "Exit codes:\n"
     "  0  every step succeeded\n"
     "  1  a step failed, or no platform answers\n"
     "  2  the arguments or a configuration file are wrong";
-
-const std::map<std::string, Command> kCommands = {{"demo", Command::kDemo},
-                                                  {"sign-in", Command::kSignIn},
-                                                  {"status", Command::kStatus},
-                                                  {"sign-out", Command::kSignOut}};
 
 struct LocalRelease {
     void operator()(wchar_t** memory) const noexcept { LocalFree(memory); }
@@ -83,20 +74,22 @@ std::filesystem::path CheckedFile(const std::string& file, const char* option) {
     return path;
 }
 
-Command CommandNamed(const std::string& name) {
-    const auto found = kCommands.find(name);
-    if (found == kCommands.end()) {
-        Refuse("unknown command \"" + name + "\": try demo, sign-in, status, sign-out or --help");
+Command CheckedCommand(const std::string& name) {
+    const std::optional<Command> command = CommandNamed(name);
+    if (!command) {
+        Refuse("unknown command \"" + name + "\": try " + CommandNames() + " or --help");
     }
-    return found->second;
+    return *command;
 }
 
 void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.footer(kFooter);
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
     app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND");
-    app.add_option("--platform", raw.platform,
-                   "Base URL of the portal and of all other services; the account SDK beside this program gets it too")
+    app.add_option(
+           "--platform", raw.platform,
+           "Base URL of the portal and of all other services (gateway: /gateway below it); the account SDK beside "
+           "this program gets it too")
         ->type_name("URL");
     app.add_option("--sdk-platform", raw.sdkPlatform,
                    "Base URL for the account SDK, if another: the sandbox's SDK speaks http only")
@@ -114,9 +107,9 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
 
 void Judge(const RawOptions& raw, Options& options) {
     if (raw.commands.empty()) {
-        Refuse("no command given: try demo, sign-in, status, sign-out or --help");
+        Refuse("no command given: try " + CommandNames() + " or --help");
     }
-    std::transform(raw.commands.begin(), raw.commands.end(), std::back_inserter(options.commands), CommandNamed);
+    std::transform(raw.commands.begin(), raw.commands.end(), std::back_inserter(options.commands), CheckedCommand);
     options.platformUrl = CheckedUrl(raw.platform, "--platform");
     options.sdkPlatformUrl = CheckedUrl(raw.sdkPlatform, "--sdk-platform");
     options.configuration = CheckedFile(raw.configuration, "--config");
@@ -150,7 +143,7 @@ std::vector<std::string> ProcessArguments() {
 }
 
 std::optional<int> ReadCommandLine(std::vector<std::string> arguments, Options& options, Console& console) {
-    CLI::App app(kDescription, "userauth");
+    CLI::App app(kDescription + CommandHelp(), "userauth");
     RawOptions raw;
     Describe(app, options, raw);
     std::reverse(arguments.begin(), arguments.end());  // as the parser expects them

@@ -5,16 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "Commands.h"
 #include "Console.h"
 
 namespace host {
-
-enum class Command {
-    kDemo,
-    kSignIn,
-    kStatus,
-    kSignOut,
-};
 
 struct Options {
     std::vector<Command> commands;  // at least one, in the order to run them

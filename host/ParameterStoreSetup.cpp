@@ -19,15 +19,17 @@ void LoadParameterStore(const std::filesystem::path& file) {
 }
 
 void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
-                           const std::filesystem::path& stateFolder) {
+                           const StoreFolders& folders) {
     Json::Value root;
-    for (const char* const service :
-         {"portalUrl", "gatewayUrl", "syncServerUrl", "userInformationServiceUrl", "basicServiceUrl"}) {
+    for (const char* const service : {"portalUrl", "syncServerUrl", "userInformationServiceUrl", "basicServiceUrl"}) {
         root[service] = platformUrl;
     }
-    if (!stateFolder.empty()) {
-        root["stateFolder"] = ToUtf8(stateFolder.wstring());
-        root["appDataLocalPath"] = ToUtf8(stateFolder.wstring());
+    root["gatewayUrl"] = platformUrl + "/gateway";
+    if (!folders.state.empty()) {
+        root["stateFolder"] = ToUtf8(folders.state.wstring());
+    }
+    if (!folders.user.empty()) {
+        root["appDataLocalPath"] = ToUtf8(folders.user.wstring());
     }
     const std::filesystem::path file = folder / "parameter-store.json";
     std::ofstream(file, std::ios::binary) << Json::writeString(Json::StreamWriterBuilder(), root);

@@ -8,9 +8,15 @@ namespace host {
 // Loads a configuration file into the parameter store. Throws HostError with kExitUsage and the place of the fault.
 void LoadParameterStore(const std::filesystem::path& file);
 
-// Points every service of the store to one base URL. folder: where a file may be made for the store to read.
-// stateFolder: where the store and the service keep their files; empty leaves the store's own choice.
+// Where the store and the service keep their files; empty leaves the store's own choice.
+struct StoreFolders {
+    std::filesystem::path state;  // the system UUID
+    std::filesystem::path user;   // the signed-in user's files; must exist
+};
+
+// Points every service of the store to one base URL, the gateway to "/gateway" below it. folder: where a file may be
+// made for the store to read.
 void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
-                           const std::filesystem::path& stateFolder);
+                           const StoreFolders& folders);
 
 }  // namespace host

@@ -14,6 +14,13 @@
 namespace host {
 namespace {
 
+// Of a user whose name has Thai, Cyrillic and an emoji, as a profile folder is named after its user.
+constexpr wchar_t kDemoUserFolder[] =
+    L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u041D\u0430\u0434\u0435\u0436\u0434\u0430 \U0001F98A";
+
+// Instead of it where the system cannot make such a name: Wine cannot without a UTF-8 locale.
+constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
+
 bool IsDemo(const Options& options) {
     return options.commands.front() == Command::kDemo;
 }
@@ -30,6 +37,17 @@ StepResult StartSandbox(SessionState& state) {
     return {true, address.http + " and " + address.https, {}};
 }
 
+StoreFolders DemoFolders(const SessionState& state) {
+    std::filesystem::path folder = state.folder.Path() / kDemoUserFolder;
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        folder = state.folder.Path() / kPlainUserFolder;
+        std::filesystem::create_directories(folder);
+    }
+    return {state.folder.Path(), folder};
+}
+
 StepResult ConfigureParameterStore(SessionState& state) {
     const Options& options = state.options;
     if (!options.configuration.empty()) {
@@ -38,15 +56,17 @@ StepResult ConfigureParameterStore(SessionState& state) {
     const SandboxProcess* const sandbox = state.sandbox.get();
     const std::string sandboxUrl = !sandbox ? "" : options.https ? sandbox->Address().https : sandbox->Address().http;
     const std::string url = sandbox ? sandboxUrl : options.platformUrl;
+    const StoreFolders folders = sandbox ? DemoFolders(state) : StoreFolders();
     if (!url.empty()) {
-        PointParameterStoreTo(url, state.folder.Path(), sandbox ? state.folder.Path() : std::filesystem::path());
+        PointParameterStoreTo(url, state.folder.Path(), folders);
     }
     const bool trustsSandbox = sandbox && options.https;
     CurlHttpLibContext::SetDefaultCertPath(
         (trustsSandbox ? sandbox->Address().certificateAuthority : options.certificateAuthority).wstring());
     const std::wstring portal = GlobalParamWrapper::GetInstance()->GetPortalUrl();
     state.platformUrl = ToUtf8(portal);
-    return {true, portal.empty() ? "no portal" : "portal " + state.platformUrl, {}};
+    const std::string files = sandbox ? ", files in " + ToUtf8(folders.user.filename().wstring()) : "";
+    return {true, (portal.empty() ? "no portal" : "portal " + state.platformUrl) + files, {}};
 }
 
 std::string SdkPlatformUrl(const SessionState& state) {

@@ -2,6 +2,7 @@
 #include <UserAuthService.h>
 #include <windows.h>
 
+#include "FieldText.h"
 #include "ModuleFolder.h"
 #include "Session.h"
 #include "SignInOutcome.h"
@@ -11,10 +12,6 @@ namespace host {
 namespace {
 
 constexpr std::chrono::seconds kLongestSignIn{15};
-
-std::string Characters(std::size_t count) {
-    return std::to_string(count) + " characters";
-}
 
 StepResult SdkResult(const char* operation, int code) {
     const bool missing = code == static_cast<int>(ZvIdErrorType::kEntryPointMissing);

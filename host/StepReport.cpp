@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "ExitCode.h"
+#include "FieldText.h"
 #include "TextEncoding.h"
 
 namespace host {
@@ -144,10 +145,10 @@ void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
     for (const HttpExchange& exchange : outcome.exchanges) {
         line += ExchangeText(exchange) + "; ";
     }
-    line += outcome.result.detail;
+    line += Printable(outcome.result.detail);
     line.erase(line.find_last_not_of("; ") + 1);
     for (const auto& [name, value] : outcome.result.fields) {
-        line += "\n            " + Padded(name, kFieldWidth) + value;
+        line += "\n            " + Padded(name, kFieldWidth) + Printable(value);
     }
     m_console.Write(line + "\n");
 }

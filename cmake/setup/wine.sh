@@ -5,6 +5,8 @@ run_wine=$root/cmake/setup/run-wine
 export WINEPREFIX=$root/build/wine
 # A value of WINEDEBUG other than the caller's own keeps it from remarking on its missing 32-bit part at every start.
 export WINEDEBUG=${WINEDEBUG:--all}
+# One locale for everybody: file names outside ASCII work, and the ANSI code page is 1252, which the tests count on.
+export LC_ALL=C.UTF-8
 # No offers to download a .NET or HTML engine, no menu entries on the person's desktop.
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// How the steps show what they found, UTF-8.
+
+// "78 characters".
+std::string Characters(std::size_t count);
+// A secret by its length only; "none" when it is empty.
+std::string LengthOnly(const std::wstring& secret);
+// "none" when it is empty.
+std::string TextOrNone(const std::wstring& text);
+std::string YesOrNo(bool value);
+
+// Text from elsewhere as part of one line: characters that would control a terminal, break the line or reorder it
+// become replacement characters.
+std::string Printable(const std::string& text);
+
+}  // namespace host

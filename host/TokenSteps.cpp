@@ -1,0 +1,110 @@
+#include <HttpLib.h>
+#include <ParamStore.h>
+#include <UserAuthService.h>
+#include <windows.h>
+
+#include "FieldText.h"
+#include "Session.h"
+#include "TextEncoding.h"
+
+namespace host {
+namespace {
+
+constexpr int kHttpOk = 200;
+constexpr int kLongestControlSeconds = 10;
+
+StepResult RequestApplicationToken(SessionState& state) {
+    const bool answered = state.service->RequestApplicationAT();
+    // Every 200 is a success to the operation, also one without a token.
+    const std::wstring token = GlobalParamWrapper::GetInstance()->GetAppAT();
+    return {answered && !token.empty(),
+            answered ? LengthOnly(token) + " in parameter store" : "failed: --verbose shows the log",
+            {}};
+}
+
+struct RefreshAttempt {
+    bool refreshed = false;
+    int callbacks = 0;  // how often the AT-expiry callback ran
+    bool onCallingThread = true;
+};
+
+// Refreshes with an AT-expiry callback of its own, which it takes away again.
+RefreshAttempt AttemptRefresh(UserAuthService& service) {
+    RefreshAttempt attempt;
+    const DWORD caller = GetCurrentThreadId();
+    service.SetAtExpireCallback([&attempt, caller] {
+        ++attempt.callbacks;
+        attempt.onCallingThread = attempt.onCallingThread && GetCurrentThreadId() == caller;
+    });
+    attempt.refreshed = service.GetAccessTokenByRefrshToken();
+    service.SetAtExpireCallback(nullptr);
+    return attempt;
+}
+
+std::string WhyNotRefreshed(UserAuthService& service, const RefreshAttempt& attempt) {
+    if (service.GetCurrentRT().empty()) {
+        return "there is no refresh token: sign in again";
+    }
+    return attempt.callbacks != 0 ? "answered without a token, the AT-expiry callback ran: sign in again"
+                                  : "the exchange failed, try again later: --verbose shows the log";
+}
+
+StepResult Refresh(SessionState& state) {
+    GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();
+    const std::wstring before = state.service->GetCurrentAT();
+    store.SetAtIsExpired(true);  // as a client does when a server refuses the token
+    const RefreshAttempt attempt = AttemptRefresh(*state.service);
+    if (!attempt.refreshed) {
+        return {false, WhyNotRefreshed(*state.service, attempt), {}};
+    }
+    const std::wstring now = state.service->GetCurrentAT();
+    const bool changed = now != before;
+    const bool stored = store.GetCurrentAt() == now && !store.GetAtIsExpired();
+    const bool mustChange = state.sandbox != nullptr;  // it never issues a token twice
+    return {stored && (changed || !mustChange),
+            "access token " + LengthOnly(now) + (changed ? ", changed" : ", not changed") +
+                "; expired in parameter store: " + YesOrNo(store.GetAtIsExpired()),
+            {}};
+}
+
+// The sandbox then answers a refresh with 200 and without a token.
+StepResult RevokeRefreshToken(SessionState& state) {
+    BasicHttpLibStrategy strategy;
+    strategy.SetUrl(ToWide(state.sandbox->Address().http + "/sandbox/revoke"));
+    strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
+    strategy.SetHeaders({{L"Content-Type", L"application/json"}});
+    strategy.SetPostData(L"{\"kind\":\"refresh\"}");
+    std::string reply;
+    return {CurlHttpLibContext(&strategy).Request(reply, kLongestControlSeconds) == kHttpOk, "", {}};
+}
+
+StepResult RefreshInVain(SessionState& state) {
+    const std::wstring before = state.service->GetCurrentAT();
+    const RefreshAttempt attempt = AttemptRefresh(*state.service);
+    const bool expected = !attempt.refreshed && attempt.callbacks == 1 && attempt.onCallingThread &&
+                          state.service->GetCurrentAT() == before;
+    return {expected,
+            std::string(attempt.refreshed ? "refreshed" : "refused") + ", callback ran " +
+                std::to_string(attempt.callbacks) + (attempt.callbacks == 1 ? " time" : " times") +
+                (attempt.onCallingThread ? " on the calling thread" : " on another thread"),
+            {}};
+}
+
+}  // namespace
+
+std::vector<Step> ApplicationTokenSteps(SessionState& state) {
+    return {{"application-token", "application token", [&state] { return RequestApplicationToken(state); }}};
+}
+
+std::vector<Step> RefreshSteps(SessionState& state) {
+    return {{"refresh", "access token refreshed", [&state] { return Refresh(state); }}};
+}
+
+std::vector<Step> ExpiredTokenSteps(SessionState& state) {
+    return {
+        {"revoke", "refresh token revoked by sandbox", [&state] { return RevokeRefreshToken(state); }},
+        {"at-expiry", "AT-expiry callback on refused refresh", [&state] { return RefreshInVain(state); }},
+    };
+}
+
+}  // namespace host
