@@ -262,6 +262,8 @@ int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std
 
 int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) {
     const ScriptedReply reply = Exchange(*m_strategy, "download");
-    static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(reply.body.data(), reply.body.size(), false);
+    if (reply.code / 100 == 2) {
+        static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(reply.body.data(), reply.body.size(), false);
+    }
     return reply.code;
 }

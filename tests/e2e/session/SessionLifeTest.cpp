@@ -168,6 +168,8 @@ TEST_F(SessionLife, APortraitThatCannotBeHadEmptiesThePath) {
         m_sandbox.Fault(kPhoto, fault);
         EXPECT_TRUE(ProfileWithMessage()) << fault;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"") << fault;
+        Sleep(200);
+        EXPECT_LE(ReadFile(Portrait()).size(), 20U) << fault << ": nothing of an error page, at most what came before the cut";
     }
 }
 

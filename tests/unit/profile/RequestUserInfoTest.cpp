@@ -78,7 +78,7 @@ TEST_F(RequestUserInfoTest, Outcomes) {
         std::string file;
     } rows[] = {
         {"portrait", 200, "{" + members + "," + kLink + "}", 200, true, 1, Portrait().wstring(), "bytes"},
-        {"portrait not found", 200, "{" + members + "," + kLink + "}", 404, true, 1, L"", "bytes"},
+        {"portrait not found", 200, "{" + members + "," + kLink + "}", 404, true, 1, L"", ""},
         {"no portrait", 200, "{" + members + "}", 0, true, 1, L"", "old portrait, longer than any below"},
         {"server error", 500, "{" + members + "," + kLink + "}", 0, false, 0, L"old path",
          "old portrait, longer than any below"},

@@ -81,14 +81,14 @@ TEST_F(UserAuthRequestTest, AGetPassesTheNullBody) {
 }
 
 TEST_F(UserAuthRequestTest, DownloadSetsNeitherBodyNorCertificatePath) {
-    Recording().replies = {{404, "bytes", {}}};
+    Recording().replies = {{206, "bytes", {}}};
     std::string received;
     FileTransferHandler handler;
     handler.SetWriteDataFunc([&](const char* data, std::size_t& size, bool) {
         received.append(data, size);
         return true;
     });
-    EXPECT_EQ(m_request.SendDownRequest(&handler), 404);
+    EXPECT_EQ(m_request.SendDownRequest(&handler), 206);
     EXPECT_EQ(Sent(), (std::vector<std::string>{
                           "http SetUrl https://h/p", "http SetLogFunction ", "http SetHttpRequestMethod 1",
                           "http SetHeaders 1", "http Request download",
