@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include "ProcessState.h"
+
 struct EventAdminModule::State {
     struct Subscription {
         SuiteEvent event;
@@ -34,6 +36,9 @@ std::shared_ptr<const EventAdminModule::Listener> EventAdminModule::State::Next(
 // Looks each listener up when its turn comes, not in one go: one that an earlier listener unsubscribed is not called.
 // Those subscribed meanwhile wait for the next event, so that a listener that subscribes cannot keep this loop alive.
 void EventAdminModule::State::Raise(SuiteEvent event) noexcept {
+    if (ProcessIsEnding()) {
+        return;
+    }
     SubscriptionId last = 0;
     {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -60,7 +65,7 @@ EventAdminModule::EventAdminModule() : m_state(std::make_unique<State>()) {}
 EventAdminModule::~EventAdminModule() = default;
 
 EventAdminModule::SubscriptionId EventAdminModule::Subscribe(SuiteEvent event, Listener listener) {
-    if (!listener) {
+    if (!listener || ProcessIsEnding()) {
         return 0;
     }
     try {
@@ -74,6 +79,9 @@ EventAdminModule::SubscriptionId EventAdminModule::Subscribe(SuiteEvent event, L
 }
 
 bool EventAdminModule::Unsubscribe(SubscriptionId id) {
+    if (ProcessIsEnding()) {
+        return false;
+    }
     std::shared_ptr<const Listener> released;  // its captures go after the lock: they may call the hub
     const std::lock_guard<std::mutex> lock(m_state->mutex);
     const auto found = m_state->subscriptions.find(id);

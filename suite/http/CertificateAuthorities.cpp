@@ -3,19 +3,35 @@
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <system_error>
 
 namespace {
 
-constexpr std::size_t kMaxPemBytes = 8 * 1024 * 1024;
+namespace fs = std::filesystem;
 
-struct DefaultPath {
-    std::mutex lock;
+constexpr std::uintmax_t kMaxPemBytes = 8 * 1024 * 1024;
+
+// What tells one state of a file from another without reading it.
+struct FileStamp {
     std::wstring path;
+    std::uintmax_t size = 0;
+    fs::file_time_type written;
+
+    bool operator==(const FileStamp& other) const {
+        return path == other.path && size == other.size && written == other.written;
+    }
+};
+
+struct Authorities {
+    std::mutex lock;
+    std::wstring defaultPath;
+    FileStamp readStamp;
+    std::shared_ptr<const AuthoritiesPem> read;
 };
 
 // Never destroyed: a request may still read it while the process ends.
-DefaultPath& Default() {
-    static auto* const instance = new DefaultPath;
+Authorities& Shared() {
+    static auto* const instance = new Authorities;
     return *instance;
 }
 
@@ -24,32 +40,51 @@ bool HoldsCertificate(const std::string& pem) {
            pem.find("-----BEGIN TRUSTED CERTIFICATE-----") != std::string::npos;
 }
 
+// Read here and not by libcurl, which opens paths in the ANSI code page.
+std::shared_ptr<const AuthoritiesPem> ReadPem(const FileStamp& stamp) {
+    if (stamp.size > kMaxPemBytes) {
+        return nullptr;
+    }
+    std::ifstream file(fs::path(stamp.path), std::ios::binary);
+    AuthoritiesPem pem(static_cast<std::size_t>(stamp.size), '\0');
+    const bool whole = file.is_open() && file.read(pem.data(), static_cast<std::streamsize>(pem.size()));
+    return whole && HoldsCertificate(pem) ? std::make_shared<const AuthoritiesPem>(std::move(pem)) : nullptr;
+}
+
 }  // namespace
 
 void SetDefaultAuthoritiesPath(const std::wstring& path) {
-    const std::lock_guard<std::mutex> hold(Default().lock);
-    Default().path = path;
+    const std::lock_guard<std::mutex> hold(Shared().lock);
+    Shared().defaultPath = path;
 }
 
-std::optional<AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath) {
-    std::wstring path = ownPath;
-    if (path.empty()) {
-        const std::lock_guard<std::mutex> hold(Default().lock);
-        path = Default().path;
+std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath) {
+    FileStamp stamp{ownPath, 0, {}};
+    if (stamp.path.empty()) {
+        const std::lock_guard<std::mutex> hold(Shared().lock);
+        stamp.path = Shared().defaultPath;
     }
-    if (path.empty()) {
-        return AuthoritiesPem();
+    if (stamp.path.empty()) {
+        return std::make_shared<const AuthoritiesPem>();
     }
-    // Read here and not by libcurl, which opens paths in the ANSI code page.
-    std::ifstream file(std::filesystem::path(path), std::ios::binary | std::ios::ate);
-    const std::streamoff size = file ? std::streamoff(file.tellg()) : -1;
-    if (size <= 0 || size > static_cast<std::streamoff>(kMaxPemBytes)) {
-        return std::nullopt;
+    std::error_code sizeError;
+    std::error_code timeError;
+    stamp.size = fs::file_size(stamp.path, sizeError);
+    stamp.written = fs::last_write_time(stamp.path, timeError);
+    if (sizeError || timeError) {
+        return nullptr;
     }
-    AuthoritiesPem pem(static_cast<std::size_t>(size), '\0');
-    file.seekg(0);
-    if (!file.read(pem.data(), size) || !HoldsCertificate(pem)) {
-        return std::nullopt;
+    {
+        const std::lock_guard<std::mutex> hold(Shared().lock);
+        if (Shared().read && Shared().readStamp == stamp) {
+            return Shared().read;
+        }
+    }
+    std::shared_ptr<const AuthoritiesPem> pem = ReadPem(stamp);
+    if (pem) {
+        const std::lock_guard<std::mutex> hold(Shared().lock);
+        Shared().readStamp = stamp;
+        Shared().read = pem;
     }
     return pem;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 // PEM text of the authorities to trust; empty means the system's store.
@@ -9,6 +9,7 @@ using AuthoritiesPem = std::string;
 // Remembers the file for requests that name none; empty: the system's store. Any thread.
 void SetDefaultAuthoritiesPath(const std::wstring& path);
 
-// The authorities of a request: of its own file, else of the default file, else the system's store. Nothing when the
-// file cannot be read, is larger than any sensible bundle, or holds no certificate.
-std::optional<AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath);
+// The authorities of a request: of its own file, else of the default file, else the system's store. The file read last
+// is kept for as long as its size and time stay. Null when the file cannot be read, is larger than any sensible bundle,
+// or holds no certificate. Any thread.
+std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath);

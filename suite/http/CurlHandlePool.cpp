@@ -1,14 +1,19 @@
 #include "CurlHandlePool.h"
 
-#include <windows.h>
-
 #include <array>
+#include <chrono>
 #include <mutex>
 #include <vector>
 
+#include "ProcessState.h"
+
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::size_t kMaxIdleHandles = 16;
+// libcurl takes up no connection that was idle for longer than 118 s.
+constexpr std::chrono::seconds kMaxIdleTime(120);
 
 void LockShared(CURL* handle, curl_lock_data data, curl_lock_access access, void* locks);
 void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
@@ -19,9 +24,7 @@ void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
 class SharedState {
 public:
     SharedState() {
-        HMODULE self = nullptr;
-        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                           reinterpret_cast<LPCWSTR>(&LockShared), &self);
+        PinThisModule();
         m_idle.reserve(kMaxIdleHandles);
         m_started = curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
         m_share = m_started ? curl_share_init() : nullptr;
@@ -39,11 +42,12 @@ public:
         if (!m_started) {
             return nullptr;
         }
+        DropStale();
         {
             // Last in, first out: the handle used last is the likeliest to hold a live connection to the host.
             const std::lock_guard<std::mutex> hold(m_idleLock);
             if (!m_idle.empty()) {
-                CURL* const handle = m_idle.back();
+                CURL* const handle = m_idle.back().handle;
                 m_idle.pop_back();
                 return handle;
             }
@@ -57,10 +61,11 @@ public:
 
     void Return(CURL* handle) {
         curl_easy_reset(handle);  // keeps connections and the share
+        DropStale();
         {
             const std::lock_guard<std::mutex> hold(m_idleLock);
             if (m_idle.size() < kMaxIdleHandles) {
-                m_idle.push_back(handle);
+                m_idle.push_back({handle, Clock::now()});
                 return;
             }
         }
@@ -70,11 +75,34 @@ public:
     using Locks = std::array<std::mutex, CURL_LOCK_DATA_LAST>;
 
 private:
+    struct Idle {
+        CURL* handle;
+        Clock::time_point since;
+    };
+
+    // A handle that has been idle for too long, taken out; null: there is none. The oldest lies in front.
+    CURL* TakeStale() {
+        const std::lock_guard<std::mutex> hold(m_idleLock);
+        if (m_idle.empty() || Clock::now() - m_idle.front().since < kMaxIdleTime) {
+            return nullptr;
+        }
+        CURL* const handle = m_idle.front().handle;
+        m_idle.erase(m_idle.begin());
+        return handle;
+    }
+
+    // Closes sockets whose peers have long gone.
+    void DropStale() {
+        while (CURL* const handle = TakeStale()) {
+            curl_easy_cleanup(handle);
+        }
+    }
+
     bool m_started = false;
     CURLSH* m_share = nullptr;
     Locks m_shareLocks;
     std::mutex m_idleLock;
-    std::vector<CURL*> m_idle;
+    std::vector<Idle> m_idle;
 };
 
 void LockShared(CURL*, curl_lock_data data, curl_lock_access, void* locks) {

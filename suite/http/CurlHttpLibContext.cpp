@@ -4,6 +4,7 @@
 #include "CertificateAuthorities.h"
 #include "Exchange.h"
 #include "HttpLib.h"
+#include "ProcessState.h"
 #include "ReplySink.h"
 #include "RequestCheck.h"
 #include "UrlText.h"
@@ -45,11 +46,7 @@ ExchangeOutcome Attempt(const IHttpLibStrategy& strategy, int timeoutSeconds, Re
         return {kHttpInvalidRequest, *refusal};
     }
     auto& request = std::get<CheckedRequest>(checked);
-    const std::optional<AuthoritiesPem> authorities = AuthoritiesFor(strategy.CertPath());
-    if (!authorities) {
-        return {kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"};
-    }
-    return PerformExchange(std::move(request), *authorities, timeoutSeconds, sink);
+    return PerformExchange(std::move(request), strategy.CertPath(), timeoutSeconds, sink);
 }
 
 std::wstring Milliseconds(double milliseconds) {
@@ -107,13 +104,23 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     return outcome.code;
 }
 
-// A strategy may be the host's own class, and its getters may throw.
-int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, ReplySink& sink) {
+// takeReply(sink): called when there is a reply. A strategy may be the host's own class, and its getters may throw.
+template <typename TakeReply>
+int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTransferHandler* download,
+                    TakeReply takeReply) {
     if (strategy == nullptr) {
         return kHttpInvalidRequest;
     }
+    if (ProcessIsEnding()) {
+        return kHttpInternalError;
+    }
     try {
-        return Execute(*strategy, timeoutSeconds, sink);
+        ReplySink sink(download);
+        const int code = Execute(*strategy, timeoutSeconds, sink);
+        if (code > 0) {
+            takeReply(sink);
+        }
+        return code;
     } catch (...) {
         return kHttpInternalError;
     }
@@ -126,24 +133,17 @@ CurlHttpLibContext::~CurlHttpLibContext() = default;
 
 int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
     response.clear();
-    ReplySink sink(nullptr);
-    const int code = ExecuteOrRefuse(m_strategy, timeoutSeconds, sink);
-    if (code > 0) {
-        response = sink.TakeText();
-    }
-    return code;
+    return ExecuteOrRefuse(m_strategy, timeoutSeconds, nullptr,
+                           [&response](ReplySink& sink) { response = sink.TakeText(); });
 }
 
 int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
     response.clear();
     replyHeaders.clear();
-    ReplySink sink(nullptr);
-    const int code = ExecuteOrRefuse(m_strategy, -1, sink);
-    if (code > 0) {
-        response = sink.TakeText();
+    return ExecuteOrRefuse(m_strategy, -1, nullptr, [&](ReplySink& sink) {
         replyHeaders = sink.TakeHeaders();
-    }
-    return code;
+        response = sink.TakeText();
+    });
 }
 
 int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler) {
@@ -156,15 +156,19 @@ int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler
         });
         return kHttpInvalidRequest;
     }
-    ReplySink sink(static_cast<FileTransferHandler*>(fileTransferHandler));
-    return ExecuteOrRefuse(m_strategy, -1, sink);
+    return ExecuteOrRefuse(m_strategy, -1, static_cast<FileTransferHandler*>(fileTransferHandler), [](ReplySink&) {});
 }
 
 void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
-    SetDefaultAuthoritiesPath(path);
+    if (!ProcessIsEnding()) {
+        SetDefaultAuthoritiesPath(path);
+    }
 }
 
 void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchange&)> observer) {
+    if (ProcessIsEnding()) {
+        return;
+    }
     auto shared = observer ? std::make_shared<const Observer>(std::move(observer)) : nullptr;
     const std::lock_guard<std::mutex> hold(Slot().lock);
     Slot().observer.swap(shared);

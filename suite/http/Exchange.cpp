@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 
+#include "CertificateAuthorities.h"
 #include "CurlHandlePool.h"
 #include "CurlOption.h"
 #include "ProxySettings.h"
@@ -101,10 +102,23 @@ long InfoOf(CURL* handle, CURLINFO info) {
     return value;
 }
 
+// A proxy's refusal of the tunnel to an https host reaches libcurl's caller as a broken connection. The proxy is named
+// by its address: its setting may hold a password.
+std::optional<TransportFailure> TunnelRefusal(CURL* handle) {
+    const long status = InfoOf(handle, CURLINFO_HTTP_CONNECTCODE);
+    if (status < 300) {
+        return std::nullopt;
+    }
+    char* address = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_PRIMARY_IP, &address);
+    return TransportFailure{kHttpConnectFailed, "the proxy " + std::string(address != nullptr ? address : "") +
+                                                    " port " + std::to_string(InfoOf(handle, CURLINFO_PRIMARY_PORT)) +
+                                                    " refused the connection with status " + std::to_string(status)};
+}
+
 class Exchange {
 public:
-    Exchange(const AuthoritiesPem& authorities, int timeoutSeconds, ReplySink& sink)
-        : m_authorities(authorities), m_sink(sink) {
+    Exchange(const std::wstring& certPath, int timeoutSeconds, ReplySink& sink) : m_certPath(certPath), m_sink(sink) {
         if (timeoutSeconds > 0) {
             m_deadline = Clock::now() + std::chrono::seconds(std::min(timeoutSeconds, kMaxTimeoutSeconds));
         }
@@ -146,12 +160,17 @@ private:
         curl_easy_reset(handle);
         SetRequestOptions(handle, request, headers.get());
         SetConnectionOptions(handle, *url);
-        SetTlsOptions(handle, m_authorities);
+        if (url->scheme == "https" && !SetAuthorities()) {
+            return false;
+        }
         SetCurlOption(handle, CURLOPT_ERRORBUFFER, detail.data());
         if (!SetRemainingTime()) {
             return Fail({kHttpTimeout, "time limit reached"});
         }
         m_sink.Attach(handle);
+        // A kept connection that ends before a single byte of the reply makes libcurl send the request, a POST too,
+        // once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
+        // fail a login.
         const CURLcode result = curl_easy_perform(handle);
         const bool complete = Judge(result, detail.data());
         // The options point into this frame.
@@ -167,12 +186,26 @@ private:
         if (m_sink.Failure().code != 0) {
             return Fail(m_sink.Failure());
         }
-        if (result != CURLE_OK && !(result == CURLE_WRITE_ERROR && m_sink.RedirectBodyCut())) {
-            return Fail(DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
+        // Nobody reads the body of a redirect: neither its length nor its encoding may spoil it.
+        const bool bodyUnread =
+            !m_sink.RedirectTarget().empty() && (result == CURLE_WRITE_ERROR || result == CURLE_BAD_CONTENT_ENCODING);
+        if (result != CURLE_OK && !bodyUnread) {
+            const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
+            return Fail(refusal ? *refusal
+                                : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
         }
         if (m_sink.RedirectTarget().empty() && !m_sink.Finish()) {
             return Fail(m_sink.Failure());
         }
+        return true;
+    }
+
+    bool SetAuthorities() {
+        const std::shared_ptr<const AuthoritiesPem> authorities = AuthoritiesFor(m_certPath);
+        if (!authorities) {
+            return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
+        }
+        SetTlsOptions(m_handle.get(), *authorities);
         return true;
     }
 
@@ -194,7 +227,7 @@ private:
         return false;
     }
 
-    const AuthoritiesPem& m_authorities;
+    const std::wstring& m_certPath;
     ReplySink& m_sink;
     std::optional<Clock::time_point> m_deadline;
     CurlLease m_handle;
@@ -205,7 +238,7 @@ private:
 
 }  // namespace
 
-ExchangeOutcome PerformExchange(CheckedRequest request, const AuthoritiesPem& authorities, int timeoutSeconds,
+ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& certPath, int timeoutSeconds,
                                 ReplySink& sink) {
-    return Exchange(authorities, timeoutSeconds, sink).Run(std::move(request));
+    return Exchange(certPath, timeoutSeconds, sink).Run(std::move(request));
 }

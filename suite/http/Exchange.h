@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "CertificateAuthorities.h"
 #include "ReplySink.h"
 #include "RequestCheck.h"
 
@@ -15,6 +14,7 @@ struct ExchangeOutcome {
 };
 
 // Sends a checked request and follows redirects; blocks until the final reply is complete or something failed.
-// timeoutSeconds: limit for the whole exchange, 0 or less for none. Throws what a lack of memory throws.
-ExchangeOutcome PerformExchange(CheckedRequest request, const AuthoritiesPem& authorities, int timeoutSeconds,
+// certPath: see AuthoritiesFor. timeoutSeconds: limit for the whole exchange, 0 or less for none. Throws what a lack of
+// memory throws.
+ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& certPath, int timeoutSeconds,
                                 ReplySink& sink);

@@ -2,12 +2,11 @@
 
 #include <windows.h>
 
-#include <shlwapi.h>
 #include <winhttp.h>
 
-#include <algorithm>
 #include <memory>
 
+#include "ProxyRule.h"
 #include "Utf8Text.h"
 
 namespace {
@@ -15,40 +14,14 @@ namespace {
 struct GlobalDeleter {
     void operator()(wchar_t* text) const { GlobalFree(text); }
 };
+using SystemText = std::unique_ptr<wchar_t, GlobalDeleter>;
 
-std::wstring TakeText(wchar_t* text) {
-    const std::unique_ptr<wchar_t, GlobalDeleter> owner(text);
-    return text != nullptr ? std::wstring(text) : std::wstring();
+std::wstring TextOf(const SystemText& text) {
+    return text ? std::wstring(text.get()) : std::wstring();
 }
 
 bool IsSetInEnvironment(const std::wstring& name) {
     return GetEnvironmentVariableW(name.c_str(), nullptr, 0) > 1;
-}
-
-// Entries are patterns with * and ?, or "<local>" for every name without a dot.
-bool IsBypassed(const std::wstring& host, std::wstring bypass) {
-    std::replace(bypass.begin(), bypass.end(), L' ', L';');
-    if (bypass.find(L"<local>") != std::wstring::npos && host.find_first_of(L".:") == std::wstring::npos) {
-        return true;
-    }
-    return !bypass.empty() && PathMatchSpecW(host.c_str(), bypass.c_str());
-}
-
-// The system stores either "host:port" for every scheme or "http=host:port;https=host:port".
-std::wstring ProxyOfScheme(const std::wstring& setting, const std::wstring& scheme) {
-    if (setting.find(L'=') == std::wstring::npos) {
-        return setting.substr(0, setting.find_first_of(L"; "));
-    }
-    std::size_t start = 0;
-    while (start < setting.size()) {
-        const std::size_t end = std::min(setting.find_first_of(L"; ", start), setting.size());
-        const std::wstring entry = setting.substr(start, end - start);
-        if (entry.rfind(scheme + L"=", 0) == 0) {
-            return entry.substr(scheme.size() + 1);
-        }
-        start = end + 1;
-    }
-    return {};
 }
 
 }  // namespace
@@ -65,11 +38,8 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     if (!WinHttpGetIEProxyConfigForCurrentUser(&config)) {
         return std::nullopt;
     }
-    TakeText(config.lpszAutoConfigUrl);
-    const std::wstring proxy = TakeText(config.lpszProxy);
-    const std::wstring bypass = TakeText(config.lpszProxyBypass);
-    if (IsBypassed(FromUtf8(url.host), bypass)) {
-        return std::string();
-    }
-    return ToUtf8(ProxyOfScheme(proxy, scheme));
+    const SystemText script(config.lpszAutoConfigUrl);  // not read: the library runs no proxy scripts
+    const SystemText proxy(config.lpszProxy);
+    const SystemText bypass(config.lpszProxyBypass);
+    return ToUtf8(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, FromUtf8(url.host)));
 }

@@ -27,7 +27,7 @@ void ReplySink::Attach(CURL* handle) {
     m_redirectTarget.clear();
     m_headerBytes = 0;
     m_redirectBytes = 0;
-    m_redirectBodyCut = false;
+    m_headersComplete = false;
     SetCurlOption(handle, CURLOPT_HEADERFUNCTION, &ReplySink::OnHeader);
     SetCurlOption(handle, CURLOPT_HEADERDATA, this);
     SetCurlOption(handle, CURLOPT_WRITEFUNCTION, &ReplySink::OnBody);
@@ -64,7 +64,11 @@ bool ReplySink::AcceptHeaderLine(const std::string& line) {
     if (m_headerBytes > kMaxHeaderBytes) {
         return Refuse(kHttpReplyTooLarge, "the reply's headers are too large");
     }
+    if (m_headersComplete) {
+        return true;  // a trailer: what decides about the reply has been decided
+    }
     if (line.rfind("HTTP/", 0) == 0) {  // a new reply; interim ones (1xx) come before the final one
+        m_text.clear();
         m_headers.clear();
         m_lastHeader.clear();
         m_location.clear();
@@ -107,6 +111,7 @@ void ReplySink::StoreHeader(const std::string& line) {
 void ReplySink::EndOfHeaders() {
     long status = 0;
     curl_easy_getinfo(m_handle, CURLINFO_RESPONSE_CODE, &status);
+    m_headersComplete = status >= 200;
     if (IsRedirectStatus(status)) {
         m_redirectTarget = m_location;
     }
@@ -115,8 +120,7 @@ void ReplySink::EndOfHeaders() {
 bool ReplySink::AcceptBody(const char* data, std::size_t size) {
     if (!m_redirectTarget.empty()) {
         m_redirectBytes += size;
-        m_redirectBodyCut = m_redirectBytes > kMaxRedirectBodyBytes;
-        return !m_redirectBodyCut;
+        return m_redirectBytes <= kMaxRedirectBodyBytes;
     }
     if (m_download != nullptr) {
         return Deliver(data, size, false);

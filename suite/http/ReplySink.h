@@ -9,7 +9,7 @@
 #include "TransportError.h"
 
 // Receives the replies of one exchange: keeps the headers and either the text, within its limit, or hands the blocks to
-// a download's handler. The body of a redirect goes nowhere.
+// a download's handler. The body of a redirect goes nowhere, nor do the trailers of a chunked body.
 class ReplySink {
 public:
     // download: null collects the text.
@@ -27,8 +27,6 @@ public:
     const TransportFailure& Failure() const { return m_failure; }
     // Target of a redirect reply as the server wrote it; empty for any other reply.
     const std::string& RedirectTarget() const { return m_redirectTarget; }
-    // The sink ended the transfer only because the redirect's body, which nobody reads, was long.
-    bool RedirectBodyCut() const { return m_redirectBodyCut; }
 
     std::string TakeText() { return std::move(m_text); }
     std::map<std::string, std::string> TakeHeaders() { return std::move(m_headers); }
@@ -53,6 +51,6 @@ private:
     std::string m_text;
     std::size_t m_headerBytes = 0;
     std::size_t m_redirectBytes = 0;
-    bool m_redirectBodyCut = false;
+    bool m_headersComplete = false;
     TransportFailure m_failure;
 };

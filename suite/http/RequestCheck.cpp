@@ -19,24 +19,24 @@ bool IsTokenCharacter(char c) {
     return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') || kMarks.find(c) != std::string_view::npos;
 }
 
-bool IsControl(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 || byte == 0x7F;
-}
-
+// Those that would end the header line or the text. Other control characters pass: a device's name comes from its
+// firmware and may hold any.
 bool IsForbiddenInValue(char c) {
-    return IsControl(c) && c != '\t';
+    return c == '\r' || c == '\n' || c == '\0';
 }
 
+// Vertical tab and form feed are no blanks of HTTP, but libcurl takes a value of nothing else for an empty one.
 std::string WithoutOuterBlanks(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    constexpr const char* kBlanks = " \t\v\f";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 // Framing is the library's business: a length or an encoding that does not match the body would let the peer read one
-// request as two.
+// request as two, and an expectation would bring two final replies into one exchange.
 bool IsFramingHeader(const std::string& name) {
-    return SameHeaderName(name, "Content-Length") || SameHeaderName(name, "Transfer-Encoding");
+    return SameHeaderName(name, "Content-Length") || SameHeaderName(name, "Transfer-Encoding") ||
+           SameHeaderName(name, "Expect");
 }
 
 // Names the refused header only when its name is printable.
@@ -45,7 +45,7 @@ std::string CheckHeader(const std::string& name, const std::string& value) {
         return "a header name is empty or has a character that is not allowed in one";
     }
     if (std::any_of(value.begin(), value.end(), IsForbiddenInValue)) {
-        return "the value of header " + name + " has a control character";
+        return "the value of header " + name + " holds CR, LF or NUL";
     }
     return {};
 }
@@ -67,7 +67,7 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
 
     const std::optional<std::string> url = EscapeUrl(ToUtf8(strategy.Url()));
     if (!url) {
-        return "the URL has a control character";
+        return "the URL holds CR, LF or NUL";
     }
     if (!ParseUrl(*url)) {
         return "the URL is not an absolute http or https URL";
@@ -80,6 +80,10 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
         std::string refusal = CheckHeader(name, value);
         if (!refusal.empty()) {
             return refusal;
+        }
+        const auto sameName = [&name](const auto& earlier) { return SameHeaderName(earlier.first, name); };
+        if (std::any_of(request.headers.begin(), request.headers.end(), sameName)) {
+            return "the header " + name + " is given twice";
         }
         if (!IsFramingHeader(name)) {
             request.headers.emplace_back(name, WithoutOuterBlanks(value));

@@ -7,7 +7,7 @@
 
 #include "HttpLib.h"
 
-// One exchange as it goes out, checked: all text is UTF-8, without control characters.
+// One exchange as it goes out, checked: all text is UTF-8, the URL escaped, headers without CR, LF or NUL.
 struct CheckedRequest {
     std::string url;
     bool post = false;

@@ -10,5 +10,6 @@ struct TransportFailure {
     std::string cause;
 };
 
-// detail: libcurl's error buffer, may be empty. verifyResult: CURLINFO_SSL_VERIFYRESULT.
+// detail: libcurl's error buffer, may be empty; user information in it is not passed on. verifyResult:
+// CURLINFO_SSL_VERIFYRESULT.
 TransportFailure DescribeFailure(CURLcode result, const std::string& detail, long verifyResult);

@@ -45,10 +45,10 @@ std::optional<std::string> EscapeUrl(const std::string& utf8) {
     std::string escaped;
     for (const char c : utf8) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F) {
+        if (c == '\r' || c == '\n' || c == '\0') {
             return std::nullopt;
         }
-        if (byte == ' ' || byte > 0x7F) {
+        if (byte <= ' ' || byte >= 0x7F) {
             escaped += {'%', kDigits[byte >> 4], kDigits[byte & 0x0F]};
         } else {
             escaped += c;

@@ -12,8 +12,8 @@ struct UrlParts {
     std::string display;    // the URL without user information, query and fragment: fit for logs
 };
 
-// Escapes blanks and bytes outside ASCII as %XX; everything else, escapes included, stays as it is. Nothing when the
-// text holds a control character.
+// Escapes blanks, control characters and bytes outside ASCII as %XX; everything else, escapes included, stays as it is.
+// Nothing when the text holds CR, LF or NUL.
 std::optional<std::string> EscapeUrl(const std::string& utf8);
 
 // Parts of an escaped URL; nothing when it is not an absolute http or https URL with a host.

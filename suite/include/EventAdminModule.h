@@ -13,7 +13,8 @@ enum class SuiteEvent : int {
 };
 
 // The event hub. Any thread. Listeners run on the raising thread, in the order of their subscription, without the hub's
-// lock: a listener may subscribe, unsubscribe or raise. One that throws does not stop the next.
+// lock: a listener may subscribe, unsubscribe or raise. One that throws does not stop the next. While the process ends
+// (its other threads are gone) the hub does nothing.
 class EVENTADMIN_API EventAdminModule {
 public:
     using Listener = std::function<void(SuiteEvent)>;
@@ -27,8 +28,8 @@ public:
     // Returns an id for Unsubscribe, never 0; 0 when the listener is empty.
     SubscriptionId Subscribe(SuiteEvent event, Listener listener);
 
-    // After it returned the listener is not started again; a call that runs already on another thread may still be
-    // running. False when the id is not known.
+    // After it returned no thread takes the listener up again; a call that another thread has already taken up may
+    // still run, even begin. False when the id is not known.
     bool Unsubscribe(SubscriptionId id);
 
     void SyncDriveKeyOk();

@@ -17,14 +17,16 @@ enum class HttpRequestMethod : int {
 // What CurlHttpLibContext::Request returns instead of an HTTP status when no exchange took place or it did not
 // complete.
 enum HttpTransportError : int {
-    kHttpInvalidRequest = -1,          // not an http(s) URL, or CR, LF or NUL in a URL, header name or header value
+    // Not an http(s) URL; CR, LF or NUL in the URL or a header value; a header name that is no token (RFC 9110, 5.6.2);
+    // two names that differ only in letter case; an unknown method.
+    kHttpInvalidRequest = -1,
     kHttpNameNotResolved = -2,         // the host or proxy name has no address
-    kHttpConnectFailed = -3,           // nobody accepts the connection
+    kHttpConnectFailed = -3,           // nobody accepts the connection, or the proxy refuses it
     kHttpTimeout = -4,                 // connect, stall or total time limit
     kHttpCertificateUntrusted = -5,    // the peer's chain does not end at a trusted authority
     kHttpCertificateWrongName = -6,    // a trusted certificate, but for another host
     kHttpTlsFailed = -7,               // any other TLS failure, versions below 1.2 included
-    kHttpCertificateFileInvalid = -8,  // the certificate path cannot be read or holds no certificate
+    kHttpCertificateFileInvalid = -8,  // the certificate path cannot be read or holds no certificate (https only)
     kHttpConnectionBroken = -9,        // cut, reset or ended before the announced length
     kHttpReplyTooLarge = -10,          // a text reply beyond 16 MiB after decoding
     kHttpBadEncoding = -11,            // the content encoding could not be undone
@@ -58,11 +60,13 @@ public:
     BasicHttpLibStrategy(const BasicHttpLibStrategy&) = delete;
     BasicHttpLibStrategy& operator=(const BasicHttpLibStrategy&) = delete;
 
-    // Absolute http or https URL; characters outside ASCII go out as percent-escaped UTF-8.
+    // Absolute http or https URL; blanks, control characters and characters outside ASCII go out as percent-escaped
+    // UTF-8. A host name outside ASCII does not resolve.
     void SetUrl(const std::wstring& url);
     void SetHttpRequestMethod(HttpRequestMethod method);
 
     // Replaces the headers. Values go out in UTF-8; an empty value is sent as a header with an empty value.
+    // "Content-Length", "Transfer-Encoding" and "Expect" are the library's own business and are left out.
     void SetHeaders(const HeaderMap& headers);
     // Replaces the headers by the suite's standard set: "userId", "appId", "Authorization" ("Bearer " and the token)
     // and "Content-Type" = "application/json".
@@ -75,7 +79,7 @@ public:
     // PEM file of the certificate authorities to trust for this request; empty takes the default (SetDefaultCertPath).
     void SetCertPath(const std::wstring& path);
 
-    // Receive the library's progress and error texts, on the requesting thread. Exceptions they throw are dropped.
+    // Receive the library's progress and error texts, on the requesting thread.
     void SetLogFunction(LogFunction function);
     void SetErrorLogFunction(LogFunction function);
 
@@ -122,7 +126,13 @@ struct HttpExchange {
 };
 
 // Executes a strategy, synchronously, on the calling thread; contexts on different threads share connections, TLS
-// sessions and name look-ups. Nothing is thrown. Certificates and host names are always checked, TLS 1.2 at least.
+// sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observer are
+// dropped. Certificates and host names are always checked, TLS 1.2 at least. While the process ends (its other threads
+// are gone) every request fails with kHttpInternalError.
+// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting; for
+// loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
+// A request, a POST too, is sent a second time when a kept connection turns out closed before a byte of the reply came:
+// deliberate, because servers close idle connections at any moment. The server may have seen both.
 class HTTPLIB_API CurlHttpLibContext {
 public:
     // strategy: not null, must outlive the context.

@@ -23,8 +23,9 @@ struct LoggerSettings {
     int consoleSeverity = kSeverityFailure;
 };
 
-// The suite's logger. No member throws, and none waits for a disk: lines are queued, the oldest are dropped when the
-// queue is full. Access tokens, refresh tokens and bearer values are masked before a line reaches any sink.
+// The suite's logger. No member throws. Output and OutputOperationLog never wait for a disk: lines are queued, the
+// oldest are dropped when the queue is full; Configure, Flush and Shutdown wait for files and for the queue. Access
+// tokens, refresh tokens, authorization codes and bearer values are masked before a line reaches any sink.
 // Any thread. Until Configure was called lines are dropped.
 class LOGGER_API Logger {
 public:
@@ -46,6 +47,6 @@ public:
     static bool Flush(int timeoutMilliseconds);
 
     // Flushes, closes the sinks and ends the logger's thread. A client calls it before it leaves main; lines that come
-    // later are dropped.
+    // later are dropped. Not from DllMain: a thread cannot end under the loader's lock.
     static void Shutdown();
 };

@@ -30,7 +30,9 @@ enum class ConfigEntityEnum : int {
 };
 
 // The process-wide parameter store: deployment settings in, tokens and ids of the signed-in user in and out.
-// Every member may be called from any thread; each call is atomic by itself.
+// Every member may be called from any thread; each call is atomic by itself. No member throws anything but
+// std::bad_alloc, and one that does changed nothing. While the process ends (its other threads are gone) the getters
+// return empty values and the setters do nothing.
 class PARAMSTORE_API GlobalParamWrapper {
 public:
     static GlobalParamWrapper* GetInstance();
@@ -41,9 +43,10 @@ public:
     // Reads the client's configuration file (JSON, UTF-8, comments allowed) and replaces the settings it names; the
     // others keep their values. Members, all optional texts: "portalUrl", "gatewayUrl", "syncServerUrl",
     // "userInformationServiceUrl", "basicServiceUrl" (http or https, no trailing slash), "countryCode", "clientMode",
-    // "appDataLocalPath", "stateFolder" (where the system UUID is kept; default: the local application-data folder),
-    // and the object "legacyItems" (item number as text to stored text). False with a UTF-8 text of the form
-    // "FILE:LINE: KEY: reason" when the file cannot be read or a member is wrong; nothing is changed then.
+    // "appDataLocalPath" and "stateFolder" (absolute folders; the system UUID is kept in the latter; default: the local
+    // application-data folder), and the object "legacyItems" (item number as text to stored text). False with a UTF-8
+    // text of the form "FILE:LINE: KEY: reason" when the file cannot be read or a member is wrong; nothing is changed
+    // then.
     bool LoadConfiguration(const std::wstring& file, std::string& error);
 
     // Base URLs, without trailing slash; empty until configured.
@@ -58,7 +61,7 @@ public:
     std::wstring GetSystemUUid() const;
     std::wstring GetCountryCode() const;
     std::wstring GetZvClientMode() const;
-    // Folder for per-user files of this machine, without trailing separator.
+    // Folder for per-user files of this machine, without trailing separator: a drive's root is "C:".
     std::wstring GetAppDataLocalPath() const;
 
     // Window that receives the service's messages; null until the client sets it.

@@ -121,6 +121,8 @@ LogPipeline::LogPipeline(const LoggerSettings& settings)
             m_loggers[i] = std::make_shared<spdlog::async_logger>("client", std::move(counting), m_pool,
                                                                   spdlog::async_overflow_policy::overrun_oldest);
             m_loggers[i]->flush_on(spdlog::level::err);
+            // The default handler writes to standard error, unmasked. A sink's failure has nowhere to be told.
+            m_loggers[i]->set_error_handler([](const std::string&) {});
         }
     }
 }
@@ -130,7 +132,10 @@ LogPipeline::~LogPipeline() = default;
 void LogPipeline::Post(LogTarget target, bool urgent, const std::string& line) {
     const auto& logger = m_loggers[static_cast<std::size_t>(target)];
     if (logger != nullptr) {
-        logger->log(urgent ? spdlog::level::err : spdlog::level::info, line);
+        // Past the logger's own call, which swallows a failure: a line that was not queued must not be counted.
+        const spdlog::details::log_msg message(logger->name(), urgent ? spdlog::level::err : spdlog::level::info, line);
+        m_pool->post_log(std::shared_ptr<spdlog::async_logger>(logger), message,
+                         spdlog::async_overflow_policy::overrun_oldest);
         m_progress->Queued(m_pool->overrun_counter());
     }
 }

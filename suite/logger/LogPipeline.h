@@ -26,7 +26,7 @@ public:
     LogPipeline& operator=(const LogPipeline&) = delete;
 
     // Queues a line (UTF-8, unmasked but for operations) for a target that is open; does nothing for one that is not.
-    // urgent: written through to the file at once. Any thread.
+    // urgent: written through to the file at once. Any thread. Throws when memory is short; nothing was queued then.
     void Post(LogTarget target, bool urgent, const std::string& line);
 
     int ConsoleSeverity() const { return m_consoleSeverity; }

@@ -7,8 +7,8 @@
 // The stored items of earlier client versions: item number to text.
 using LegacyItemMap = std::map<int, std::wstring>;
 
-// Deployment settings. Texts are UTF-16; folders and base URLs have no trailing separator. Empty folders mean their
-// defaults.
+// Deployment settings. Texts are UTF-16; folders are absolute; folders and base URLs have no trailing separator, so
+// that a drive's root is "C:". Empty folders mean their defaults.
 struct ClientConfiguration {
     std::wstring portalUrl;
     std::wstring gatewayUrl;

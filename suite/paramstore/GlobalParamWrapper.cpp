@@ -1,17 +1,26 @@
 #include <mutex>
+#include <utility>
 
 #include "ParamStore.h"
+#include "ProcessState.h"
 #include "SettingsStore.h"
 
 // What the client's modules push and read while it runs.
 struct GlobalParamWrapper::State {
+    // The value is copied before the lock is taken, which then guards a swap that cannot fail.
     template <typename T>
-    void Set(T State::*field, const T& value) {
+    void Set(T State::*field, T value) {
+        if (ProcessIsEnding()) {
+            return;
+        }
         const std::lock_guard<std::mutex> lock(mutex);
-        this->*field = value;
+        std::swap(this->*field, value);
     }
     template <typename T>
     T Get(T State::*field) const {
+        if (ProcessIsEnding()) {
+            return T();
+        }
         const std::lock_guard<std::mutex> lock(mutex);
         return this->*field;
     }

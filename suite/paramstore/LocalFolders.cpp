@@ -22,9 +22,7 @@ std::wstring EnvironmentText(const wchar_t* name) {
     return value;
 }
 
-}  // namespace
-
-std::wstring LocalAppDataFolder() {
+std::wstring FindLocalAppDataFolder() {
     wchar_t* path = nullptr;
     const HRESULT result = SHGetKnownFolderPath(FOLDERID_LocalAppData, KF_FLAG_DEFAULT, nullptr, &path);
     const std::unique_ptr<wchar_t, TaskMemoryRelease> owner(path);  // to be released after a failure too
@@ -32,5 +30,12 @@ std::wstring LocalAppDataFolder() {
     while (!folder.empty() && (folder.back() == L'\\' || folder.back() == L'/')) {
         folder.pop_back();
     }
+    return folder;
+}
+
+}  // namespace
+
+std::wstring LocalAppDataFolder() {
+    static const std::wstring folder = FindLocalAppDataFolder();
     return folder;
 }

@@ -23,6 +23,19 @@ std::size_t SchemeLength(const std::string& url) {
     return 0;
 }
 
+bool IsSeparator(char c) {
+    return c == '\\' || c == '/';
+}
+
+// "C:\..." or "\\server\...", with either separator. Anything else depends on the current drive or folder.
+bool IsAbsolute(const std::string& path) {
+    if (path.size() < 3) {
+        return false;
+    }
+    const bool drive = std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':' && IsSeparator(path[2]);
+    return drive || (IsSeparator(path[0]) && IsSeparator(path[1]));
+}
+
 }  // namespace
 
 const char* CheckPlainText(const std::string& text) {
@@ -48,7 +61,10 @@ const char* CheckBaseUrl(const std::string& url) {
 }
 
 const char* CheckFolder(const std::string& path) {
-    return path.find_first_not_of("\\/") == std::string::npos ? "must name a folder" : CheckPlainText(path);
+    if (path.find_first_not_of("\\/") == std::string::npos) {
+        return "must name a folder";
+    }
+    return IsAbsolute(path) ? CheckPlainText(path) : "must be an absolute path";
 }
 
 int LegacyItemNumber(const std::string& key) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "LocalFolders.h"
+#include "ProcessState.h"
 #include "SystemUuid.h"
 
 namespace {
@@ -20,6 +21,10 @@ SettingsStore& SettingsStore::Instance() {
 }
 
 bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
+    if (ProcessIsEnding()) {
+        error = "the process is ending";
+        return false;
+    }
     const std::lock_guard<std::mutex> oneAtATime(m_loadMutex);
     ClientConfiguration base;
     {
@@ -39,22 +44,34 @@ bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
 }
 
 std::wstring SettingsStore::Text(std::wstring ClientConfiguration::*setting) const {
+    if (ProcessIsEnding()) {
+        return std::wstring();
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     return m_configuration.*setting;
 }
 
 std::wstring SettingsStore::LegacyItem(int number) const {
+    if (ProcessIsEnding()) {
+        return std::wstring();
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     const auto found = m_configuration.legacyItems.find(number);
     return found == m_configuration.legacyItems.end() ? std::wstring() : found->second;
 }
 
 std::wstring SettingsStore::AppDataFolder() const {
+    if (ProcessIsEnding()) {
+        return std::wstring();
+    }
     std::wstring folder = Text(&ClientConfiguration::appDataLocalPath);
     return folder.empty() ? LocalAppDataFolder() : folder;
 }
 
 std::wstring SettingsStore::SystemUuid() {
+    if (ProcessIsEnding()) {
+        return std::wstring();
+    }
     std::wstring folder = Text(&ClientConfiguration::stateFolder);
     if (folder.empty()) {
         folder = LocalAppDataFolder();

@@ -103,7 +103,10 @@ void WriteUuid(const std::filesystem::path& file, const std::string& digits) {
 }  // namespace
 
 std::wstring LoadOrCreateSystemUuid(const std::wstring& stateFolder) {
-    const std::filesystem::path file = std::filesystem::path(stateFolder) / L"device-uuid";
+    // Joined by hand: after a bare "C:" the path class adds no separator, and the name would lie in the drive's current
+    // folder.
+    const std::wstring folder = stateFolder + L"\\";
+    const std::filesystem::path file = folder + L"device-uuid";
     std::string digits;
     if (stateFolder.empty()) {
         digits = NewUuid();
@@ -114,7 +117,7 @@ std::wstring LoadOrCreateSystemUuid(const std::wstring& stateFolder) {
         if (digits.empty()) {
             digits = NewUuid();
             std::error_code ignored;
-            std::filesystem::create_directories(stateFolder, ignored);
+            std::filesystem::create_directories(folder, ignored);
             WriteUuid(file, digits);
         }
     }

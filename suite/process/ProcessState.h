@@ -1,8 +1,8 @@
 #pragma once
 
-// Keeps this module loaded until the process ends: its queue thread runs in it.
+// Keeps the module that calls it loaded until the process ends: what it started or shares lives in it.
 void PinThisModule() noexcept;
 
 // True once the process has begun to end and its other threads are gone, perhaps while they held a lock. From then on
-// the logger must touch neither its locks nor its thread.
+// a library must touch neither its locks nor its threads: a wait would never end.
 bool ProcessIsEnding() noexcept;
