@@ -24,12 +24,16 @@ public:
     virtual ~RefreshTokenOperate();
 };
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wignored-qualifiers"  // two results are const, as clients link against them
+#endif
+
 // The user-authentication service: one object per process that holds the account state and runs every operation.
 //
-// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for std::bad_alloc from an accessor
-// whose copy finds no memory. Several
-// may run at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a
-// callback.
+// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for
+// RequestUserInfo (no thread to be had) and std::bad_alloc from an accessor whose copy finds no memory. Several may run at
+// once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a callback.
 //
 // Wide texts are UTF-16. A reply's member that is missing or of the wrong type reads as empty text or 0.
 class USERAUTH_API UserAuthService {
@@ -82,7 +86,7 @@ public:
     std::string GetCountryCode();  // UTF-8
     std::string GetLanguageType() const;
     bool GetCurrentPriviledge();
-    bool GetClientLogReportStatus();
+    const bool GetClientLogReportStatus();
     bool IsActiveAccount();
     bool IsAvailableCountry();
     std::vector<std::wstring> GetValidModule();
@@ -100,10 +104,10 @@ public:
 
     // Obtains a new access token with the stored refresh token; the refresh token stays. False without any exchange
     // when there is none. When the portal answers 200 without a usable token the callback below runs, on this thread
-    // and without the lock, before this returns; any other status leaves it alone. A token that arrives after a Clear
+    // and without the lock, before this returns; any other status leaves it alone. Success clears the store's AT-expired flag. A token that arrives after a Clear
     // on another thread is stored: the exchange was answered, and the last store wins. A host that signs out waits for
     // its refresh, or clears again after it.
-    bool GetAccessTokenByRefrshToken();
+    const bool GetAccessTokenByRefrshToken();
 
     // Sets what runs when a sign-in is needed again; an empty function clears it. It may call any member, start a
     // refresh (nested, on the same thread) or register another callback. Not to be called while another thread
@@ -120,8 +124,9 @@ public:
 
     // == Identity and profile ==
 
-    // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every
-    // 200.
+    // What arrives after a Clear on another thread is stored here too, as with the refresh.
+
+    // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every 200.
     bool RequestUserID();
     bool RequestUserIdFromSyncServer();
 
@@ -214,6 +219,10 @@ private:
     std::vector<std::wstring> m_vecValidModules;
     std::vector<std::uint8_t> m_vecRealUserKey;
 };
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 extern "C" {
 // Never read or changed by the library.

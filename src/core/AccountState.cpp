@@ -102,6 +102,10 @@ void UserAuthService::SetCurrentUserInfo(const std::wstring& userId, const std::
     GlobalParamWrapper::GetInstance()->SetUserID(userId);
 }
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic ignored "-Wignored-qualifiers"  // the const result is part of the exported signature
+#endif
+
 // Without the lock, by design: the host reads these after the operation that wrote them has returned.
 
 std::string UserAuthService::GetCountryCode() {
@@ -114,7 +118,7 @@ std::string UserAuthService::GetLanguageType() const {
 bool UserAuthService::GetCurrentPriviledge() {
     return m_bPriviledge;
 }
-bool UserAuthService::GetClientLogReportStatus() {
+const bool UserAuthService::GetClientLogReportStatus() {
     return m_bClientLogReport;
 }
 bool UserAuthService::IsActiveAccount() {

@@ -5,6 +5,7 @@
 namespace userauth {
 namespace {
 
+// Cannot fail for an address of a loaded module.
 OwnedModule ReferenceToThisModule() {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&ReferenceToThisModule),
@@ -32,7 +33,9 @@ void ModuleReference::ReleaseWhenThisThreadHasEnded() {
     TP_CALLBACK_ENVIRON environment;
     InitializeThreadpoolEnvironment(&environment);
     SetThreadpoolCallbackLibrary(&environment, m_module.get());
-    if (TrySubmitThreadpoolCallback(WaitForThread, thread, &environment) == FALSE) {
+    const BOOL submitted = TrySubmitThreadpoolCallback(WaitForThread, thread, &environment);
+    DestroyThreadpoolEnvironment(&environment);
+    if (submitted == FALSE) {
         CloseHandle(thread);
         m_module.release();
         return;

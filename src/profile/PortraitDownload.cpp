@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -33,17 +34,32 @@ void Run(const PortraitDownload& download) {
     PostPortraitChanged();
 }
 
+// Out of memory, or a suite library that throws: as a download that failed.
+void GiveUp(UserAuthService& service) noexcept {
+    try {
+        service.SetCurrentUserHeadImageLocalPath(std::wstring());
+        PostPortraitChanged();
+    } catch (...) {
+        return;
+    }
+}
+
 }  // namespace
 
 void StartPortraitDownload(PortraitDownload download) {
-    std::thread([download = std::move(download), module = ModuleReference()]() mutable {
+    auto body = [download = std::move(download), module = ModuleReference()]() mutable {
         try {
             Run(download);
         } catch (...) {
-            // Out of memory, or a suite library that throws: the portrait stays as it is, the process goes on.
+            GiveUp(*download.service);
         }
         module.ReleaseWhenThisThreadHasEnded();
-    }).detach();
+    };
+    try {
+        std::thread(std::move(body)).detach();
+    } catch (const std::system_error&) {
+        throw PortraitThreadNotStarted{std::current_exception()};
+    }
 }
 
 }  // namespace userauth

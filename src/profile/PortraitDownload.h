@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 
 class UserAuthService;
@@ -12,9 +13,14 @@ struct PortraitDownload {
     UserAuthService* service;
 };
 
-// Starts a detached thread that downloads into the file, stores the path in the account state (empty text unless the
-// status was 200) and posts the portrait-changed message in either case. Throws std::system_error when no thread can be
-// started. The thread keeps this library loaded until it has ended, also when the host unloads it meanwhile.
+// The thread facility's own exception, marked so that it can be told from everything that a suite library may throw.
+struct PortraitThreadNotStarted {
+    std::exception_ptr cause;
+};
+
+// Starts a detached thread that downloads into the file, stores the path in the account state (empty text unless the status
+// was 200) and posts the portrait-changed message in either case. Throws PortraitThreadNotStarted.
+// The thread keeps this library loaded until it has ended, also when the host unloads it meanwhile.
 void StartPortraitDownload(PortraitDownload download);
 
 }  // namespace userauth

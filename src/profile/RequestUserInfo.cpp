@@ -2,7 +2,7 @@
 #include <ParamStore.h>
 #include <windows.h>
 
-#include <system_error>
+#include <exception>
 
 #include "UserAuthService.h"
 #include "core/PortraitChangedMessage.h"
@@ -66,8 +66,8 @@ bool UserAuthService::RequestUserInfo() try {
     SetCurrrentUserID(userId);
     WriteLog(kSeverityProgress, __LINE__, kTag, L"GetUserInfo successed!");
     return true;
-} catch (const std::system_error&) {
-    throw;  // the download thread could not be started: the one exception that reaches the caller
+} catch (const userauth::PortraitThreadNotStarted& failure) {
+    std::rethrow_exception(failure.cause);  // the one exception that reaches the caller
 } catch (...) {
     return false;
 }

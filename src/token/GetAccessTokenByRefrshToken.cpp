@@ -32,15 +32,15 @@ WebRequestResult SendRefresh(const std::wstring& refreshToken, const std::wstrin
     return result;
 }
 
-// The callback is the host's: what it throws must not leave the operation, nor skip the line that follows. A copy runs,
-// so that it may register another one.
+// The callback is the host's: what it throws must not leave the operation, nor skip the line that follows. It may register
+// another one; the copy only keeps the running one alive (SetAtExpireCallback).
 void RunAtExpireCallback(const std::function<void()>& registered) {
-    const std::function<void()> callback = registered;
-    if (!callback) {
+    if (!registered) {
         return;
     }
     WriteLog(kSeverityProgress, __LINE__, kTag, L"atExpireCallback");
     try {
+        const std::function<void()> callback = registered;
         callback();
     } catch (...) {
         return;
@@ -49,7 +49,11 @@ void RunAtExpireCallback(const std::function<void()>& registered) {
 
 }  // namespace
 
-bool UserAuthService::GetAccessTokenByRefrshToken() try {
+#if defined(__GNUC__)
+#pragma GCC diagnostic ignored "-Wignored-qualifiers"  // the const result is part of the exported signature
+#endif
+
+const bool UserAuthService::GetAccessTokenByRefrshToken() try {
     WriteLog(kSeverityProgress, __LINE__, kTag, L"refresh AT start");
     if (GetCurrentRT().empty()) {
         WriteLog(kSeverityFailure, __LINE__, kTag, L"refresh AT error rt is empty");

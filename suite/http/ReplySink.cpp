@@ -112,6 +112,7 @@ void ReplySink::EndOfHeaders() {
     long status = 0;
     curl_easy_getinfo(m_handle, CURLINFO_RESPONSE_CODE, &status);
     m_headersComplete = status >= 200;
+    m_isSuccess = status >= 200 && status < 300;
     if (IsRedirectStatus(status)) {
         m_redirectTarget = m_location;
     }
@@ -123,7 +124,7 @@ bool ReplySink::AcceptBody(const char* data, std::size_t size) {
         return m_redirectBytes <= kMaxRedirectBodyBytes;
     }
     if (m_download != nullptr) {
-        return Deliver(data, size, false);
+        return !m_isSuccess || Deliver(data, size, false);  // an error page is not the file that was asked for
     }
     if (size > kMaxTextBytes - m_text.size()) {
         return Refuse(kHttpReplyTooLarge, "the reply is larger than 16 MiB");

@@ -52,5 +52,6 @@ private:
     std::size_t m_headerBytes = 0;
     std::size_t m_redirectBytes = 0;
     bool m_headersComplete = false;
+    bool m_isSuccess = false;
     TransportFailure m_failure;
 };

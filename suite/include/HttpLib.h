@@ -148,8 +148,8 @@ public:
     // As above with the default limits. replyHeaders is replaced by the final reply's headers, names as they came;
     // values of a name that comes more than once are joined with ", ".
     int Request(std::string& response, std::map<std::string, std::string>& replyHeaders);
-    // Download form: the decoded body of the final reply, whatever its status, goes to the FileTransferHandler that
-    // fileTransferHandler points to; response stays empty.
+    // Download form: the decoded body of a reply with a status of 200 to 299 goes to the FileTransferHandler that
+    // fileTransferHandler points to; that of any other status, an error page, is read and dropped. response stays empty.
     int Request(std::string& response, void* fileTransferHandler);
 
     // Authorities for requests that name no certificate path: a PEM file, or empty for the system's store. Any thread.

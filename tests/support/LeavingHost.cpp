@@ -1,11 +1,12 @@
+#include <HttpLib.h>
 #include <ParamStore.h>
 #include <windows.h>
 
 #include <cstdio>
 #include <string>
 
-// A host that leaves while a portrait download runs: leaving-host.exe WAY CONFIGURATION ACCESS-TOKEN. It loads the service as a
-// plug-in host would, finding its entry points by name.
+// A host that leaves while a portrait download runs: leaving-host.exe WAY CONFIGURATION ACCESS-TOKEN AUTHORITY-FILE. It loads
+// the service as a plug-in host would, finding its entry points by name.
 //
 //   return, exit-process   ends the process, with exit code 42
 //   unload                 unloads the service: 42 when it stays loaded while the download runs and goes away afterwards
@@ -48,15 +49,21 @@ int UnloadDuringDownload() {
 
 int wmain(int count, wchar_t** arguments) {
     std::string error;
-    if (count != 4 || !GlobalParamWrapper::GetInstance()->LoadConfiguration(arguments[2], error)) {
+    if (count != 5 || !GlobalParamWrapper::GetInstance()->LoadConfiguration(arguments[2], error)) {
         return Fail(("usage or configuration: " + error).c_str());
     }
+    CurlHttpLibContext::SetDefaultCertPath(arguments[4]);
     g_module = LoadLibraryW(L"UserAuthService.dll");
-    UserAuthService* const service = Entry<UserAuthService* (*)()>("_ZN15UserAuthService11GetInstanceEv")();
-    Entry<void (*)(UserAuthService*, const std::wstring&)>(
-        "_ZN15UserAuthService12SetCurrentATERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE")(service,
-                                                                                                     arguments[3]);
-    if (!Entry<bool (*)(UserAuthService*)>("_ZN15UserAuthService15RequestUserInfoEv")(service)) {
+    const auto getInstance = Entry<UserAuthService* (*)()>("_ZN15UserAuthService11GetInstanceEv");
+    const auto setToken = Entry<void (*)(UserAuthService*, const std::wstring&)>(
+        "_ZN15UserAuthService12SetCurrentATERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE");
+    const auto requestUserInfo = Entry<bool (*)(UserAuthService*)>("_ZN15UserAuthService15RequestUserInfoEv");
+    if (getInstance == nullptr || setToken == nullptr || requestUserInfo == nullptr) {
+        return Fail("the service or one of its entry points is missing");
+    }
+    UserAuthService* const service = getInstance();
+    setToken(service, arguments[3]);
+    if (!requestUserInfo(service)) {
         return Fail("no profile");
     }
     Sleep(20);  // some hosts leave while the download connects, some while it stalls

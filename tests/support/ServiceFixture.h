@@ -58,8 +58,8 @@ inline std::filesystem::path ProgramFolder() {
 class InstalledSdk {
 public:
     explicit InstalledSdk(const char* library) {
-        std::filesystem::copy_file(ProgramFolder() / library, m_path,
-                                   std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::remove(m_path);  // what a crashed run has left
+        std::filesystem::copy_file(ProgramFolder() / library, m_path);
     }
     ~InstalledSdk() {
         std::error_code ignored;
@@ -76,6 +76,13 @@ public:
 private:
     std::filesystem::path m_path = ProgramFolder() / "ZVAccountSdk.dll";
 };
+
+// The singleton, which some operations read the access token from; without its SDK, whose file it would keep in use.
+inline UserAuthService& Singleton() {
+    UserAuthService& service = *UserAuthService::GetInstance();
+    UserAuthServiceAccess::Unload(service);
+    return service;
+}
 
 // A fresh service on the scripted SDK, with an empty recording.
 class ServiceTest : public testing::Test {

@@ -108,6 +108,9 @@ std::wstring GlobalParamWrapper::GetAppDataLocalPath() const {
     return Recording().appDataFolder;
 }
 HWND__* GlobalParamWrapper::GetMainWnd() const {
+    if (Recording().onMainWindowAsked) {
+        Recording().onMainWindowAsked();
+    }
     return Recording().mainWindow;
 }
 std::wstring GlobalParamWrapper::GetSystemUUid() const {
@@ -223,23 +226,37 @@ bool FileTransferHandler::WriteData(const char* data, std::size_t size, bool fin
 
 namespace {
 
-ScriptedReply Exchange(const IHttpLibStrategy& strategy, const std::string& form) {
+std::mutex g_exchangeMutex;  // guards the recording's exchange members, not across the hooks
+
+ScriptedReply NextReply(const IHttpLibStrategy& strategy) {
+    const std::lock_guard<std::mutex> hold(g_exchangeMutex);
     SuiteRecording& recording = Recording();
-    Record("http Request " + form);
-    recording.requestHeaders = strategy.Headers();
-    recording.postData = strategy.PostData();
-    recording.url = strategy.Url();
-    if (recording.duringExchange) {
-        recording.duringExchange();
+    const auto byUrl = recording.repliesByUrl.find(strategy.Url());
+    if (byUrl != recording.repliesByUrl.end()) {
+        return byUrl->second;
     }
-    strategy.Log(L"progress text");
-    strategy.LogError(L"error text");
     if (recording.replies.empty()) {
         return {kHttpConnectFailed, "", {}};
     }
     ScriptedReply reply = recording.replies.front();
     recording.replies.erase(recording.replies.begin());
     return reply;
+}
+
+ScriptedReply Exchange(const IHttpLibStrategy& strategy, const std::string& form) {
+    Record("http Request " + form);
+    {
+        const std::lock_guard<std::mutex> hold(g_exchangeMutex);
+        Recording().requestHeaders = strategy.Headers();
+        Recording().postData = strategy.PostData();
+        Recording().url = strategy.Url();
+    }
+    if (Recording().duringExchange) {
+        Recording().duringExchange(strategy.Url());
+    }
+    strategy.Log(L"progress text");
+    strategy.LogError(L"error text");
+    return NextReply(strategy);
 }
 
 }  // namespace

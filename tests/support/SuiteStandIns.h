@@ -28,8 +28,12 @@ struct SuiteRecording {
     std::vector<std::string> journal;
     // Answers of the next exchanges; when none is left an exchange ends with -3.
     std::vector<ScriptedReply> replies;
+    // Answers by URL, for exchanges on several threads at once; they go before the others and are never used up.
+    std::map<std::wstring, ScriptedReply> repliesByUrl;
     // Runs in the middle of each exchange, with the strategy's log functions still to be called.
-    std::function<void()> duringExchange;
+    std::function<void(const std::wstring& url)> duringExchange;
+    // Runs when the main window is asked for, which a portrait download does last of all.
+    std::function<void()> onMainWindowAsked;
     // Runs inside each push to the store.
     std::function<void()> duringPush;
 

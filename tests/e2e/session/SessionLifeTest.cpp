@@ -44,10 +44,29 @@ protected:
         return true;
     }
 
+    // What the look-ups fill, and nothing else should change.
+    std::wstring State() {
+        const std::string language = m_service->GetLanguageType();
+        return m_service->GetCurrentUserID() + L"|" + m_service->GetCurrentUserName() + L"|" +
+               m_service->GetCurrentUserHeadImageUrl() + L"|" + GlobalParamWrapper::GetInstance()->GetAppAT() + L"|" +
+               std::wstring(language.begin(), language.end()) + L"|" +
+               std::to_wstring(m_service->GetCurrentUserAccountBrandID());
+    }
+
     // Fetches the profile and waits for its message, so that no download runs into the next step.
     bool ProfileWithMessage() { return m_service->RequestUserInfo() && PortraitMessageArrives(15000); }
 
     std::filesystem::path Portrait() { return m_folder / "HeadPortrait"; }
+
+    // The message comes before the file is closed.
+    std::string PortraitOnceWritten(std::size_t bytes) {
+        std::string text = ReadFile(Portrait());
+        for (int tries = 0; tries < 500 && text.size() < bytes; ++tries) {
+            Sleep(10);
+            text = ReadFile(Portrait());
+        }
+        return text;
+    }
 
     HWND m_window;
 };
@@ -73,15 +92,19 @@ TEST_F(SessionLife, EveryOperationFindsItsServer) {
     EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u0E43\u0E08\u0E14\u0E35");
     EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 7);
     EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), Portrait().wstring());
-    Sleep(200);  // the message comes before the file is closed
-    EXPECT_EQ(ReadFile(Portrait()).substr(0, 4), "\x89PNG");
+    EXPECT_EQ(PortraitOnceWritten(4).substr(0, 4), "\x89PNG");
 
     const std::wstring before = m_service->GetCurrentAT();
     GlobalParamWrapper::GetInstance()->SetAtIsExpired(true);
     EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_NE(m_service->GetCurrentAT(), before);
     EXPECT_FALSE(store->GetAtIsExpired());
-    EXPECT_EQ(LogText().find(std::string(before.begin(), before.end())), std::string::npos);
+    const std::string log = LogText();
+    EXPECT_NE(log.find("getTokenInfo"), std::string::npos) << "the line that carries a token is there";
+    for (const std::wstring& secret : {before, std::wstring(m_service->GetCurrentAT()),
+                                       std::wstring(m_service->GetCurrentRT()), store->GetAppAT()}) {
+        EXPECT_EQ(log.find(std::string(secret.begin(), secret.end())), std::string::npos);
+    }
 }
 
 TEST_F(SessionLife, AccountsWithOtherScriptsAndWithoutPortrait) {
@@ -127,7 +150,8 @@ TEST_F(SessionLife, ExpiredAndRevokedTokens) {
 }
 
 TEST_F(SessionLife, FaultsOfEachServerFailTheirOperationOnly) {
-    m_service->SetAtExpireCallback([] {});
+    int callbacks = 0;
+    m_service->SetAtExpireCallback([&] { ++callbacks; });
     const struct {
         const char* endpoint;
         std::function<bool(UserAuthService&)> operation;
@@ -150,15 +174,46 @@ TEST_F(SessionLife, FaultsOfEachServerFailTheirOperationOnly) {
     for (const auto& operation : operations) {
         for (const auto& fault : faults) {
             const std::wstring tokens = m_service->GetCurrentAT() + L"|" + m_service->GetCurrentRT();
+            const std::wstring state = State();
+            callbacks = 0;
             m_sandbox.Fault(operation.endpoint, fault.fault);
             EXPECT_EQ(operation.operation(*m_service), operation.trueOnAny200 && fault.replies200)
                 << operation.endpoint << " " << fault.fault;
             EXPECT_EQ(m_service->GetCurrentAT() + L"|" + m_service->GetCurrentRT(), tokens)
                 << operation.endpoint << " " << fault.fault;
+            EXPECT_EQ(callbacks, operation.endpoint == kRefresh && fault.replies200 ? 1 : 0)
+                << operation.endpoint << " " << fault.fault;
+            if (!fault.replies200) {
+                EXPECT_EQ(State(), state) << operation.endpoint << " " << fault.fault;
+            }
         }
         EXPECT_TRUE(operation.operation(*m_service)) << operation.endpoint << " without a fault";
     }
     PortraitMessageArrives(15000);
+}
+
+// All servers at once, so that the 30 seconds are waited for only once.
+TEST_F(SessionLife, AStalledServerFailsItsOperationAfterTheStallLimit) {
+    const std::pair<const char*, std::function<bool(UserAuthService&)>> operations[] = {
+        {kRefresh, [](auto& s) { return s.GetAccessTokenByRefrshToken(); }},
+        {"/pcclient/getAppAccessToken", [](auto& s) { return s.RequestApplicationAT(); }},
+        {"/pcclient/getRegisterInfo", [](auto& s) { return s.UpdateRegistInfo(); }},
+        {"/gateway", [](auto& s) { return s.RequestUserID(); }},
+        {"/drive/v1/about", [](auto& s) { return s.RequestUserIdFromSyncServer(); }},
+        {kProfile, [](auto& s) { return s.RequestUserInfo(); }},
+    };
+    const std::wstring state = State();
+    std::vector<std::thread> threads;
+    threads.reserve(std::size(operations));
+    for (const auto& operation : operations) {
+        m_sandbox.Fault(operation.first, R"({"stallMs":120000})");
+        threads.emplace_back([&] { EXPECT_FALSE(operation.second(*m_service)) << operation.first; });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(State(), state);
+    EXPECT_NE(LogText().find("refresh AT error statusCode: -4"), std::string::npos);
 }
 
 TEST_F(SessionLife, APortraitThatCannotBeHadEmptiesThePath) {
@@ -168,8 +223,8 @@ TEST_F(SessionLife, APortraitThatCannotBeHadEmptiesThePath) {
         m_sandbox.Fault(kPhoto, fault);
         EXPECT_TRUE(ProfileWithMessage()) << fault;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"") << fault;
-        Sleep(200);
-        EXPECT_LE(ReadFile(Portrait()).size(), 20U) << fault << ": nothing of an error page, at most what came before the cut";
+        EXPECT_LE(PortraitOnceWritten(0).size(), 20U)
+            << fault << ": nothing of an error page, at most what came before the cut";
     }
 }
 
@@ -197,23 +252,35 @@ TEST_F(SessionLife, HostsLeaveDuringADownload) {
     fault["stallAfter"] = 10;
     fault["stallMs"] = 600000;
     m_sandbox.Control("/sandbox/faults", fault);
-    const std::wstring arguments = L" \"" + (m_folder / "client.json").wstring() + L"\" " + m_service->GetCurrentAT();
+    const std::wstring token = m_service->GetCurrentAT();
+    const auto arguments = [&](const std::wstring& way) {
+        return way + L" \"" + (m_folder / "client.json").wstring() + L"\" " + token + L" \"" +
+               (m_folder / "authority.pem").wstring() + L"\"";
+    };
     for (int started = 0; started < kExits; started += kAtOnce) {
+        if (started == kExits / 2 / kAtOnce * kAtOnce) {
+            UsePlatform(m_sandbox.m_https);  // the other half leaves TLS connections behind
+        }
         std::vector<std::unique_ptr<ChildProcess>> hosts;
         for (int index = 0; index < kAtOnce; ++index) {
-            const wchar_t* const way = index % 2 == 0 ? L"return" : L"exit-process";
-            hosts.push_back(std::make_unique<ChildProcess>(L"leaving-host.exe", way + arguments));
+            hosts.push_back(std::make_unique<ChildProcess>(L"leaving-host.exe",
+                                                           arguments(index % 2 == 0 ? L"return" : L"exit-process")));
         }
         for (const auto& host : hosts) {
-            host->ReadLine();  // it is about to leave
-            const ULONGLONG start = GetTickCount64();
-            EXPECT_EQ(host->Finish(), 42) << host->m_error;
-            EXPECT_LT(GetTickCount64() - start, 5000U);
+            EXPECT_EQ(host->ReadLine(), "leaving");
         }
+        const ULONGLONG start = GetTickCount64();
+        for (const auto& host : hosts) {
+            EXPECT_EQ(host->Finish(), 42) << host->m_error;
+        }
+        EXPECT_LT(GetTickCount64() - start, 5000U);
     }
+    UsePlatform(m_sandbox.m_http);
+    EXPECT_GT(m_sandbox.Control("/sandbox/statistics")["requests"][kPhoto].asInt(), kExits / 2)
+        << "most hosts left during the download, not before it";
 
     m_sandbox.Fault(kPhoto, R"({"stallAfter":10,"stallMs":1500})");
-    ChildProcess unloading(L"leaving-host.exe", L"unload" + arguments);
+    ChildProcess unloading(L"leaving-host.exe", arguments(L"unload"));
     EXPECT_EQ(unloading.Finish(), 42) << unloading.m_output << unloading.m_error;
 }
 

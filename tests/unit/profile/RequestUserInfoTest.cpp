@@ -1,8 +1,6 @@
-#include <chrono>
+#include <atomic>
 #include <fstream>
 #include <iterator>
-#include <optional>
-#include <thread>
 
 #include "ServiceFixture.h"
 
@@ -19,34 +17,59 @@ protected:
     RequestUserInfoTest()
         : m_window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
         Recording().mainWindow = m_window;
-        Recording().appDataFolder = (std::filesystem::temp_directory_path() / L"userauth \u0E2D\u0416").wstring();
+        Singleton().SetCurrentAT(L"singleton token");
+        m_service->SetCurrentAT(L"own token");
+        Recording().appDataFolder = (std::filesystem::temp_directory_path() /
+                                     (L"userauth \u0E2D\u0416 " + std::to_wstring(GetCurrentProcessId())))
+                                        .wstring();
         std::filesystem::create_directories(Recording().appDataFolder);
         std::ofstream(Portrait(), std::ios::binary) << "old portrait, longer than any below";
         m_service->SetCurrentUserHeadImageLocalPath(L"old path");
         Recording().journal.clear();
     }
-    ~RequestUserInfoTest() override { DestroyWindow(m_window); }
+    ~RequestUserInfoTest() override {
+        DestroyWindow(m_window);
+        std::error_code ignored;
+        std::filesystem::remove_all(Recording().appDataFolder, ignored);
+    }
 
     static std::filesystem::path Portrait() {
         return std::filesystem::path(Recording().appDataFolder) / "HeadPortrait";
     }
 
-    // Messages that arrived until the wanted number is there, and 50 ms more to see one too many.
+    // Messages until the wanted number is there, then one more look. A message of the calling thread is there at once.
     int Messages(int wanted) {
         int count = 0;
-        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(wanted == 0 ? 0 : 10);
-        MSG message{};
-        while (std::chrono::steady_clock::now() < deadline) {
+        const ULONGLONG deadline = GetTickCount64() + 10000;
+        do {
+            MSG message{};
             while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
                 EXPECT_EQ(message.wParam, 0U);
                 EXPECT_EQ(message.lParam, 0);
-                if (++count == wanted) {
-                    deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
-                }
+                ++count;
             }
             Sleep(1);
-        }
+        } while (count < wanted && GetTickCount64() < deadline);
         return count;
+    }
+
+    // Whether nobody has the portrait open.
+    static bool IsClosed() {
+        const HANDLE file = CreateFileW(Portrait().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (file == INVALID_HANDLE_VALUE) {
+            EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+            return false;
+        }
+        CloseHandle(file);
+        return true;
+    }
+
+    static std::string PortraitOnceClosed() {
+        for (int tries = 0; tries < 1000 && !IsClosed(); ++tries) {
+            Sleep(5);
+        }
+        std::ifstream file(Portrait(), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     HWND m_window;
@@ -91,9 +114,7 @@ TEST_F(RequestUserInfoTest, Outcomes) {
         EXPECT_EQ(m_service->RequestUserInfo(), row.result) << row.name;
         EXPECT_EQ(Messages(row.messages), row.messages) << row.name;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), row.path) << row.name;
-        std::ifstream file(Portrait(), std::ios::binary);
-        EXPECT_EQ((std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()}), row.file)
-            << row.name;
+        EXPECT_EQ(PortraitOnceClosed(), row.file) << row.name;
         const std::string status = std::to_string(row.status);
         Lines expected = Summary(status);
         if (!row.result) {
@@ -111,6 +132,8 @@ TEST_F(RequestUserInfoTest, Outcomes) {
         }
         EXPECT_EQ(Recording().TakeOutcome(), expected) << row.name;
     }
+    EXPECT_EQ(Recording().requestHeaders,
+              (std::map<std::wstring, std::wstring>{{L"Authorization", L"Bearer singleton token"}}));
 }
 
 TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
@@ -126,16 +149,46 @@ TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
     }
 }
 
-TEST_F(RequestUserInfoTest, TwoDownloadsAtOnceAndNoWindowAreSurvived) {
-    Recording().mainWindow = nullptr;
-    const ScriptedReply profile = {200, "{" + kLink + "}", {}};
-    for (int round = 0; round < 20; ++round) {
-        Recording().replies = {profile};
-        EXPECT_TRUE(m_service->RequestUserInfo());
-    }
-    Recording().mainWindow = m_window;
-    Recording().replies = {profile};
+// A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only overwritten.
+TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
+    const std::filesystem::path link = Portrait().parent_path() / "link";
+    ASSERT_TRUE(CreateHardLinkW(link.c_str(), Portrait().c_str(), nullptr));
+    bool openAtMessage = false;
+    Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
+    Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
-    EXPECT_GE(Messages(1), 1);
-    Sleep(200);
+    EXPECT_EQ(Messages(1), 1);
+    EXPECT_TRUE(openAtMessage);
+    EXPECT_EQ(PortraitOnceClosed(), "new");
+    std::ifstream kept(link, std::ios::binary);
+    EXPECT_EQ((std::string{std::istreambuf_iterator<char>(kept), std::istreambuf_iterator<char>()}).substr(0, 12),
+              "old portrait");
+}
+
+TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
+    std::atomic<int> inside{0};
+    Recording().duringExchange = [&](const std::wstring& url) {
+        const ULONGLONG deadline = GetTickCount64() + 10000;
+        if (url == L"https://p/\u00C3\u00A9") {
+            ++inside;
+            while (inside < 2 && GetTickCount64() < deadline) {
+                Sleep(1);
+            }
+        }
+    };
+    Recording().repliesByUrl[L"https://p/\u00C3\u00A9"] = {200, std::string(100000, 'x'), {}};
+    Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "{" + kLink + "}", {}}};
+    EXPECT_TRUE(m_service->RequestUserInfo());
+    EXPECT_TRUE(m_service->RequestUserInfo());
+    EXPECT_EQ(Messages(2), 2);
+    EXPECT_EQ(inside, 2);
+    EXPECT_EQ(PortraitOnceClosed().size(), 100000U);
+}
+
+TEST_F(RequestUserInfoTest, WithoutAWindowNothingIsPosted) {
+    Recording().mainWindow = nullptr;
+    Recording().replies = {{200, "{}", {}}};
+    EXPECT_TRUE(m_service->RequestUserInfo());
+    MSG message{};
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, kPortraitChanged, kPortraitChanged, PM_REMOVE));
 }

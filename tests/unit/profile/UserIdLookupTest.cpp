@@ -6,13 +6,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// The lookups read the token from the singleton; the SDK's load line and its module belong to its first use.
-UserAuthService& Singleton() {
-    UserAuthService& service = *UserAuthService::GetInstance();
-    UserAuthServiceAccess::Unload(service);
-    return service;
-}
-
 }  // namespace
 
 TEST_F(ServiceTest, RequestUserIDReadsTheAnsiId) {

@@ -117,7 +117,7 @@ TEST_F(UserAuthRequestTest, ReplyTextIsBoundedAt40959Bytes) {
 }
 
 TEST_F(UserAuthRequestTest, NothingThatTheSuiteThrowsLeavesASend) {
-    Recording().duringExchange = [] { throw 1; };
+    Recording().duringExchange = [](const std::wstring&) { throw 1; };
     m_result->nHttpCode = 200;
     m_result->szResponse[0] = 'x';
     m_request.SendWebRequest(*m_result);

@@ -103,6 +103,15 @@ TEST_F(Refresh, WithoutCallbackThereIsNoLineForIt) {
     EXPECT_EQ(Recording().TakeOutcome(), (Lines{kStart, kEvent, Failed("200")}));
 }
 
+TEST_F(Refresh, TheCallbackKeepsWhatItCounts) {
+    std::vector<int> seen;
+    m_service->SetAtExpireCallback([&seen, n = 0]() mutable { seen.push_back(++n); });
+    Recording().replies = {{200, "{}", {}}, {200, "{}", {}}};
+    m_service->GetAccessTokenByRefrshToken();
+    m_service->GetAccessTokenByRefrshToken();
+    EXPECT_EQ(seen, (std::vector<int>{1, 2}));
+}
+
 TEST_F(Refresh, TheCallbackMayDoAnything) {
     const std::thread::id caller = std::this_thread::get_id();
     bool nested = false;
@@ -111,6 +120,8 @@ TEST_F(Refresh, TheCallbackMayDoAnything) {
         m_service->SetCurrentAT(L"set inside");
         std::thread([&] { EXPECT_EQ(m_service->GetCurrentAT(), L"set inside"); }).join();
         m_service->SetAtExpireCallback(nullptr);
+        m_service->Clear();
+        m_service->SetCurrentRT(L"again");
         nested = m_service->GetAccessTokenByRefrshToken();
         throw 1;
     });
@@ -123,7 +134,7 @@ TEST_F(Refresh, TheCallbackMayDoAnything) {
 
 TEST_F(Refresh, HoldsNoLockDuringTheExchange) {
     bool entered = false;
-    Recording().duringExchange = [&] {
+    Recording().duringExchange = [&](const std::wstring&) {
         entered = true;
         m_service->Clear();
         std::thread([&] { m_service->GetCurrentRT(); }).join();

@@ -125,7 +125,7 @@ TEST_F(ServiceTest, RequestATKeepsWhatAFailingPathDoesNotReach) {
 // Getters and Clear must answer in the middle of an exchange, on other threads and on this one.
 TEST_F(ServiceTest, RequestATHoldsNoLockDuringTheExchange) {
     bool entered = false;
-    Recording().duringExchange = [&] {
+    Recording().duringExchange = [&](const std::wstring&) {
         entered = true;
         m_service->Clear();
         std::thread([&] { m_service->GetCurrentAT(); }).join();
