@@ -66,7 +66,7 @@ std::string CheckedUrl(std::string url, const char* option) {
 }
 
 std::filesystem::path CheckedFile(const std::string& file, const char* option) {
-    const std::filesystem::path path = ToWide(file);
+    std::filesystem::path path = ToWide(file);
     std::error_code error;
     if (!path.empty() && !std::filesystem::is_regular_file(path, error)) {
         Refuse(std::string(option) + ": no such file: " + file);

@@ -9,7 +9,8 @@ BEGIN {
   # Room -> rooms that it may include besides itself.
   sees["include"] = ""
   sees["suite/include"] = ""
-  sees["suite"] = "suite/include"
+  sees["suite/platform"] = ""
+  sees["suite"] = "suite/include suite/platform"
   sees["src/core"] = "include suite/include"
   sees["src/request"] = "include suite/include src/core"
   sees["src/other"] = "include suite/include src/core src/request"

@@ -27,7 +27,7 @@ void ModuleReference::ReleaseWhenThisThreadHasEnded() {
     HANDLE thread = nullptr;
     const HANDLE process = GetCurrentProcess();
     if (DuplicateHandle(process, GetCurrentThread(), process, &thread, SYNCHRONIZE, FALSE, 0) == FALSE) {
-        m_module.release();
+        static_cast<void>(m_module.release());  // stays loaded
         return;
     }
     TP_CALLBACK_ENVIRON environment;
@@ -37,7 +37,7 @@ void ModuleReference::ReleaseWhenThisThreadHasEnded() {
     DestroyThreadpoolEnvironment(&environment);
     if (submitted == FALSE) {
         CloseHandle(thread);
-        m_module.release();
+        static_cast<void>(m_module.release());  // stays loaded
         return;
     }
     m_module.reset();

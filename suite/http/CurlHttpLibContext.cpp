@@ -36,7 +36,7 @@ void DropExceptions(Call call) {
 
 // Empty parts for a URL that is refused.
 UrlParts PartsOf(const std::wstring& url) {
-    const std::optional<std::string> escaped = EscapeUrl(ToUtf8(url));
+    const std::optional<std::string> escaped = EscapeUrl(Utf8FromWide(url));
     return (escaped ? ParseUrl(*escaped) : std::nullopt).value_or(UrlParts());
 }
 
@@ -65,7 +65,7 @@ std::wstring FinishText(const HttpExchange& exchange) {
 }
 
 std::wstring FailureText(const HttpExchange& exchange, const std::string& host, const std::string& cause) {
-    return L"HTTP: " + exchange.method + L" " + FromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
+    return L"HTTP: " + exchange.method + L" " + WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
 }
 
 void Observe(const HttpExchange& exchange) {
@@ -84,7 +84,7 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     const UrlParts url = PartsOf(strategy.Url());
     HttpExchange exchange;
     exchange.method = strategy.Method() == HttpRequestMethod::kPost ? L"POST" : L"GET";
-    exchange.url = FromUtf8(url.display);
+    exchange.url = WideFromUtf8(url.display);
     DropExceptions([&] { strategy.Log(L"HTTP: " + exchange.method + L" " + exchange.url + L" started"); });
     ExchangeOutcome outcome;
     try {

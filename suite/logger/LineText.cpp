@@ -1,6 +1,7 @@
 #include "LineText.h"
 
 #include "Logger.h"
+#include "Utf8Text.h"
 
 namespace {
 
@@ -31,6 +32,15 @@ std::string EscapeUnicodeControl(std::string_view rest, std::size_t& bytes) {
 }
 
 }  // namespace
+
+std::string LogTextOf(std::wstring_view text) {
+    constexpr std::size_t kMaxUnits = 64 * 1024;
+    std::string kept = Utf8FromWide(text.substr(0, kMaxUnits));
+    if (text.size() > kMaxUnits) {
+        kept += " [cut: " + std::to_string(text.size() - kMaxUnits) + " more]";
+    }
+    return kept;
+}
 
 std::string SeverityName(int severity) {
     switch (severity) {

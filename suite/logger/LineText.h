@@ -6,6 +6,9 @@
 // "summary", "progress", "failure", or the number of any other severity.
 std::string SeverityName(int severity);
 
+// UTF-8 of a message. Texts beyond 64 Ki units are cut and say so.
+std::string LogTextOf(std::wstring_view text);
+
 // The text as it may stand in a log file: line breaks are followed by an indentation, so that no message can forge a
 // line of its own; other control characters and the Unicode line separators are written as \xNN and \uNNNN. Tabs stay.
 std::string EscapeForLog(std::string_view text);

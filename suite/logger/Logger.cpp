@@ -12,7 +12,6 @@
 #include "LogPipeline.h"
 #include "OperationLine.h"
 #include "ProcessState.h"
-#include "Utf8Text.h"
 
 namespace {
 
@@ -45,7 +44,7 @@ void Replace(std::unique_ptr<LogPipeline> pipeline) {
 std::string LineOf(int moduleType, int severity, int line, const std::string& functionTag,
                    const std::wstring& message) {
     return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + functionTag + ":" +
-           std::to_string(line) + " " + Utf8FromWide(message);
+           std::to_string(line) + " " + LogTextOf(message);
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "LineText.h"
 #include "MaskSecrets.h"
-#include "Utf8Text.h"
 
 namespace {
 
@@ -32,8 +32,8 @@ std::string CurrentTimeUtc() {
 Json::Value MaskedExtra(const std::map<std::wstring, std::wstring>& extraInformation) {
     Json::Value extra(Json::objectValue);
     for (const auto& [wideName, wideText] : extraInformation) {
-        const std::string name = Utf8FromWide(wideName);
-        extra[MaskSecrets(name)] = IsSecretName(name) ? "***" : MaskSecrets(Utf8FromWide(wideText));
+        const std::string name = LogTextOf(wideName);
+        extra[MaskSecrets(name)] = IsSecretName(name) ? "***" : MaskSecrets(LogTextOf(wideText));
     }
     return extra;
 }

@@ -5,7 +5,7 @@
 
 #include "ConfigurationText.h"
 #include "SettingRules.h"
-#include "WideText.h"
+#include "Utf8Text.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ private:
         if (const char* reason = check(text)) {
             return Fail(value, key, reason);
         }
-        std::optional<std::wstring> wide = WideFromUtf8(text);  // an escaped lone surrogate gets past the parser
+        std::optional<std::wstring> wide = WideFromValidUtf8(text);  // an escaped lone surrogate gets past the parser
         if (!wide) {
             return Fail(value, key, "is not valid Unicode");
         }

@@ -5,8 +5,9 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <utility>
 
-#include "WideText.h"
+#include "Utf8Text.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ std::string ParserError(const std::string& text) {
 
 }  // namespace
 
-ConfigurationText::ConfigurationText(const std::wstring& file) : m_file(file) {}
+ConfigurationText::ConfigurationText(std::wstring file) : m_file(std::move(file)) {}
 
 bool ConfigurationText::Read(std::string& error) {
     return ReadBytes(error) && Parse(error);
@@ -54,7 +55,7 @@ bool ConfigurationText::ReadBytes(std::string& error) {
         reason = "cannot be read";
     } else if (m_text.size() > kMaxFileBytes) {
         reason = "larger than 1 MiB";
-    } else if (!WideFromUtf8(m_text)) {
+    } else if (!WideFromValidUtf8(m_text)) {
         reason = "not valid UTF-8";
     }
     if (reason != nullptr) {

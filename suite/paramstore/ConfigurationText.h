@@ -8,7 +8,7 @@
 // "FILE: reason" when they have no line.
 class ConfigurationText {
 public:
-    explicit ConfigurationText(const std::wstring& file);
+    explicit ConfigurationText(std::wstring file);
 
     // Reads and parses the file: UTF-8, at most 1 MiB, an object at the root, no duplicate keys. Comments are allowed.
     bool Read(std::string& error);

@@ -140,7 +140,7 @@ std::string RawServer::Receive(std::uintptr_t connection, std::string& pending) 
 
 RawReply RawServer::Record(const std::string& request) {
     const std::lock_guard<std::mutex> hold(m_lock);
-    const RawReply reply = m_script[std::min(m_requests.size(), m_script.size() - 1)];
+    RawReply reply = m_script[std::min(m_requests.size(), m_script.size() - 1)];
     m_requests.push_back(request);
     return reply;
 }

@@ -53,7 +53,7 @@ void OnNotification(MessageType type, char* first, char*) {
 
 std::filesystem::path TestFolder() {
     static int number = 0;
-    const std::filesystem::path folder =
+    std::filesystem::path folder =
         std::filesystem::temp_directory_path() /
         (L"userauth-\u0E17\u0E14-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number));
     std::filesystem::create_directories(folder);

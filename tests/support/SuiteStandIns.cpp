@@ -122,17 +122,17 @@ std::wstring GlobalParamWrapper::GetCountryCode() const {
 std::wstring GlobalParamWrapper::GetZvClientMode() const {
     return L"1";
 }
-void GlobalParamWrapper::SetCurrentAt(const std::wstring& value) {
-    Push("SetCurrentAt", value);
+void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
+    Push("SetCurrentAt", accessToken);
 }
-void GlobalParamWrapper::SetCurrentRt(const std::wstring& value) {
-    Push("SetCurrentRt", value);
+void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
+    Push("SetCurrentRt", refreshToken);
 }
-void GlobalParamWrapper::SetUserID(const std::wstring& value) {
-    Push("SetUserID", value);
+void GlobalParamWrapper::SetUserID(const std::wstring& userId) {
+    Push("SetUserID", userId);
 }
-void GlobalParamWrapper::SetAppAT(const std::wstring& value) {
-    Push("SetAppAT", value);
+void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
+    Push("SetAppAT", applicationAccessToken);
 }
 void GlobalParamWrapper::SetAtIsExpired(bool expired) {
     Push("SetAtIsExpired", expired ? L"true" : L"false");

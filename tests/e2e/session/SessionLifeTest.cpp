@@ -262,6 +262,7 @@ TEST_F(SessionLife, HostsLeaveDuringADownload) {
             UsePlatform(m_sandbox.m_https);  // the other half leaves TLS connections behind
         }
         std::vector<std::unique_ptr<ChildProcess>> hosts;
+        hosts.reserve(kAtOnce);
         for (int index = 0; index < kAtOnce; ++index) {
             hosts.push_back(std::make_unique<ChildProcess>(L"leaving-host.exe",
                                                            arguments(index % 2 == 0 ? L"return" : L"exit-process")));

@@ -150,6 +150,7 @@ TEST_F(LoggerTest, ThreadsMayLogWhileTheLoggerIsShutDownAndConfigured) {
     std::atomic<bool> stop{false};
     std::atomic<int> written{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             while (!stop) {

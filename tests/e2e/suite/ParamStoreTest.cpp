@@ -12,13 +12,13 @@ namespace fs = std::filesystem;
 
 // A folder with non-ASCII characters in its name, which is part of every case.
 fs::path Folder() {
-    const fs::path folder = fs::temp_directory_path() / L"store \u00E9\u4E2D";
+    fs::path folder = fs::temp_directory_path() / L"store \u00E9\u4E2D";
     fs::create_directories(folder);
     return folder;
 }
 
 fs::path WriteFile(const wchar_t* name, const std::string& text) {
-    const fs::path file = Folder() / name;
+    fs::path file = Folder() / name;
     std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
     return file;
 }

@@ -36,7 +36,7 @@ TEST_F(ServiceTest, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
     // The first digit is drawn modulo 8, the others modulo 9, from a generator seeded with the second.
     std::srand(static_cast<unsigned>(second));
     for (std::size_t index = 0; index < first.size(); ++index) {
-        ASSERT_EQ(first[index], L'0' + std::rand() % (index == 0 ? 8 : 9)) << index;
+        ASSERT_EQ(first[index], L'0' + std::rand() % (index == 0 ? 8 : 9)) << index;  // NOLINT(cert-msc50-cpp)
     }
     EXPECT_EQ(first.size(), 2000U);
 }
