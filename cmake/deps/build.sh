@@ -95,7 +95,7 @@ build_one() {
       . "$here/recipes/$name.sh"
       for need in $needs; do build_one "$need"; done
       say "building $name $version ($minutes)"
-      work=$cache/work/$name
+      work=$cache/building/$name
       final=$prefix
       prefix=$work/install
       rm -rf "$work"

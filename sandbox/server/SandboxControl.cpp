@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "../SignInContract.h"
 #include "JsonText.h"
 #include "WireConstants.h"
 

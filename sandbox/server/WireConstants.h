@@ -39,22 +39,6 @@ inline constexpr unsigned kCommandCodeExchange = 10006;
 inline constexpr unsigned kCommandApplicationToken = 10006;
 inline constexpr unsigned kCommandRegistration = 12003;
 
-// Sign-in of the account SDK. The trailing space of the scopes and the location text, which is no JSON, are what the
-// client sends.
-inline constexpr std::string_view kSignInScopes =
-    "https://www.example.com/auth/account/base.profile "
-    "https://www.example.com/auth/account/devicelist "
-    "https://www.example.com/auth/drive "
-    "https://www.example.com/auth/cloudphoto "
-    "openid "
-    "https://www.example.com/auth/account/country "
-    "https://www.example.com/auth/cloudbackup "
-    "https://www.example.com/auth/drive/extension "
-    "https://www.example.com/auth/clouddatasync "
-    "https://www.example.com/auth/account/account.flags "
-    "https://www.example.com/auth/account/realname/state ";
-inline constexpr std::string_view kSignInLocation = "{\"LocationX\":,\"LocationY\":}";
-
 // Paths.
 inline constexpr std::string_view kPathCodeExchange = "/pcclient/getAccessTokenByCode";
 inline constexpr std::string_view kPathRefresh = "/pcclient/refreshtoken";

@@ -103,7 +103,7 @@ TEST(LoadZMSSDKLibrary, WithoutTheSdkABoxShowsTheErrorAndTheServiceLives) {
 
 TEST(LoadZMSSDKLibrary, MissingExportsLeaveOnlyTheirOwnPointersNull) {
     const struct {
-        const char* library;
+        const char* sdk;
         std::vector<bool> resolved;
     } rows[] = {
         {"scripted-sdk.dll", std::vector<bool>(10, true)},
@@ -111,11 +111,11 @@ TEST(LoadZMSSDKLibrary, MissingExportsLeaveOnlyTheirOwnPointersNull) {
     };
     for (const auto& row : rows) {
         Recording() = SuiteRecording();
-        const InstalledSdk sdk(row.library);
+        const InstalledSdk sdk(row.sdk);
         const auto service = UserAuthServiceAccess::Make();
-        EXPECT_TRUE(UserAuthServiceAccess::SdkLoaded(*service)) << row.library;
-        EXPECT_EQ(Resolved(UserAuthServiceAccess::Sdk(*service)), row.resolved) << row.library;
-        EXPECT_EQ(Recording().journal, std::vector<std::string>{kLoaded}) << row.library;
+        EXPECT_TRUE(UserAuthServiceAccess::SdkLoaded(*service)) << row.sdk;
+        EXPECT_EQ(Resolved(UserAuthServiceAccess::Sdk(*service)), row.resolved) << row.sdk;
+        EXPECT_EQ(Recording().journal, std::vector<std::string>{kLoaded}) << row.sdk;
     }
 }
 
