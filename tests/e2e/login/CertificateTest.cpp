@@ -38,6 +38,8 @@ TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
 TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     const std::filesystem::path otherAuthority = m_folder / "other.pem";
     SandboxServer wrongName(L"--tls-name wrong.example --ca-file \"" + otherAuthority.wstring() + L"\"");
+    const std::filesystem::path oldAuthority = m_folder / "old.pem";
+    SandboxServer oldTls(L"--tls-max 1.1 --ca-file \"" + oldAuthority.wstring() + L"\"");
     const std::filesystem::path empty = m_folder / "empty.pem";
     WriteFile(empty, "no certificate\n");
     const struct {
@@ -50,6 +52,7 @@ TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
         {"another authority", otherAuthority, m_sandbox.m_https, kHttpCertificateUntrusted},
         {"system store", "", m_sandbox.m_https, kHttpCertificateUntrusted},
         {"wrong name", otherAuthority, wrongName.m_https, kHttpCertificateWrongName},
+        {"TLS 1.1 at most", oldAuthority, oldTls.m_https, kHttpTlsFailed},
         {"no such file", m_folder / "absent.pem", m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"file without certificate", empty, m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"no TLS there", m_folder / "authority.pem", "https" + m_sandbox.m_http.substr(4), kHttpTlsFailed},
