@@ -12,11 +12,7 @@ constexpr int kLifetimeSeconds = 7200;
 
 std::string HeaderFault(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
-    inspection.ExpectCommonFields(kCommandApplicationToken);
-    inspection.ExpectPresent("Authorization");
-    inspection.Expect("Content-Type", kJsonContentType);
-    inspection.ExpectContentLength(request.body.size());
-    inspection.RefuseOtherPlatformFields();
+    inspection.ExpectAuthorizedFields(kCommandApplicationToken, request.body.size());
     return inspection.Reason();
 }
 

@@ -78,6 +78,14 @@ void HeaderInspection::ExpectCommonFields(unsigned traceCommand) {
     ExpectClientMode();
 }
 
+void HeaderInspection::ExpectAuthorizedFields(unsigned traceCommand, std::size_t bodySize) {
+    ExpectCommonFields(traceCommand);
+    ExpectPresent("Authorization");
+    Expect("Content-Type", kJsonContentType);
+    ExpectContentLength(bodySize);
+    RefuseOtherPlatformFields();
+}
+
 void HeaderInspection::Expect(std::string_view name, std::string_view value) {
     const auto found = TakeSingle(name);
     if (found && *found != value) {

@@ -18,6 +18,9 @@ public:
 
     // The fourteen fields that every account request carries; the trace id must be one of traceCommand.
     void ExpectCommonFields(unsigned traceCommand);
+    // The whole set of a signed-in request with a JSON body and no other platform field; the value of Authorization is
+    // the caller's to judge.
+    void ExpectAuthorizedFields(unsigned traceCommand, std::size_t bodySize);
     void Expect(std::string_view name, std::string_view value);
     // With any value, an empty one included.
     void ExpectPresent(std::string_view name);

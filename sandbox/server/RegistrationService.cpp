@@ -12,11 +12,7 @@ constexpr const char* kMemberCountry = "registerCountryCode";
 
 std::string HeaderFault(const PlatformRequest& request, const EncodedAuthorization& authorization) {
     HeaderInspection inspection(request.head);
-    inspection.ExpectCommonFields(kCommandRegistration);
-    inspection.ExpectPresent("Authorization");
-    inspection.Expect("Content-Type", kJsonContentType);
-    inspection.ExpectContentLength(request.body.size());
-    inspection.RefuseOtherPlatformFields();
+    inspection.ExpectAuthorizedFields(kCommandRegistration, request.body.size());
     return !inspection.Reason().empty() || authorization.fault.empty() ? inspection.Reason()
                                                                        : "Authorization " + authorization.fault;
 }

@@ -4,12 +4,11 @@
 #include "request/UserAuthRequest.h"
 
 std::string UserAuthService::GetRtqRemoteInfo(std::wstring url, std::map<std::string, std::string>& headers) try {
-    constexpr int kHttpOk = 200;
     UserAuthRequest request;
     request.SetGetRequest(std::move(url));
     WebRequestResult result;
     request.SendWebRequest(result, headers);
-    return result.nHttpCode == kHttpOk ? result.szResponse : std::string();
+    return result.nHttpCode == userauth::kHttpOk ? result.szResponse : std::string();
 } catch (...) {
     return {};
 }

@@ -14,8 +14,6 @@
 namespace userauth {
 namespace {
 
-constexpr int kHttpOk = 200;
-
 // The file outlives request and handler: it is closed last, after the message was posted. A receiver must tolerate a
 // file that is still being flushed.
 void Run(const PortraitDownload& download) {

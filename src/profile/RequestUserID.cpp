@@ -8,7 +8,6 @@
 #include "request/UserAuthRequest.h"
 
 bool UserAuthService::RequestUserID() try {
-    constexpr int kHttpOk = 200;
     const std::wstring url = GlobalParamWrapper::GetInstance()->GetGWUrl() + L"?access_token=" +
                              userauth::UrlEncode(GetCurrentAT()) +
                              L"&nsp_fmt=JSON&nsp_svc=zorvan.oauth2.user.getTokenInfo&open_id=OPENID";
@@ -20,7 +19,7 @@ bool UserAuthService::RequestUserID() try {
     // The URL carries the access token, and so does the line; the logger's sinks mask it.
     userauth::WriteLog(kSeveritySummary, __LINE__, "UserAuthService::RequestUserID",
                        userauth::SummaryLine("RequestUserID", url, result.nHttpCode));
-    if (result.nHttpCode != kHttpOk) {
+    if (result.nHttpCode != userauth::kHttpOk) {
         return false;
     }
     // The gateway's id is read in the ANSI code page, the sync server's in UTF-8: deliberately different.

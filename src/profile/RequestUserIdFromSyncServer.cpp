@@ -9,7 +9,6 @@
 
 bool UserAuthService::RequestUserIdFromSyncServer() try {
     constexpr char kTag[] = "UserAuthService::RequestUserIdFromSyncServer";
-    constexpr int kHttpOk = 200;
     const std::wstring url =
         GlobalParamWrapper::GetInstance()->GetSyncServerUrl() + L"/drive/v1/about?fields=user(userId)";
     UserAuthRequest request;
@@ -20,7 +19,7 @@ bool UserAuthService::RequestUserIdFromSyncServer() try {
     userauth::WriteLog(kSeverityProgress, __LINE__, kTag,
                        L"RequestUserId httpcode=" + std::to_wstring(result.nHttpCode));
     userauth::WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("RequestUserId", url, result.nHttpCode));
-    if (result.nHttpCode != kHttpOk) {
+    if (result.nHttpCode != userauth::kHttpOk) {
         return false;
     }
     const userauth::Reply reply(result.szResponse);

@@ -20,7 +20,6 @@ using userauth::MultiByteToWide;
 using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::RequestUserInfo";
-constexpr int kHttpOk = 200;
 
 // Business event of the profile request: basic event, operation, action.
 constexpr int kEventUserInfo[] = {251, 5, 0};
@@ -44,7 +43,7 @@ bool UserAuthService::RequestUserInfo() try {
     // One file without extension, whatever the image type.
     const std::wstring portraitPath = GlobalParamWrapper::GetInstance()->GetAppDataLocalPath() + L"\\HeadPortrait";
     const WebRequestResult result = SendProfileRequest(GetInstance()->GetCurrentAT());
-    if (result.nHttpCode != kHttpOk) {
+    if (result.nHttpCode != userauth::kHttpOk) {
         WriteLog(kSeverityFailure, __LINE__, kTag,
                  L"Error: GetUserInfo failed, httpcode = " + std::to_wstring(result.nHttpCode));
         return false;

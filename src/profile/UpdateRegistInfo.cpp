@@ -14,7 +14,6 @@ namespace {
 using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::UpdateRegistInfo";
-constexpr int kHttpOk = 200;
 
 JsonData Body(const std::string& countryCode, const std::wstring& traceId) {
     Json::Value body(Json::objectValue);
@@ -38,7 +37,7 @@ bool UserAuthService::UpdateRegistInfo() try {
     WriteLog(kSeverityProgress, __LINE__, kTag, L"UpdateRegistInfo httpcode:" + std::to_wstring(result.nHttpCode));
     WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("UpdateRegistInfo", url, result.nHttpCode));
     const userauth::Reply reply(result.szResponse);
-    if (result.nHttpCode != kHttpOk || reply.Member("result").Text("code") != "0") {
+    if (result.nHttpCode != userauth::kHttpOk || reply.Member("result").Text("code") != "0") {
         WriteLog(kSeverityFailure, __LINE__, kTag,
                  L"Error: UpdateRegistInfo failed, httpcode = " + std::to_wstring(result.nHttpCode));
         return false;

@@ -8,6 +8,13 @@
 
 #include "request/JsonData.h"
 
+namespace userauth {
+
+// The one status that the operations count as success.
+inline constexpr std::int32_t kHttpOk = 200;
+
+}  // namespace userauth
+
 // Outcome of one exchange.
 struct WebRequestResult {
     static constexpr std::size_t kResponseBytes = 40960;
@@ -20,8 +27,8 @@ struct WebRequestResult {
 };
 
 // One outgoing request, used by one thread from construction to destruction. Sends block for the whole exchange and
-// never throw; what the status and the text mean is the caller's business. Texts go to the HTTP library through code
-// page 0.
+// never throw; what the status and the text mean is the caller's business. Body and certificate path go to the HTTP
+// library through code page 0. The order of the members is meant: they are released URL first and body last.
 class UserAuthRequest {
 public:
     using HeaderMap = std::map<std::wstring, std::wstring>;

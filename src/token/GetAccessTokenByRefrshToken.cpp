@@ -12,7 +12,6 @@ namespace {
 using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::GetAccessTokenByRefrshToken";
-constexpr int kHttpOk = 200;
 
 // Business event of the refresh: basic event, operation, action.
 constexpr int kEventRefresh[] = {321, 0, 0};
@@ -64,7 +63,7 @@ const bool UserAuthService::GetAccessTokenByRefrshToken() try {
     const userauth::Reply reply(result.szResponse);
     Logger::OutputOperationLog(kEventRefresh[0], kEventRefresh[1], kEventRefresh[2]);
 
-    if (result.nHttpCode == kHttpOk) {
+    if (result.nHttpCode == userauth::kHttpOk) {
         // Of "result" only the presence counts. The reply carries no refresh token; the stored one stays.
         const std::wstring accessToken =
             reply.Has("result") ? userauth::MultiByteToWide(reply.Text("token"), userauth::kAnsiCodePage) : L"";

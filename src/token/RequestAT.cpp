@@ -22,7 +22,6 @@ using userauth::WideToMultiByte;
 using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::RequestAT";
-constexpr int kHttpOk = 200;
 
 // Business event of the code exchange: basic event, operation, action.
 constexpr int kEventRequestAT[] = {250, 5, 0};
@@ -87,7 +86,7 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
     // The line names another operation than this one: kept, log evaluations look for it.
     WriteLog(kSeverityProgress, __LINE__, kTag, L"RequestCountryCode httpcode:" + std::to_wstring(result.nHttpCode));
     bool succeeded = false;
-    if (result.nHttpCode == kHttpOk) {
+    if (result.nHttpCode == userauth::kHttpOk) {
         const CodeExchangeReply reply = ReadReply(result.szResponse);
         SetCurrentAT(reply.accessToken);
         SetCurrentRT(reply.refreshToken);

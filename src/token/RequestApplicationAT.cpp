@@ -12,7 +12,6 @@ namespace {
 using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::RequestApplicationAT";
-constexpr int kHttpOk = 200;
 
 }  // namespace
 
@@ -26,7 +25,7 @@ bool UserAuthService::RequestApplicationAT() try {
     request.SendWebRequest(result);
 
     bool succeeded = false;
-    if (result.nHttpCode == kHttpOk) {
+    if (result.nHttpCode == userauth::kHttpOk) {
         const userauth::Reply reply(result.szResponse);
         store->SetAppAT(userauth::MultiByteToWide(reply.Text("accessToken"), userauth::kAnsiCodePage));
         const std::string styledCode = reply.Member("result").StyledText("code");

@@ -6,16 +6,18 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+struct Row {
+    const char* name;
+    int status;
+    std::string body;
+    bool result;
+    Lines pushed;
+};
+
 }  // namespace
 
 TEST_F(ServiceTest, RequestUserIDReadsTheAnsiId) {
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
-        Lines pushed;
-    } rows[] = {
+    const Row rows[] = {
         {"id", 200, "{\"uid\":\"\xC3\xA9\"}", true, {"store SetUserID \xC3\x83\xC2\xA9"}},
         {"empty id clears", 200, R"({"uid":""})", true, {"store SetUserID "}},
         {"mistyped id clears", 200, R"({"uid":7})", true, {"store SetUserID "}},
@@ -40,13 +42,7 @@ TEST_F(ServiceTest, RequestUserIDReadsTheAnsiId) {
 }
 
 TEST_F(ServiceTest, RequestUserIdFromSyncServerReadsTheUtf8Id) {
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
-        Lines pushed;
-    } rows[] = {
+    const Row rows[] = {
         {"id",
          200,
          "{\"user\":{\"userId\":\"\xF0\x9F\x98\x80\xC3\xA9\"}}",
