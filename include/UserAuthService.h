@@ -81,7 +81,11 @@ public:
 
     // == Account state read without the lock, by design ==
     //
-    // The host orders these itself: it reads them after the operation that writes them has returned.
+    // The host orders these itself: it reads them after the operation that writes them has returned, on the same thread
+    // or with an ordering of its own, and does not run two writers of one of them at once. The writers are:
+    // country code: RequestAT; language type, privilege: UpdateRegistInfo; client-log flag: UpdateRegistInfo,
+    // RequestClientLogReport; activation: InitSysConf, ActiveUser; available country, valid modules: InitSysConf.
+    // InitSysConf and ActiveUser read the country code without the lock too: not while RequestAT runs.
 
     std::string GetCountryCode();  // UTF-8
     std::string GetLanguageType() const;
@@ -118,6 +122,12 @@ public:
     // every 200.
     bool RequestApplicationAT();
 
+    // Takes over the sign-in of an earlier client version: restores the refresh token that it left in the configuration
+    // store, protected for this user of this machine, refreshes the access token with it and looks up the user id.
+    // Returns that id; empty when there is no usable legacy sign-in or one of the steps failed. A restored refresh token
+    // stays then. The store's item stays as it is, and its age is not looked at.
+    std::wstring GetOldVersionUserId();
+
     // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
     // with "_" between them. Two calls for one command within a second give the same id.
     std::wstring GetTraceID(BaseCmd command);
@@ -149,6 +159,36 @@ public:
 
     // Whether the registration country that RequestAT stored is "CN". Any thread.
     bool IsChinaAccount();
+
+    // == System configuration, reports, login devices ==
+
+    // Fetches the system configuration and takes from it whether the client is available in the account's country,
+    // whether the account is activated and which modules are switched on. True when the server answered 200 or 201 with
+    // JSON; otherwise everything stays as it was. What the document does not say reads as not available and no modules;
+    // the activation stays then.
+    bool InitSysConf();
+
+    // Asks the server to look at the account's activation again. True when it answered 200 or 201 and told the state,
+    // which IsActiveAccount then gives; otherwise that stays as it was.
+    bool ActiveUser();
+
+    // Reports that the client has finished the data initialisation of a business, UTF-8. A failure is in the log only.
+    void ReportLoginTime(std::string business);
+
+    // Asks whether this user's client logs are to be reported; GetClientLogReportStatus then tells. False leaves that
+    // as it was.
+    bool RequestClientLogReport();
+
+    // Appends the devices that signed in to the account lately, in the server's order; devices is not cleared. False,
+    // and nothing appended, unless the server answered 200; a 200 without a usable list is a success without devices.
+    bool GetLoginDevicesHistory(std::vector<DeviceTag>& devices);
+
+    // == Contacts ==
+
+    // Downloads the user's contacts as a vCard file to filePath, whose former content is lost, and logs how many there
+    // are. cookies: names and values of the portal's login. True when the server answered 200, also when the file could
+    // not be written; a failed download leaves the file with what came. Holds the whole file in memory besides.
+    bool ExportContracts(std::wstring url, std::wstring filePath, std::map<std::wstring, std::wstring> cookies);
 
     // == Account SDK ==
     //
@@ -186,6 +226,11 @@ private:
     std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
     std::string GetAuthorizationContents();
     Json::Value StringToJson(std::string text);
+    int GetSysConfigInfo(std::string& reply);
+    void InitPcAvailable(Json::Value& root);
+    bool InitActiveAccount(Json::Value& root);
+    void InitInvalidModules(Json::Value& root);
+    void ContractsCounts(std::string content);
 
     bool m_bSdkLoaded = false;
     std::wstring m_strSdkVersion;   // reserved, read by no operation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 // Which standard header set a request carries; any other value yields the common headers only.
 enum class HeadType : int {
@@ -23,6 +24,19 @@ enum class BaseCmd : int {
 enum class ZvIdErrorType : std::int32_t {
     kSuccess = 0,
     kEntryPointMissing = -1,  // the SDK is not loaded or does not export the entry point
+};
+
+// One device of the login history.
+struct DeviceTag {
+    std::wstring aliasName;
+    std::wstring devDisplayName;
+    std::wstring deviceCategory;
+    std::wstring deviceId;
+    std::wstring reservedText;        // never filled
+    std::wstring lastUpdateTime;      // the server's own text
+    std::wstring opDesc;              // what was reported of the device last
+    std::int32_t reservedNumber = 0;  // never filled
+    std::int32_t deviceType = 0;
 };
 
 // First argument of the notification callback. The values are the account SDK's; these are the ones that the reference

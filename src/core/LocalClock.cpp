@@ -3,17 +3,38 @@
 #include <ctime>
 
 namespace userauth {
+namespace {
 
-std::int64_t CurrentUnixTime() {
+// False when local time cannot be told.
+bool ReadLocalTime(std::tm& local) {
 #if defined(_WIN32)
     const __time64_t now = _time64(nullptr);
-    std::tm local{};
-    return _localtime64_s(&local, &now) != 0 ? 0 : _mktime64(&local);
+    return _localtime64_s(&local, &now) == 0;
 #else
     const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    return localtime_r(&now, &local) == nullptr ? 0 : std::mktime(&local);
+    return localtime_r(&now, &local) != nullptr;
 #endif
+}
+
+}  // namespace
+
+std::int64_t CurrentUnixTime() {
+    std::tm local{};
+    if (!ReadLocalTime(local)) {
+        return 0;
+    }
+#if defined(_WIN32)
+    return _mktime64(&local);
+#else
+    return std::mktime(&local);
+#endif
+}
+
+std::string LocalTimeStamp() {
+    std::tm local{};
+    char stamp[128] = {};
+    return ReadLocalTime(local) ? std::string(stamp, std::strftime(stamp, sizeof(stamp), "%Y-%m-%d %H:%M:%S", &local))
+                                : std::string();
 }
 
 }  // namespace userauth

@@ -3,7 +3,9 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace userauth {
 
@@ -13,6 +15,8 @@ namespace userauth {
 class Reply {
 public:
     explicit Reply(const std::string& text);
+    // Of a document that is parsed already.
+    static Reply Of(const Json::Value& root);
 
     // An object member; a reply without members when it is none.
     Reply Member(const char* name) const;
@@ -28,6 +32,21 @@ public:
 
     // An integral number that fits 32 bits; 3600.0 is one.
     std::int32_t Integer(const char* name) const;
+    // Whether the member is one.
+    bool HasInteger(const char* name) const;
+
+    // As above, of a member that the library would convert: a boolean reads as "true" or "false", a number as its decimal
+    // text; a number is cut to its integral part, a boolean reads as 1 or 0 and null as 0. None when it would not.
+    std::string ConvertedText(const char* name) const;
+    std::optional<std::int32_t> ConvertedInteger(const char* name) const;
+
+    // Whether the member is this number as the library compares: 1.0, "1" and true are not 1.
+    bool Equals(const char* name, std::int32_t number) const;
+
+    // The names of all members, in ascending order.
+    std::vector<std::string> MemberNames() const;
+    // The elements of an array member, in order; none when it is no array.
+    std::vector<Reply> Elements(const char* name) const;
 
     // The member's styled JSON text, of any type: a string keeps its quotes, and a line feed ends it. A member that is
     // not there reads as the text of null.

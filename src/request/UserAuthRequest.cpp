@@ -6,13 +6,11 @@
 
 #include "core/BoundedFormat.h"
 #include "core/JsonText.h"
-#include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/CertificatePath.h"
+#include "request/HttpLogHook.h"
 
 namespace {
-
-constexpr int kDefaultTimeout = -1;
 
 // Each hook logs under its own qualified name; fixed here, because every compiler names a lambda differently.
 constexpr char kCompactLogHook[] = "UserAuthRequest::SendWebRequest::<lambda_1>::operator ()";
@@ -20,16 +18,6 @@ constexpr char kCompactErrorHook[] = "UserAuthRequest::SendWebRequest::<lambda_2
 constexpr char kReplyHeaderLogHook[] = "UserAuthRequest::SendWebRequest::<lambda_3>::operator ()";
 constexpr char kGivenHeaderLogHook[] = "UserAuthRequest::SendWebRequest::<lambda_4>::operator ()";
 constexpr char kDownloadLogHook[] = "UserAuthRequest::SendDownRequest::<lambda_1>::operator ()";
-
-BasicHttpLibStrategy::LogFunction LogHook(LogSeverity severity, const char* functionTag) {
-    return [severity, functionTag](const std::wstring& message) {
-        try {
-            userauth::WriteLog(severity, __LINE__, functionTag, message);
-        } catch (...) {
-            return;  // called from the middle of a transfer, which must not unwind
-        }
-    };
-}
 
 // Runs one exchange and fills the caller's record; what the suite's libraries throw ends here, as "no exchange took
 // place".
@@ -71,17 +59,17 @@ void UserAuthRequest::SetPostRequest(std::wstring url, HeaderMap headers, const 
 void UserAuthRequest::SendWebRequest(WebRequestResult& result) {
     FillResult(result, [this](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(LogHook(kSeveritySummary, kCompactLogHook));
-        m_strategy.SetErrorLogFunction(LogHook(kSeverityFailure, kCompactErrorHook));
+        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kCompactLogHook));
+        m_strategy.SetErrorLogFunction(userauth::HttpLogHook(kSeverityFailure, kCompactErrorHook));
         DescribeBody(m_headers, userauth::WriteCompactLine(m_body.m_value));
-        return CurlHttpLibContext(&m_strategy).Request(response, kDefaultTimeout);
+        return CurlHttpLibContext(&m_strategy).Request(response, userauth::kDefaultTimeout);
     });
 }
 
 void UserAuthRequest::SendWebRequest(WebRequestResult& result, ReplyHeaderMap& replyHeaders) {
     FillResult(result, [this, &replyHeaders](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(LogHook(kSeveritySummary, kReplyHeaderLogHook));
+        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kReplyHeaderLogHook));
         DescribeBody(m_headers, m_body.m_value.toStyledString());
         return CurlHttpLibContext(&m_strategy).Request(response, replyHeaders);
     });
@@ -90,16 +78,16 @@ void UserAuthRequest::SendWebRequest(WebRequestResult& result, ReplyHeaderMap& r
 void UserAuthRequest::SendWebRequest(WebRequestResult& result, const HeaderMap& headers) {
     FillResult(result, [this, &headers](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(LogHook(kSeveritySummary, kGivenHeaderLogHook));
+        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kGivenHeaderLogHook));
         DescribeBody(headers, m_body.m_value.toStyledString());
-        return CurlHttpLibContext(&m_strategy).Request(response, kDefaultTimeout);
+        return CurlHttpLibContext(&m_strategy).Request(response, userauth::kDefaultTimeout);
     });
 }
 
 int UserAuthRequest::SendDownRequest(FileTransferHandler* handler) {
     try {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(LogHook(kSeveritySummary, kDownloadLogHook));
+        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kDownloadLogHook));
         m_strategy.SetHttpRequestMethod(m_nMethod);
         m_strategy.SetHeaders(m_headers);
         std::string discarded;

@@ -13,6 +13,9 @@ namespace userauth {
 // The one status that the operations count as success.
 inline constexpr std::int32_t kHttpOk = 200;
 
+// The timeout argument of every request: the HTTP library's own limits.
+inline constexpr int kDefaultTimeout = -1;
+
 }  // namespace userauth
 
 // Outcome of one exchange.

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace userauth {
+
+// Wrapped keys: AES-GCM (NIST SP 800-38D) without additional data, the key's length of 16 or 32 bytes selecting AES-128
+// or AES-256. A wrapped blob is
+//
+//     offset 0     12 bytes        nonce
+//     offset 12    16 or 32 bytes  ciphertext
+//     offset 28/44 16 bytes        authentication tag
+//
+// Arguments are consumed: they are overwritten before the functions return.
+
+inline constexpr std::size_t kGcmNonceBytes = 12;
+inline constexpr std::size_t kGcmTagBytes = 16;
+inline constexpr std::size_t kShortKeyBytes = 16;
+inline constexpr std::size_t kLongKeyBytes = 32;
+inline constexpr std::size_t kShortBlobBytes = kGcmNonceBytes + kShortKeyBytes + kGcmTagBytes;  // 44
+inline constexpr std::size_t kLongBlobBytes = kGcmNonceBytes + kLongKeyBytes + kGcmTagBytes;    // 60
+
+// Wraps the first 16 bytes of the plaintext; always a blob of 44 bytes. Empty when plaintext or key is empty. Any other
+// failure (a plaintext or nonce that is too short, a key of another length) deliberately gives 44 zero bytes: callers
+// tell success from failure by nothing but an empty result.
+std::vector<unsigned char> AesGcmEncrypt(std::vector<unsigned char> plaintext, std::vector<unsigned char> key,
+                                         std::vector<unsigned char> nonce);
+
+// Unwraps 32 bytes from a blob of exactly 60 bytes, 16 from any other of 44 or more, of which the rest is ignored. Every
+// failure (a tag that does not match, a shorter blob, a key of another length) deliberately gives one zero byte, not an
+// empty vector: callers check the digest of what they get. Nothing of the plaintext leaves before its tag was verified.
+std::vector<unsigned char> AesGcmDecrypt(std::vector<unsigned char> blob, std::vector<unsigned char> key);
+
+}  // namespace userauth

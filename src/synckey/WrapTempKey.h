@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace userauth {
+
+// Wraps a 16-byte temporary key for the owner of a P-256 public key (standard base64 of the 91-byte DER form), by an
+// ephemeral ECDH agreement whose raw secret is the AES-256-GCM key. The key-exchange token:
+//
+//     URL-safe base64 of the client's 91-byte public key, ":", URL-safe base64 of the 44-byte wrapped blob (AesGcm.h)
+//
+// 124 + 1 + 60 characters. Deliberately without failure: a server key that is no public key yields a token of the same
+// length, made with a secret (and perhaps a client point) of zeros. See docs/key-exchange.md for what follows from that.
+std::string WrapTempKey(std::string serverPublicKey, std::vector<unsigned char> temporaryKey);
+
+}  // namespace userauth

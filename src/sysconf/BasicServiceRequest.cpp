@@ -1,0 +1,54 @@
+#include "sysconf/BasicServiceRequest.h"
+
+#include <ParamStore.h>
+
+#include "core/DeploymentConstants.h"
+#include "request/CertificatePath.h"
+#include "request/HttpLogHook.h"
+#include "request/UserAuthRequest.h"
+
+namespace userauth {
+namespace {
+
+constexpr int kHttpCreated = 201;
+
+// Kept in this order: the extra headers join a standard set that has been made before.
+void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy) {
+    strategy.SetUrl(request.url);
+    strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
+    strategy.SetPostData(request.body);
+    strategy.SetHeaders(request.userId, kApplicationId, request.accessToken);
+    strategy.SetCertPath(CertificatePath());
+    strategy.SetLogFunction(HttpLogHook(kSeveritySummary, request.logHook));
+    if (request.errorLogHook != nullptr) {
+        strategy.SetErrorLogFunction(HttpLogHook(kSeverityFailure, request.errorLogHook));
+    }
+    if (!request.extraHeaders.empty()) {
+        BasicHttpLibStrategy::HeaderMap headers = strategy.GetHeaders();
+        headers.insert(request.extraHeaders.begin(), request.extraHeaders.end());
+        strategy.SetHeaders(headers);
+    }
+}
+
+}  // namespace
+
+std::wstring BasicServiceUrl(const wchar_t* operation) {
+    return GlobalParamWrapper::GetInstance()->GetBasicUrl() + L"/KeCloudUserFoundationService/PC/" + operation;
+}
+
+int SendBasicServiceRequest(const BasicServiceRequest& request, std::string& reply) {
+    try {
+        BasicHttpLibStrategy strategy;
+        Describe(request, strategy);
+        return CurlHttpLibContext(&strategy).Request(reply, kDefaultTimeout);
+    } catch (...) {
+        reply.clear();
+        return 0;
+    }
+}
+
+bool IsBasicServiceSuccess(int httpCode) {
+    return httpCode == kHttpOk || httpCode == kHttpCreated;
+}
+
+}  // namespace userauth

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <HttpLib.h>
+
+#include <string>
+
+namespace userauth {
+
+// What all requests to the basic service have in common: a POST with the suite's three-value header set, on the caller's
+// thread, whose reply text has no fixed limit but the HTTP library's.
+
+struct BasicServiceRequest {
+    std::wstring url;
+    std::wstring body;
+    std::wstring userId;
+    std::wstring accessToken;
+    BasicHttpLibStrategy::HeaderMap extraHeaders;  // joined to the standard set; a name that is there keeps its value
+    const char* logHook = nullptr;                 // function tags of the HTTP library's messages (HttpLogHook)
+    const char* errorLogHook = nullptr;            // null: failures are not logged
+};
+
+// URL of an operation: the base URL, the service's path and the operation's name.
+std::wstring BasicServiceUrl(const wchar_t* operation);
+
+// Returns the HTTP code, or 0 with an empty reply when a suite library threw.
+int SendBasicServiceRequest(const BasicServiceRequest& request, std::string& reply);
+
+// 201 is a success of this service, unlike everywhere else; getLastOperationRecord takes 200 only.
+bool IsBasicServiceSuccess(int httpCode);
+
+}  // namespace userauth

