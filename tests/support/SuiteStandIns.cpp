@@ -6,6 +6,7 @@
 #include <ParamStore.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <mutex>
 
 namespace {
@@ -66,7 +67,6 @@ std::vector<std::string> SuiteRecording::TakeOutcome() {
 }
 
 // ---- Logger
-// ----------------------------------------------------------------------------------------------------------
 
 void Logger::Output(int moduleType, int severity, int, const std::string& functionTag, const std::wstring& message,
                     bool toFile) {
@@ -79,8 +79,35 @@ void Logger::OutputOperationLog(int basicEventType, int operationType, int actio
            std::to_string(actionType));
 }
 
+void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType,
+                                const std::map<std::wstring, std::wstring>& extraInformation) {
+    std::string line = "event " + std::to_string(basicEventType) + " " + std::to_string(operationType) + " " +
+                       std::to_string(actionType);
+    for (const auto& [name, value] : extraInformation) {
+        line += " " + Utf8(name) + "=" + Utf8(value);
+    }
+    Record(line);
+}
+
+// ---- Event hub
+
+struct EventAdminModule::State {};
+
+EventAdminModule::EventAdminModule() = default;
+EventAdminModule::~EventAdminModule() = default;
+
+EventAdminModule* EventAdminModule::GetInstance() {
+    static EventAdminModule hub;
+    return &hub;
+}
+void EventAdminModule::SyncDriveKeyOk() {
+    Record("hub SyncDriveKeyOk");
+}
+void EventAdminModule::CloudPhotoKeyOk() {
+    Record("hub CloudPhotoKeyOk");
+}
+
 // ---- Parameter store
-// -------------------------------------------------------------------------------------------------
 
 struct GlobalParamWrapper::State {};
 
@@ -103,6 +130,20 @@ std::wstring GlobalParamWrapper::GetSyncServerUrl() const {
 }
 std::wstring GlobalParamWrapper::GetUserInformationserviceUrl() const {
     return L"https://user.example.com";
+}
+std::wstring GlobalParamWrapper::GetBasicUrl() const {
+    return L"https://basic.example.com";
+}
+st_UserInfo& GlobalParamWrapper::GetUserInfo() {
+    static st_UserInfo record{};
+    return record;
+}
+ConfigEntityManager* ConfigEntityManager::GetInstance() {
+    static ConfigEntityManager items;
+    return &items;
+}
+std::wstring ConfigEntityManager::GetConfigContentDatas(ConfigEntityEnum item) const {
+    return item == ConfigEntityEnum::kLegacyRefreshToken ? Recording().legacyItem : L"";
 }
 std::wstring GlobalParamWrapper::GetAppDataLocalPath() const {
     return Recording().appDataFolder;
@@ -142,7 +183,6 @@ void GlobalParamWrapper::SetStartSend(bool start) {
 }
 
 // ---- HTTP
-// ------------------------------------------------------------------------------------------------------------
 
 struct BasicHttpLibStrategy::State {
     std::wstring url;
@@ -169,6 +209,15 @@ void BasicHttpLibStrategy::SetHttpRequestMethod(HttpRequestMethod method) {
 void BasicHttpLibStrategy::SetHeaders(const HeaderMap& headers) {
     Record("http SetHeaders " + std::to_string(headers.size()));
     m_state->headers = headers;
+}
+void BasicHttpLibStrategy::SetHeaders(const std::wstring& userId, const std::wstring& applicationId,
+                                      const std::wstring& accessToken) {
+    Record("http SetHeaders " + Utf8(userId) + " " + Utf8(applicationId) + " " + Utf8(accessToken));
+    m_state->headers = {{L"standard", L"set"}};
+}
+const BasicHttpLibStrategy::HeaderMap& BasicHttpLibStrategy::GetHeaders() const {
+    Record("http GetHeaders ");
+    return m_state->headers;
 }
 void BasicHttpLibStrategy::SetPostData(const std::wstring& body) {
     Record("http SetPostData " + Utf8(body));
@@ -280,7 +329,13 @@ int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std
 int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) {
     const ScriptedReply reply = Exchange(*m_strategy, "download");
     if (reply.code / 100 == 2) {
-        static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(reply.body.data(), reply.body.size(), false);
+        // In blocks that come to no round number.
+        constexpr std::size_t kBlock = 99'991;
+        for (std::size_t at = 0; at < reply.body.size(); at += kBlock) {
+            static_cast<FileTransferHandler*>(fileTransferHandler)
+                ->WriteData(reply.body.data() + at, std::min(kBlock, reply.body.size() - at), false);
+        }
+        static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(nullptr, 0, true);
     }
     return reply.code;
 }

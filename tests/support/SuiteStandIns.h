@@ -23,8 +23,8 @@ struct ScriptedReply {
 };
 
 struct SuiteRecording {
-    // Every call in its order, one UTF-8 line each: "log <module> <severity> <tag> <message>", "event <a> <b> <c>",
-    // "store <setter> <value>", "http <call> <value>".
+    // Every call in its order, one UTF-8 line each: "log <module> <severity> <tag> <message>", "event <a> <b> <c>" with
+    // " <name>=<value>" of extra information, "store <setter> <value>", "http <call> <value>", "hub <event>".
     std::vector<std::string> journal;
     // Answers of the next exchanges; when none is left an exchange ends with -3.
     std::vector<ScriptedReply> replies;
@@ -42,6 +42,7 @@ struct SuiteRecording {
     std::wstring url;
 
     std::wstring appDataFolder;
+    std::wstring legacyItem;
     HWND__* mainWindow = nullptr;
 
     // Log lines outside the HTTP hooks, events and pushes since the last call, with trace ids cut out of URLs.

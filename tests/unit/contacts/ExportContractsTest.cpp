@@ -1,0 +1,85 @@
+#include <HttpLib.h>
+
+#include <fstream>
+
+#include "ServiceFixture.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+std::string Content(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace
+
+TEST_F(ServiceTest, ExportContractsWritesAndCounts) {
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / L"contacts-\u0E17.vcf";
+    const std::string card = "BEGIN:VCARD\r\nEND:VCARD\r\n";
+    const std::string tag = " UserAuthService::ExportContracts ";
+    const struct {
+        const char* name;
+        std::filesystem::path path;
+        int status;
+        std::string body;
+        bool result;
+        const char* count;
+    } rows[] = {
+        {"three cards", path, 200, card + card + card, true, "3"},
+        {"a note that counts too", path, 200, card + "NOTE:BEGINNING\r\n", true, "2"},
+        {"the second one begins too early", path, 200, "BEGINBEGIN", true, "1"},
+        {"zero bytes", path, 200, std::string("BEGIN\0\0BEGIN", 12), true, "2"},
+        {"small letters", path, 200, "begin", true, "0"},
+        {"empty", path, 200, "", true, "0"},
+        {"unwritable path", path / "no" / "folder", 200, card, true, "1"},
+        {"not found", path, 404, "", false, ""},
+        {"no exchange", path, kHttpConnectionBroken, "", false, ""},
+        {"no content", path, 204, "", false, ""},
+    };
+    for (const auto& row : rows) {
+        { std::ofstream(path) << "what an earlier export left"; }
+        Recording().journal.clear();
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(m_service->ExportContracts(L"https://h/e", row.path.wstring(), {{L"b", L"2"}, {L"a", L"1"}}),
+                  row.result)
+            << row.name;
+        if (row.path == path) {
+            EXPECT_EQ(Content(path), row.body) << row.name;
+        }
+        EXPECT_EQ(
+            Recording().TakeOutcome(),
+            row.result
+                ? (Lines{std::string("event 148 1 0 num=") + row.count,
+                         std::string("log 0 2 UserAuthService::ContractsCounts NIMBASUITE_CONTACT_EXPORT ") + row.count,
+                         "log 10 2" + tag + "ExportContracts successed!"})
+                : Lines{"log 10 5" + tag + "Error: ExportContracts failed!"})
+            << row.name;
+    }
+    std::filesystem::remove(path);
+    EXPECT_EQ(Recording().requestHeaders,
+              (std::map<std::wstring, std::wstring>{{L"Accept", L"application/json, text/plain, */*"},
+                                                    {L"Accept-Encoding", L"gzip, deflate, br"},
+                                                    {L"Accept-Language", L"zh-CN"},
+                                                    {L"Cache-Control", L"application/json, text/plain, */*"},
+                                                    {L"ContentType", L"application/force-download"},
+                                                    {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
+                                                    {L"Cookie", L"a=1;b=2;"}}));
+}
+
+TEST_F(ServiceTest, ExportContractsJoinsBlocksOfAnySize) {
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "contacts-blocks.vcf";
+    // Beyond the buffer's blocks, with a mark across each border of 1 MiB.
+    std::string body;
+    while (body.size() < 5 * 1024 * 1024 - 2) {
+        body += "BEGIN" + std::string(1024 * 1024 - 5, '.');
+    }
+    body.insert(0, "..");
+    Recording().replies = {{200, body, {}}};
+    EXPECT_TRUE(m_service->ExportContracts(L"https://h/e", path.wstring(), {}));
+    EXPECT_EQ(Recording().Lines("event"), Lines{"event 148 1 0 num=5"});
+    EXPECT_EQ(Content(path), body);
+    EXPECT_EQ(Recording().requestHeaders.at(L"Cookie"), L"");
+    std::filesystem::remove(path);
+}

@@ -1,0 +1,248 @@
+#include "UserSyncKeyService.h"
+
+#include <HttpLib.h>
+#include <ParamStore.h>
+
+#include <cstring>
+
+#include "KeyServerPeer.h"
+#include "ServiceFixture.h"
+#include "synckey/Sha256Hex.h"
+
+class UserSyncKeyServiceAccess {
+public:
+    static bool Encode(const std::string& encryptedKey, const std::string& digest, const std::string& uuid, int keyType,
+                       const Bytes& temporaryKey, const std::wstring& dataType) {
+        return UserSyncKeyService().encodeUserKey(encryptedKey, digest, uuid, keyType, temporaryKey, dataType);
+    }
+};
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const Bytes kTemporaryKey(16, 0x11);
+const std::string kChecked = "log 10 2 UserSyncKeyService::encodeUserKey check user key sha256 success, keyType:";
+const std::string kRefused = "log 10 5 UserSyncKeyService::encodeUserKey check user key sha256 fail, keyType:";
+
+Bytes DigestOf(const Bytes& bytes) {
+    return FromHex(userauth::Sha256Hex(bytes));
+}
+
+std::string Entry(const std::string& keyType, const Bytes& temporaryKey, const Bytes& key, const std::string& uuid) {
+    return R"({"keyType":)" + keyType + R"(,"encryptedKey":")" + KeyServerPeer::Wrap(temporaryKey, key) +
+           R"(","keySHA256":")" + KeyServerPeer::Wrap(temporaryKey, DigestOf(key)) + R"(","keyUuid":")" + uuid +
+           R"("})";
+}
+
+class UserSyncKeyServiceTest : public testing::Test {
+protected:
+    UserSyncKeyServiceTest() {
+        std::memset(&m_record, 0, sizeof(m_record));
+        Singleton().SetCurrentAT(L"at");
+        Singleton().SetCurrrentUserID(L"me");
+        Recording() = SuiteRecording();
+    }
+
+    // Answers the public key and then lists, which lists gives for a data type and the temporary key of the exchange.
+    void Serve(std::function<std::string(const std::string& dataType, const Bytes& temporaryKey)> lists) {
+        Recording().duringExchange = [this, lists = std::move(lists)](const std::wstring& url) {
+            if (url.find(L"publicKey") != std::wstring::npos) {
+                m_publicKeyHeaders = Recording().requestHeaders;
+                Recording().replies = {
+                    {200, R"({"version":"v\u00e9","publicKey":")" + m_peer.PublicKeyText() + "\"}", {}}};
+                return;
+            }
+            const std::wstring token = Recording().requestHeaders.at(L"x-zv-tempKey");
+            const auto key = m_peer.UnwrapTemporaryKey({token.begin(), token.end()});
+            ASSERT_TRUE(key);
+            Recording().replies = {{200, lists(url.back() == L'1' ? "11" : "12", *key), {}}};
+        };
+    }
+
+    KeyServerPeer m_peer;
+    st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
+    UserSyncKeyService m_keys;
+    std::map<std::wstring, std::wstring> m_publicKeyHeaders;
+};
+
+}  // namespace
+
+TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
+    Serve([](const std::string& dataType, const Bytes& temporaryKey) {
+        const auto mark = static_cast<unsigned char>(dataType[1]);
+        return R"({"keys":[)" + Entry("1", temporaryKey, Bytes(16, mark), "short-" + dataType) + "," +
+               Entry("3", temporaryKey, Bytes(32, mark), "long-" + dataType) + "]}";
+    });
+    EXPECT_TRUE(m_keys.InitUserSyncKey());
+    EXPECT_EQ(std::memcmp(m_record.driveKey1, std::string(16, '1').c_str(), 17), 0);
+    EXPECT_EQ(std::memcmp(m_record.driveKey3, std::string(32, '1').c_str(), 33), 0);
+    EXPECT_EQ(std::memcmp(m_record.photoKey1, std::string(16, '2').c_str(), 17), 0);
+    EXPECT_EQ(std::memcmp(m_record.photoKey3, std::string(32, '2').c_str(), 33), 0);
+    EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11");
+    EXPECT_STREQ(m_record.driveKeyUuid3, L"long-11");
+    EXPECT_STREQ(m_record.photoKeyUuid1, L"short-12");
+    EXPECT_STREQ(m_record.photoKeyUuid3, L"long-12");
+    EXPECT_EQ(Recording().TakeOutcome(), (Lines{kChecked + "1", kChecked + "3", kChecked + "1", kChecked + "3",
+                                                "hub SyncDriveKeyOk", "hub CloudPhotoKeyOk"}));
+    using Headers = std::map<std::wstring, std::wstring>;
+    const Headers common = {{L"Authorization", L"Bearer at"},
+                            {L"unionID", L"me"},
+                            {L"userId", L"me"},
+                            {L"x-zv-app-package-name", L"com.zorvan.cloud.pc"},
+                            {L"x-zv-app-id", L"104862915"}};
+    Headers expected = common;
+    expected[L"x-zv-tempKeyEncType"] = L"EC_256";
+    EXPECT_EQ(m_publicKeyHeaders, expected);
+    expected = common;
+    expected.insert({{L"x-zv-clientTrustMode", L"1"},
+                     {L"x-zv-keyEncType", L"AES_128"},
+                     {L"x-zv-tempKeyEncType", L"ECDH"},
+                     {L"x-zv-keyVersion", L"v\u00E9"},
+                     {L"x-zv-tempKey", Recording().requestHeaders.at(L"x-zv-tempKey")}});
+    EXPECT_EQ(Recording().requestHeaders, expected);
+    EXPECT_EQ(Recording().url, L"https://user.example.com/KeCloudUserInformationService/v1/keys?dataType=12");
+
+    Recording().duringExchange = [](const std::wstring&) { FAIL() << "nothing is asked when both are there"; };
+    EXPECT_TRUE(m_keys.InitUserSyncKey());
+    EXPECT_EQ(Recording().TakeOutcome(), Lines{});
+    m_keys.ClearUserSyncKey();
+    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited() || m_keys.IsCloudPhotoKeyInited());
+    EXPECT_EQ(std::count(m_record.driveKey3, m_record.driveKey3 + 33, 0) +
+                  std::count(m_record.photoKey1, m_record.photoKey1 + 17, 0),
+              50);
+    EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11") << "uuids stay";
+}
+
+TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
+    m_record.driveKey1[16] = 1;
+    Serve([](const std::string& dataType, const Bytes& temporaryKey) {
+        EXPECT_EQ(dataType, "12");
+        return R"({"keys":[)" + Entry("1", temporaryKey, Bytes(16, 1), "u") + "]}";
+    });
+    EXPECT_FALSE(m_keys.InitUserSyncKey()) << "the photo library's is the key of type 3";
+    EXPECT_EQ(Recording().TakeOutcome(), (Lines{kChecked + "1", "hub SyncDriveKeyOk"}));
+    EXPECT_EQ(Recording().Lines("http Request").size(), 0U) << "the journal was taken";
+}
+
+TEST_F(UserSyncKeyServiceTest, NoKeyWithoutAUsablePublicKey) {
+    for (const ScriptedReply& reply : std::vector<ScriptedReply>{
+             {201, "{}", {}}, {401, "{}", {}}, {200, "", {}}, {200, "7", {}}, {kHttpTimeout, "", {}}}) {
+        Recording().journal.clear();
+        Recording().replies = {reply};
+        EXPECT_FALSE(m_keys.InitUserSyncKey()) << reply.code << " " << reply.body;
+        EXPECT_EQ(Recording().Lines("http Request").size(), 1U) << "nothing more is asked";
+        EXPECT_EQ(Recording().TakeOutcome(), Lines{});
+    }
+    // Any JSON goes on, with a token that nobody can open.
+    for (const char* body : {"{}", "[]", R"({"publicKey":5,"version":{}})"}) {
+        Recording().journal.clear();
+        Recording().replies = {{200, body, {}}, {403, "", {}}, {200, "oops", {}}};
+        EXPECT_FALSE(m_keys.InitUserSyncKey()) << body;
+        EXPECT_EQ(Recording().TakeOutcome(),
+                  (Lines{"log 10 5 UserSyncKeyService::getUserKeyList get Keylist fail!",
+                         "log 10 5 UserSyncKeyService::getUserKeyList convert jsoncontent fail!"}))
+            << body;
+    }
+}
+
+TEST_F(UserSyncKeyServiceTest, WhatAListMayHold) {
+    const Bytes key(16, 5);
+    const struct {
+        const char* name;
+        std::function<std::string(const Bytes&)> list;
+        Lines outcome;
+        bool stored;
+    } rows[] = {
+        {"array at the root", [](const Bytes&) { return "[]"; }, {}, false},
+        {"keys is no array", [](const Bytes&) { return R"({"keys":{"0":1}})"; }, {}, false},
+        {"no entries", [](const Bytes&) { return R"({"keys":[]})"; }, {}, false},
+        {"foreign types",
+         [&](const Bytes& t) {
+             return R"({"keys":[1,null,[],)" + Entry("2", t, key, "u") + "," + Entry("\"1\"", t, key, "u") + "," +
+                    Entry("1.0", t, key, "u") + "," + Entry("true", t, key, "u") + "]}";
+         },
+         {},
+         false},
+        {"digest of another key",
+         [&](const Bytes& t) {
+             std::string entry = Entry("1", t, key, "u");
+             const std::size_t at = entry.find("keySHA256\":\"") + 12;
+             entry.replace(at, 80, KeyServerPeer::Wrap(t, DigestOf(Bytes(16, 6))));
+             return R"({"keys":[)" + entry + "," + Entry("1", t, key, "u") + "]}";
+         },
+         {kRefused + "1"},
+         false},
+        {"an earlier entry stays",
+         [&](const Bytes& t) {
+             return R"({"keys":[)" + Entry("1", t, key, "u") + R"(,{"keyType":3},)" + Entry("3", t, key, "u") + "]}";
+         },
+         {kChecked + "1", kRefused + "3", "hub SyncDriveKeyOk"},
+         true},
+    };
+    for (const auto& row : rows) {
+        std::memset(&m_record, 0, sizeof(m_record));
+        m_record.photoKey1[0] = 1;
+        Recording().journal.clear();
+        Serve([&row](const std::string& dataType, const Bytes& temporaryKey) {
+            return dataType == "11" ? row.list(temporaryKey) : std::string(R"({"keys":[]})");
+        });
+        EXPECT_FALSE(m_keys.InitUserSyncKey()) << row.name;
+        EXPECT_EQ(Recording().TakeOutcome(), row.outcome) << row.name;
+        EXPECT_EQ(m_keys.IsSyncDriveKeyInited(), row.stored) << row.name;
+    }
+}
+
+TEST_F(UserSyncKeyServiceTest, AListNearTheLimitOfAReplyWorks) {
+    Serve([](const std::string& dataType, const Bytes& temporaryKey) {
+        const std::string last =
+            Entry(dataType == "11" ? "1" : "3", temporaryKey, Bytes(dataType == "11" ? 16 : 32, 8), "u");
+        std::string list = R"({"keys":[{"keyType":2,"keyUuid":")";
+        return list + std::string(40959 - list.size() - last.size() - 5, 'x') + "\"}," + last + "]}";
+    });
+    EXPECT_TRUE(m_keys.InitUserSyncKey());
+}
+
+TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
+    const std::string longestUuid(32, 'u');
+    const struct {
+        const char* name;
+        Bytes key;
+        Bytes digestOf;
+        int keyType;
+        std::wstring dataType;
+        std::string uuid;
+        bool result;
+        std::size_t changedBytes;  // of the record
+    } rows[] = {
+        {"long uuid fits", Bytes(16, 1), Bytes(16, 1), 1, L"11", longestUuid, true, 16 + 32},
+        {"longer uuid is left out", Bytes(32, 1), Bytes(32, 1), 3, L"12", longestUuid + "u", true, 32},
+        {"key beyond its field", Bytes(32, 1), Bytes(32, 1), 1, L"11", "uuid", true, 0},
+        {"short key in the long field", Bytes(16, 1), Bytes(16, 1), 3, L"11", "uuid", true, 16 + 4},
+        {"other key type", Bytes(16, 1), Bytes(16, 1), 2, L"11", "uuid", true, 0},
+        {"other data type", Bytes(16, 1), Bytes(16, 1), 1, L"13", "uuid", true, 0},
+        {"digest of another key", Bytes(16, 1), Bytes(16, 2), 1, L"11", "uuid", false, 0},
+        {"failed decryption with its digest", {}, {0}, 1, L"11", "uuid", true, 0},
+    };
+    for (const auto& row : rows) {
+        std::memset(&m_record, 0, sizeof(m_record));
+        const std::string encrypted = row.key.empty() ? "AAAA" : KeyServerPeer::Wrap(kTemporaryKey, row.key);
+        const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(row.digestOf));
+        EXPECT_EQ(
+            UserSyncKeyServiceAccess::Encode(encrypted, digest, row.uuid, row.keyType, kTemporaryKey, row.dataType),
+            row.result)
+            << row.name;
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(&m_record);
+        const auto zeros = std::count(bytes, bytes + sizeof(m_record), 0);
+        EXPECT_EQ(sizeof(m_record) - static_cast<std::size_t>(zeros), row.changedBytes) << row.name;
+    }
+    std::memset(&m_record, 0, sizeof(m_record));
+    const std::string encrypted = KeyServerPeer::Wrap(kTemporaryKey, Bytes(16, 1));
+    const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(Bytes(16, 1)));
+    for (std::size_t index = 0; index < encrypted.size() - 1; ++index) {
+        std::string other = encrypted;
+        other[index] = other[index] == 'A' ? 'B' : 'A';
+        EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(other, digest, "u", 1, kTemporaryKey, L"11")) << index;
+    }
+    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
+}

@@ -1,0 +1,110 @@
+#include <HttpLib.h>
+
+#include "ServiceFixture.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
+
+}  // namespace
+
+TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
+    const std::string tag = " UserAuthService::ReportLoginTime ";
+    for (const int status : {200, 500, static_cast<int>(kHttpConnectFailed)}) {
+        Recording().replies = {{status, "[", {}}};
+        m_service->ReportLoginTime("n\xC3\xA9");
+        EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2" + tag + "ReportLoginTime httpcode:" +
+                                                        std::to_string(status) + "  ReportLoginTime business:n\xC3\xA9",
+                                                    "log 10 0" + tag + "ReportLoginTime\nUrl:" + kBase +
+                                                        "postOpDesc\nHttpCode:" + std::to_string(status)}));
+    }
+}
+
+TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
+    const std::string yes = R"({"result":0,"resultMap":{"clientLogReport":"true"}})";
+    const struct {
+        const char* name;
+        int status;
+        std::string body;
+        bool result;
+        bool flag;
+    } rows[] = {
+        {"server error", 500, yes, false, false},
+        {"yes", 201, yes, true, true},
+        {"no content", 204, "", false, true},
+        {"not JSON", 200, "{\"result\":0", false, true},
+        {"no result", 200, R"({"resultMap":{}})", false, true},
+        {"no map", 200, R"({"result":0})", false, true},
+        {"result 1", 200, R"({"result":1,"resultMap":{}})", false, true},
+        {"result is a text", 200, R"({"result":"0","resultMap":{}})", false, true},
+        {"result too large", 200, R"({"result":9999999999,"resultMap":{}})", false, true},
+        {"array", 200, "[0]", false, true},
+        {"flag missing", 200, R"({"result":0,"resultMap":{}})", true, false},
+        {"boolean, and a result that converts to 0", 200, R"({"result":false,"resultMap":{"clientLogReport":true}})",
+         true, true},
+        {"map is an array", 200, R"({"result":null,"resultMap":["clientLogReport"]})", true, false},
+    };
+    for (const auto& row : rows) {
+        const std::string status = std::to_string(row.status);
+        const std::string tag = " UserAuthService::RequestClientLogReport ";
+        Recording().journal.clear();
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(m_service->RequestClientLogReport(), row.result) << row.name;
+        EXPECT_EQ(m_service->GetClientLogReportStatus(), row.flag) << row.name;
+        EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2" + tag + "requestClientLogReport HttpCode: " + status,
+                                                    "log 10 0" + tag + "RequestClientLogReport\nUrl:" + kBase +
+                                                        "getUserRegister\nHttpCode:" + status}))
+            << row.name;
+    }
+}
+
+TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
+    const std::string tag = " UserAuthService::GetLoginDevicesHistory ";
+    const std::string two = R"({"opRecordList":[{"aliasName":"\u00e9","devDisplayName":"d","deviceCategory":"c",)"
+                            R"("deviceId":"i","lastUpdateTime":"t","opDesc":"o","deviceType":3.7},)"
+                            R"({"aliasName":null,"deviceType":null,"opDesc":5}]})";
+    const struct {
+        const char* name;
+        int status;
+        std::string body;
+        bool result;
+        std::size_t devices;
+    } rows[] = {
+        {"created is a failure here", 201, two, false, 0},
+        {"no exchange", kHttpTimeout, "", false, 0},
+        {"two", 200, two, true, 2},
+        {"appended", 200, two, true, 4},
+        {"no list", 200, "{}", true, 4},
+        {"list is an object", 200, R"({"opRecordList":{"0":{}}})", true, 4},
+        {"not JSON", 200, "oops", true, 4},
+        {"array", 200, "[[]]", true, 4},
+        {"element is no object", 200, R"({"opRecordList":[7]})", true, 5},
+    };
+    std::vector<DeviceTag> devices;
+    for (const auto& row : rows) {
+        Recording().journal.clear();
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(m_service->GetLoginDevicesHistory(devices), row.result) << row.name;
+        EXPECT_EQ(devices.size(), row.devices) << row.name;
+        EXPECT_EQ(Recording().TakeOutcome(),
+                  row.result
+                      ? (Lines{"log 10 0" + tag + row.body, "log 10 2" + tag + "GetLoginDevicesHistory successed!"})
+                      : Lines{"log 10 5" + tag + "Error: GetLoginDevicesHistory failed!"})
+            << row.name;
+    }
+    const DeviceTag& full = devices[0];
+    EXPECT_EQ(
+        full.aliasName + full.devDisplayName + full.deviceCategory + full.deviceId + full.lastUpdateTime + full.opDesc,
+        L"\u00E9dcito");
+    EXPECT_EQ(full.deviceType, 3);
+    for (const DeviceTag& empty : {devices[1], devices[4]}) {
+        EXPECT_EQ(empty.aliasName + empty.opDesc, L"");
+        EXPECT_EQ(empty.deviceType, 0);
+    }
+    EXPECT_EQ(Recording().url, L"https://basic.example.com/KeCloudUserFoundationService/PC/getLastOperationRecord");
+    EXPECT_EQ(Recording().postData, L"{\"version\":\"2.0\"}\n");
+    EXPECT_EQ(Recording().requestHeaders.at(L"x-zv-trace-id").substr(0, 9), L"10007_11_");
+    EXPECT_EQ(Recording().requestHeaders.at(L"Content-Type"), L"application/json");
+}

@@ -1,0 +1,152 @@
+#include <HttpLib.h>
+
+#include "ServiceFixture.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Modules = std::vector<std::wstring>;
+
+const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
+
+std::string AllSwitches(const std::string& value) {
+    std::string members;
+    for (const char* name :
+         {"funcfg_recordings_up", "funcfg_drive", "funcfg_notes", "funcfg_contacts", "funcfg_gallery",
+          "funcfg_manage_storage", "funcfg_find_my_phone_globe", "funcfg_pc_available", "other"}) {
+        members += std::string(members.empty() ? "" : ",") + "\"" + name + "\":" + value;
+    }
+    return R"({"result":0,"userStatus":1,"params":{)" + members + "}}";
+}
+
+const Modules kAll = {L"Contacts", L"Drive", L"FindDevice", L"Gallery", L"ManageSpace", L"Notepad", L"Recorder"};
+
+}  // namespace
+
+TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
+    m_service->SetCurrrentUserID(L"me");
+    m_service->SetCurrentAT(L"at");
+    UserAuthServiceAccess::SetCountry(*m_service, L"T\"H");
+    const auto sent = [](const std::string& path, const std::string& operation, const std::string& body, bool sysConf) {
+        const std::string hook = " UserAuthService::" + operation + "::<lambda_";
+        Lines lines = {"http SetUrl " + kBase + path,     "http SetHttpRequestMethod 1", "http SetPostData " + body,
+                       "http SetHeaders me 104862915 at", "http SetCertPath ",           "http SetLogFunction "};
+        if (sysConf) {
+            lines.insert(lines.end(), {"http SetErrorLogFunction ", "http GetHeaders ", "http SetHeaders 2"});
+        }
+        lines.insert(lines.end(), {"http Request -1", "log 10 0" + hook + "1>::operator () progress text"});
+        if (sysConf) {
+            lines.push_back("log 10 5" + hook + "2>::operator () error text");
+        }
+        return lines;
+    };
+    const std::string country = R"({"country": "T"H"})";
+    const std::string description =
+        "{\"isStored\":\"false\",\"opDesc\":\"service:client,action:dataInit,bus:a,b:\xC3\xA9\\\",result:ok\"}";
+    const struct {
+        std::function<void()> call;
+        Lines sent;
+    } rows[] = {
+        {[this] { m_service->InitSysConf(); }, sent("sysConfInit", "GetSysConfigInfo", country, true)},
+        {[this] { m_service->ActiveUser(); }, sent("sysConfRefresh", "ActiveUser", country, true)},
+        {[this] { m_service->ReportLoginTime("a,b:\xC3\xA9\""); },
+         sent("postOpDesc", "ReportLoginTime", description, false)},
+        {[this] { m_service->RequestClientLogReport(); },
+         sent("getUserRegister", "RequestClientLogReport", R"({"params": ["clientLogReport"]})", false)},
+    };
+    for (const auto& row : rows) {
+        Recording().journal.clear();
+        row.call();
+        ASSERT_GE(Recording().journal.size(), row.sent.size());
+        Recording().journal.resize(row.sent.size());
+        EXPECT_EQ(Recording().journal, row.sent);
+    }
+    m_service->InitSysConf();
+    EXPECT_EQ(Recording().requestHeaders,
+              (std::map<std::wstring, std::wstring>{{L"standard", L"set"}, {L"x-zv-active-method", L"manual"}}));
+}
+
+TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
+    const std::string on = AllSwitches("\"true\"");
+    const struct {
+        const char* name;
+        int status;
+        std::string body;
+        bool result;
+        bool available;
+        bool active;
+        Modules modules;
+    } rows[] = {
+        {"nothing yet", 500, on, false, false, false, {}},
+        {"all on", 200, on, true, true, true, kAll},
+        {"no content", 204, AllSwitches("false"), false, true, true, kAll},
+        {"no exchange", kHttpTimeout, "", false, true, true, kAll},
+        {"not JSON", 200, "{", false, true, true, kAll},
+        {"trailing text is JSON to this reader", 201, "{} x", true, false, true, {}},
+        {"booleans", 201, AllSwitches("true"), true, true, true, kAll},
+        {"capitals", 200, AllSwitches("\"True\""), true, false, true, {}},
+        {"mistyped", 200, AllSwitches("{\"true\":true}"), true, false, true, {}},
+        {"refused, activation stays",
+         200,
+         R"({"result":1,"userStatus":0,"params":{"funcfg_drive":"true"}})",
+         true,
+         false,
+         true,
+         {L"Drive"}},
+        {"not active", 200, R"({"result":0,"userStatus":0,"params":[]})", true, false, false, {}},
+        {"mistyped status", 200, R"({"result":0,"userStatus":"1","params":"true"})", true, false, false, {}},
+        {"mistyped result", 200, R"({"result":"0","userStatus":1,"params":null})", true, false, false, {}},
+        {"array", 200, "[1]", true, false, false, {}},
+        {"number", 200, "7", true, false, false, {}},
+        {"text", 200, "\"params\"", true, false, false, {}},
+        {"deep", 200, std::string(100'000, '['), false, false, false, {}},
+    };
+    for (const auto& row : rows) {
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(m_service->InitSysConf(), row.result) << row.name;
+        EXPECT_EQ(m_service->IsAvailableCountry(), row.available) << row.name;
+        EXPECT_EQ(m_service->IsActiveAccount(), row.active) << row.name;
+        EXPECT_EQ(m_service->GetValidModule(), row.modules) << row.name;
+    }
+}
+
+TEST_F(ServiceTest, SysConfOperationsLog) {
+    const std::string tag = " UserAuthService::GetSysConfigInfo ";
+    Recording().replies = {{204, "", {}}, {503, "", {}}};
+    m_service->InitSysConf();
+    Lines outcome = Recording().TakeOutcome();
+    ASSERT_EQ(outcome.size(), 3U);
+    const std::string time = outcome.back();
+    EXPECT_EQ(time.rfind("log 0 2" + tag + "--Request basic use time: ", 0), 0U) << time;
+    EXPECT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
+    outcome.pop_back();
+    EXPECT_EQ(outcome, (Lines{"log 10 2" + tag + "GetSysConfigInfo httpcode:204",
+                              "log 10 0" + tag + "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"}));
+    m_service->ActiveUser();
+    EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2 UserAuthService::ActiveUser ActiveUser httpcode:503",
+                                                "log 10 0 UserAuthService::ActiveUser ActiveUser\nUrl:" + kBase +
+                                                    "sysConfRefresh\nHttpCode:503"}));
+}
+
+TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
+    const struct {
+        const char* name;
+        int status;
+        std::string body;
+        bool result;
+        bool active;
+    } rows[] = {
+        {"refused", 403, R"({"result":0,"userStatus":1})", false, false},
+        {"no status", 200, R"({"result":0})", false, false},
+        {"activated", 201, R"({"result":0,"userStatus":1})", true, true},
+        {"failed later", 200, R"({"result":7,"userStatus":0})", false, true},
+        {"not JSON", 200, "", false, true},
+        {"array", 200, "[]", false, true},
+        {"taken back", 200, R"({"result":0,"userStatus":2})", true, false},
+    };
+    for (const auto& row : rows) {
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(m_service->ActiveUser(), row.result) << row.name;
+        EXPECT_EQ(m_service->IsActiveAccount(), row.active) << row.name;
+    }
+}
