@@ -15,6 +15,7 @@ struct Account {
     bool clientLogReport = false;
     std::string languageType;
     bool privilege = false;
+    bool active = false;  // in the basic service, at start
 };
 
 // The accounts of the platform; the first is the current one at start.

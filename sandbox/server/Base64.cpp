@@ -1,5 +1,7 @@
 #include "Base64.h"
 
+#include <algorithm>
+
 #include <openssl/evp.h>
 
 namespace sandbox {
@@ -42,6 +44,15 @@ std::optional<std::string> Base64Decoded(const std::string& text) {
     bytes.resize(bytes.size() - padding);  // the library counts the padding as zero bytes
     // The library is lenient about blanks and about bits beyond the last byte.
     return Base64Encoded(bytes) == text ? std::optional<std::string>(std::move(bytes)) : std::nullopt;
+}
+
+std::optional<std::string> Base64UrlDecoded(std::string text) {
+    if (text.find_first_of("+/") != std::string::npos) {
+        return std::nullopt;
+    }
+    std::replace(text.begin(), text.end(), '-', '+');
+    std::replace(text.begin(), text.end(), '_', '/');
+    return Base64Decoded(text);
 }
 
 }  // namespace sandbox

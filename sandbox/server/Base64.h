@@ -11,4 +11,7 @@ std::string Base64Encoded(const std::string& bytes);
 // Nothing unless text is exactly what Base64Encoded would make of the bytes.
 std::optional<std::string> Base64Decoded(const std::string& text);
 
+// The same for the alphabet with '-' and '_' (RFC 4648, section 5), with padding.
+std::optional<std::string> Base64UrlDecoded(std::string text);
+
 }  // namespace sandbox

@@ -19,6 +19,8 @@ std::string RequestFault(const PlatformRequest& request, std::string_view query)
     return request.query == query ? "" : "the query is not " + std::string(query);
 }
 
+}  // namespace
+
 TokenCheck CheckBearer(const RequestHead& head, const PlatformState& state) {
     const auto value = head.OnlyValue("Authorization");
     if (value.compare(0, kBearerPrefix.size(), kBearerPrefix) != 0) {
@@ -26,8 +28,6 @@ TokenCheck CheckBearer(const RequestHead& head, const PlatformState& state) {
     }
     return state.CheckAccessToken(value.substr(kBearerPrefix.size()));
 }
-
-}  // namespace
 
 EndpointHandler BearerQuery(std::string_view query, const PlatformState& state, AccountAnswer answer) {
     return [query, &state, answer = std::move(answer)](const PlatformRequest& request) {

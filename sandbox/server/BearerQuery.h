@@ -8,6 +8,9 @@
 
 namespace sandbox {
 
+// The account of the access token in the field Authorization, or why there is none.
+TokenCheck CheckBearer(const RequestHead& head, const PlatformState& state);
+
 using AccountAnswer = std::function<PlatformReply(const PlatformRequest&, const Account&)>;
 
 // An endpoint for a GET with one fixed query and a bearer token, and nothing else of the client's. 400 when the request

@@ -1,8 +1,9 @@
 #include "Certificates.h"
 
 #include <openssl/bn.h>
-#include <openssl/ec.h>
 #include <openssl/pem.h>
+
+#include "P256Key.h"
 
 namespace sandbox {
 namespace {
@@ -17,16 +18,6 @@ struct ExtensionText {
     int nid;
     std::string value;  // in OpenSSL's configuration syntax
 };
-
-KeyPtr NewKey() {
-    const KeyContextPtr context(EVP_PKEY_CTX_new_id(EVP_PKEY_EC, nullptr));
-    RequireOpenSsl(context != nullptr && EVP_PKEY_keygen_init(context.get()) == 1 &&
-                       EVP_PKEY_CTX_set_ec_paramgen_curve_nid(context.get(), NID_X9_62_prime256v1) == 1,
-                   "preparing a key");
-    EVP_PKEY* key = nullptr;
-    RequireOpenSsl(EVP_PKEY_keygen(context.get(), &key) == 1, "making a key");
-    return KeyPtr(key);
-}
 
 void SetRandomSerial(X509* certificate) {
     const BignumPtr serial(BN_new());
@@ -107,13 +98,13 @@ std::string ToPem(X509* certificate) {
 
 ServerIdentity MakeServerIdentity(const std::string& name) {
     const auto alternativeName = AlternativeName(name);
-    const auto authorityKey = NewKey();
+    const auto authorityKey = NewP256Key();
     const auto authority = NewCertificate("Sandbox Authority", authorityKey.get(), nullptr, authorityKey.get(),
                                           {{NID_basic_constraints, "critical,CA:TRUE,pathlen:0"},
                                            {NID_key_usage, "critical,keyCertSign,cRLSign"},
                                            {NID_subject_key_identifier, "hash"}});
     ServerIdentity identity;
-    identity.key = NewKey();
+    identity.key = NewP256Key();
     identity.certificate = NewCertificate(name, identity.key.get(), authority.get(), authorityKey.get(),
                                           {{NID_basic_constraints, "critical,CA:FALSE"},
                                            {NID_key_usage, "critical,digitalSignature"},

@@ -4,6 +4,7 @@
 
 #include "Base64.h"
 #include "FormText.h"
+#include "HeaderInspection.h"
 #include "WireConstants.h"
 
 namespace sandbox {
@@ -33,6 +34,14 @@ EncodedAuthorization ReadEncodedAuthorization(const RequestHead& head) {
         return {{}, "holds a broken URL escape"};
     }
     return {*std::move(token), {}};
+}
+
+std::string AuthorizedHeaderFault(const PlatformRequest& request, unsigned traceCommand,
+                                  const EncodedAuthorization& authorization) {
+    HeaderInspection inspection(request.head);
+    inspection.ExpectAuthorizedFields(traceCommand, request.body.size());
+    return !inspection.Reason().empty() || authorization.fault.empty() ? inspection.Reason()
+                                                                       : "Authorization " + authorization.fault;
 }
 
 }  // namespace sandbox

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "RequestHead.h"
+#include "Exchange.h"
 
 namespace sandbox {
 
@@ -15,5 +15,10 @@ struct EncodedAuthorization {
 
 // Reads the field "Authorization". The device id must be that of the field "x-zv-device-id".
 EncodedAuthorization ReadEncodedAuthorization(const RequestHead& head);
+
+// What is wrong with the fields of a request that carries such an authorization, a JSON body and a trace id of that
+// command; empty when nothing is. Of authorization only the fault counts.
+std::string AuthorizedHeaderFault(const PlatformRequest& request, unsigned traceCommand,
+                                  const EncodedAuthorization& authorization);
 
 }  // namespace sandbox

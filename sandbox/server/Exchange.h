@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,11 +26,25 @@ struct PlatformRequest {
 
 inline constexpr const char* kContentTypeJson = "application/json;charset=UTF-8";
 
+// A body that goes out block by block, so that it need not be held as a whole.
+struct StreamedBody {
+    std::size_t size = 0;
+    // The bytes from offset on, at least one of them while offset is below size; they may reach beyond size. Valid as
+    // long as the function.
+    std::function<std::string_view(std::size_t offset)> block;
+};
+
 struct PlatformReply {
     int status = 200;
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers;
     std::string contentType = kContentTypeJson;
+    std::optional<StreamedBody> stream = std::nullopt;  // instead of body
+    bool chunked = false;                               // sent in chunks, without Content-Length
 };
+
+inline std::size_t BodySize(const PlatformReply& reply) {
+    return reply.stream ? reply.stream->size : reply.body.size();
+}
 
 }  // namespace sandbox

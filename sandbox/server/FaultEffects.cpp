@@ -57,10 +57,20 @@ void Pad(std::string& body, std::size_t size) {
     }
 }
 
+bool ReplacesBody(const Fault& fault) {
+    return fault.wrongTypes || fault.body || fault.garbage || fault.oversize;
+}
+
 }  // namespace
 
 void SpoilReply(const Fault& fault, PlatformReply& reply) {
     reply.status = fault.status.value_or(reply.status);
+    if (ReplacesBody(fault)) {
+        reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
+    }
+    if (fault.contentLength) {
+        reply.chunked = false;
+    }
     if (fault.wrongTypes) {
         reply.body = WithWrongTypes(reply.body);
     }

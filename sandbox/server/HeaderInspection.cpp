@@ -22,8 +22,8 @@ constexpr FixedField kFixedFields[] = {
 };
 
 // What the client sends beside the prefixed fields, each with some requests only.
-constexpr std::string_view kOtherPlatformFields[] = {"Authorization", "Cookie",   "userId",      "version",
-                                                     "AuthType",      "deviceId", "refreshToken"};
+constexpr std::string_view kOtherPlatformFields[] = {"Authorization", "Cookie",       "userId",  "version", "AuthType",
+                                                     "deviceId",      "refreshToken", "unionID", "appId"};
 
 bool IsPlatformField(std::string_view name) {
     return SameHeaderName(name.substr(0, kPlatformHeaderPrefix.size()), kPlatformHeaderPrefix) ||

@@ -17,6 +17,7 @@ constexpr std::size_t kRequestsPerConnection = 10'000;
 constexpr time_t kIdleConnectionSeconds = 30;
 constexpr std::size_t kConnectionsPerListener = 512;  // at once
 constexpr std::chrono::milliseconds kPeerCheckInterval{100};
+constexpr std::size_t kLargestBlock = 1024 * 1024;
 
 // The listener's own address, not the client's idea of it in the field "Host".
 std::string Origin(const httplib::Request& request) {
@@ -40,6 +41,14 @@ PlatformRequest ToPlatformRequest(const httplib::Request& request) {
 void AnswerInternalError(httplib::Response& response) {
     response.status = 500;
     response.set_content(ErrorReply(500, "the reply could not be made").body, kContentTypeJson);
+}
+
+StreamedBody ToStream(PlatformReply reply) {
+    if (reply.stream) {
+        return *std::move(reply.stream);
+    }
+    const auto bytes = std::make_shared<const std::string>(std::move(reply.body));
+    return {bytes->size(), [bytes](std::size_t offset) { return std::string_view(*bytes).substr(offset); }};
 }
 
 // The library matches paths by regular expressions, whose depth of recursion grows with the path.
@@ -108,8 +117,8 @@ void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& re
     for (const auto& [name, value] : reply.headers) {
         response.set_header(name, value);
     }
-    if (fault && ShapesDelivery(*fault)) {
-        const auto delivery = PlanDelivery(*fault, reply.body.size());
+    if ((fault && ShapesDelivery(*fault)) || reply.stream || reply.chunked) {
+        const auto delivery = PlanDelivery(fault.value_or(Fault()), BodySize(reply));
         Deliver(std::move(reply), delivery, response);
     } else {
         response.set_content(reply.body, reply.contentType);
@@ -117,15 +126,35 @@ void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& re
 }
 
 void HttpFrontEnd::Deliver(PlatformReply reply, const Delivery& delivery, httplib::Response& response) {
+    const auto contentType = reply.contentType;
+    const bool chunked = reply.chunked;
+    const auto send = [this, body = ToStream(std::move(reply)), delivery](size_t offset, httplib::DataSink& sink) {
+        return SendNext(body, delivery, offset, sink);
+    };
+    if (chunked) {
+        response.set_chunked_content_provider(contentType, send);
+        return;
+    }
     response.set_header("Content-Length", std::to_string(delivery.announced));
-    const auto bytes = std::make_shared<const std::string>(std::move(reply.body));
     // Without a length of its own the library sends what the function writes, whatever the header announces.
-    response.set_content_provider(reply.contentType, [this, bytes, delivery](size_t, httplib::DataSink& sink) {
-        const bool sent = sink.write(bytes->data(), delivery.firstPart) && Pause(delivery.pause, sink.is_writable) &&
-                          sink.write(bytes->data() + delivery.firstPart, delivery.secondPart);
-        sink.done();
-        return sent && !delivery.close;
-    });
+    response.set_content_provider(contentType, send);
+}
+
+bool HttpFrontEnd::SendNext(const StreamedBody& body, const Delivery& delivery, std::size_t offset,
+                            httplib::DataSink& sink) {
+    const auto end = delivery.firstPart + delivery.secondPart;
+    if (offset == delivery.firstPart && !Pause(delivery.pause, sink.is_writable)) {
+        return false;
+    }
+    if (offset == end) {
+        if (!delivery.close) {
+            sink.done();
+        }
+        return !delivery.close;
+    }
+    const auto limit = offset < delivery.firstPart ? delivery.firstPart : end;
+    const auto block = body.block(offset).substr(0, std::min(limit - offset, kLargestBlock));
+    return sink.write(block.data(), block.size());
 }
 
 bool HttpFrontEnd::Pause(std::chrono::milliseconds duration, const std::function<bool()>& peerWaits) {

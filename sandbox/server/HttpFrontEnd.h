@@ -28,6 +28,8 @@ public:
 private:
     void Handle(const httplib::Request& request, httplib::Response& response);
     void Deliver(PlatformReply reply, const Delivery& delivery, httplib::Response& response);
+    // Sends what comes at offset of the body; false when the connection is to be closed.
+    bool SendNext(const StreamedBody& body, const Delivery& delivery, std::size_t offset, httplib::DataSink& sink);
     // Waits; false when the server stops or the peer goes away meanwhile.
     bool Pause(std::chrono::milliseconds duration, const std::function<bool()>& peerWaits);
 

@@ -16,6 +16,7 @@ namespace sandbox {
 struct OpenSslRelease {
     void operator()(BIO* object) const noexcept { BIO_free_all(object); }
     void operator()(BIGNUM* object) const noexcept { BN_free(object); }
+    void operator()(EVP_CIPHER_CTX* object) const noexcept { EVP_CIPHER_CTX_free(object); }
     void operator()(EVP_PKEY* object) const noexcept { EVP_PKEY_free(object); }
     void operator()(EVP_PKEY_CTX* object) const noexcept { EVP_PKEY_CTX_free(object); }
     void operator()(X509* object) const noexcept { X509_free(object); }
@@ -23,6 +24,7 @@ struct OpenSslRelease {
 };
 using BioPtr = std::unique_ptr<BIO, OpenSslRelease>;
 using BignumPtr = std::unique_ptr<BIGNUM, OpenSslRelease>;
+using CipherContextPtr = std::unique_ptr<EVP_CIPHER_CTX, OpenSslRelease>;
 using KeyPtr = std::unique_ptr<EVP_PKEY, OpenSslRelease>;
 using KeyContextPtr = std::unique_ptr<EVP_PKEY_CTX, OpenSslRelease>;
 using CertificatePtr = std::unique_ptr<X509, OpenSslRelease>;

@@ -44,6 +44,11 @@ Session PlatformState::CurrentSession() const {
     return {true, m_accounts[m_current].userId, m_accounts[m_current].displayName};
 }
 
+Account PlatformState::CurrentAccount() const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_accounts[m_current];
+}
+
 bool PlatformState::SelectAccount(const std::string& userId) {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = std::find_if(m_accounts.begin(), m_accounts.end(),

@@ -56,6 +56,8 @@ public:
     SignInGrant SignIn();
     void SignOut();
     Session CurrentSession() const;
+    // The one that signs in next, signed in or not.
+    Account CurrentAccount() const;
     // Makes another account the current one; false when no account has that user id.
     bool SelectAccount(const std::string& userId);
     const std::vector<Account>& Accounts() const { return m_accounts; }

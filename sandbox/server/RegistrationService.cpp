@@ -1,7 +1,6 @@
 #include "RegistrationService.h"
 
 #include "EncodedAuthorization.h"
-#include "HeaderInspection.h"
 #include "PortalRequest.h"
 #include "WireConstants.h"
 
@@ -9,13 +8,6 @@ namespace sandbox {
 namespace {
 
 constexpr const char* kMemberCountry = "registerCountryCode";
-
-std::string HeaderFault(const PlatformRequest& request, const EncodedAuthorization& authorization) {
-    HeaderInspection inspection(request.head);
-    inspection.ExpectAuthorizedFields(kCommandRegistration, request.body.size());
-    return !inspection.Reason().empty() || authorization.fault.empty() ? inspection.Reason()
-                                                                       : "Authorization " + authorization.fault;
-}
 
 PlatformReply RegistrationReply(const Account& account) {
     Json::Value reply(Json::objectValue);
@@ -29,8 +21,8 @@ PlatformReply RegistrationReply(const Account& account) {
 PlatformReply RegistrationOf(const PlatformRequest& request, const PlatformState& state) {
     const auto body = ParseJsonObject(request.body);
     const auto authorization = ReadEncodedAuthorization(request.head);
-    if (auto refusal = RefusalOf({HeaderFault(request, authorization), TraceQueryFault(request),
-                                  TracedBodyFault(request, body, kMemberCountry)})) {
+    if (auto refusal = RefusalOf({AuthorizedHeaderFault(request, kCommandRegistration, authorization),
+                                  TraceQueryFault(request), TracedBodyFault(request, body, kMemberCountry)})) {
         return *std::move(refusal);
     }
     const auto check = state.CheckAccessToken(authorization.accessToken);

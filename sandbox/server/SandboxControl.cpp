@@ -1,9 +1,7 @@
 #include "SandboxControl.h"
 
-#include <functional>
-
 #include "../SignInContract.h"
-#include "JsonText.h"
+#include "ControlEndpoint.h"
 #include "WireConstants.h"
 
 namespace sandbox {
@@ -12,24 +10,12 @@ namespace {
 constexpr const char* kPathFaults = "/sandbox/faults";
 constexpr unsigned kLongestClockAdvanceSeconds = 1'000'000'000;
 
-PlatformReply JsonReply(const Json::Value& value) {
-    return {200, JsonLine(value), {}};
-}
-
 PlatformReply SessionReply(const Session& session) {
     Json::Value reply(Json::objectValue);
     reply["signedIn"] = session.signedIn;
     reply["userId"] = session.userId;
     reply["displayName"] = session.displayName;
     return JsonReply(reply);
-}
-
-// An endpoint whose body is a JSON object; anything else is refused before it runs.
-EndpointHandler WithObject(std::function<PlatformReply(const Json::Value&)> handler) {
-    return [handler = std::move(handler)](const PlatformRequest& request) {
-        const auto body = ParseJsonObject(request.body);
-        return body.reason.empty() ? handler(body.value) : ErrorReply(400, "body " + body.reason);
-    };
 }
 
 PlatformReply SignIn(const Json::Value& body, PlatformState& state) {

@@ -6,10 +6,15 @@
 #include <thread>
 
 #include "ApplicationTokenService.h"
+#include "BasicService.h"
+#include "BasicServiceControl.h"
 #include "Certificates.h"
+#include "ContactsControl.h"
+#include "ContactsPortal.h"
 #include "GatewayService.h"
 #include "HttpFrontEnd.h"
 #include "JsonText.h"
+#include "LoginDevices.h"
 #include "Options.h"
 #include "PhotoHost.h"
 #include "PortalService.h"
@@ -20,6 +25,8 @@
 #include "SandboxControl.h"
 #include "SyncService.h"
 #include "UserInformationService.h"
+#include "UserKeyControl.h"
+#include "UserKeyService.h"
 
 namespace sandbox {
 namespace {
@@ -93,7 +100,21 @@ void WaitForEndOfInput() {
     }
 }
 
-void AddServices(EndpointTable& endpoints, PlatformState& state) {
+// The services of the platform and everything that they keep.
+struct Platform {
+    Platform();
+
+    PlatformState state;
+    FaultTable faults;
+    TrafficLog traffic;
+    UserKeyPlatform userKeys{state.Accounts()};
+    SettingsTable settings{state.Accounts()};
+    OperationRecords records;
+    ContactExports contacts;
+    EndpointTable endpoints;
+};
+
+Platform::Platform() {
     AddPortalEndpoints(endpoints, state);
     AddRefreshEndpoint(endpoints, state);
     AddApplicationTokenEndpoint(endpoints, state);
@@ -103,18 +124,22 @@ void AddServices(EndpointTable& endpoints, PlatformState& state) {
     AddUserInformationEndpoint(endpoints, state);
     AddPhotoEndpoints(endpoints, state);
     AddRoutingEndpoints(endpoints);
+    AddUserKeyEndpoints(endpoints, state, userKeys);
+    AddBasicServiceEndpoints(endpoints, state, settings, records);
+    AddLoginDevicesEndpoint(endpoints, state, records);
+    AddContactsEndpoint(endpoints, contacts);
+
+    AddSandboxEndpoints(endpoints, state, faults, traffic);
+    AddUserKeyControl(endpoints, state, userKeys);
+    AddBasicServiceControl(endpoints, state, settings, records);
+    AddContactsControl(endpoints, state, contacts);
 }
 
 void Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
-    PlatformState state;
-    FaultTable faults;
-    TrafficLog traffic;
-    EndpointTable endpoints;
-    AddServices(endpoints, state);
-    AddSandboxEndpoints(endpoints, state, faults, traffic);
-
-    HttpFrontEnd frontEnd(endpoints, faults, traffic);
+    Platform platform;
+    auto& traffic = platform.traffic;
+    HttpFrontEnd frontEnd(platform.endpoints, platform.faults, traffic);
     traffic.AddListener("http");
     traffic.AddListener("https");
     RecordingHttpServer http([&] { traffic.CountConnection("http"); });
