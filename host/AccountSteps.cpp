@@ -1,5 +1,5 @@
-#include <ParamStore.h>
 #include <UserAuthService.h>
+#include <UserSyncKeyService.h>
 
 #include "FieldText.h"
 #include "Session.h"
@@ -10,6 +10,7 @@ namespace {
 
 StepResult ShowAccountState(SessionState& state) {
     UserAuthService& service = *state.service;
+    UserSyncKeyService keys;
     const std::wstring accessToken = service.GetCurrentAT();
     return {true,
             accessToken.empty() ? "not signed in" : "signed in",
@@ -22,7 +23,11 @@ StepResult ShowAccountState(SessionState& state) {
                 {"portrait file", TextOrNone(service.GetCurrentUserHeadImageLocalPath())},
                 {"account brand", std::to_string(service.GetCurrentUserAccountBrandID())},
                 {"country", TextOrNone(service.GetCurrentCountryCode())},
+                {"account activated", YesOrNo(service.IsActiveAccount())},
+                {"client logs reported", YesOrNo(service.GetClientLogReportStatus())},
                 {"available modules", std::to_string(service.GetValidModule().size())},
+                {"sync drive key", keys.IsSyncDriveKeyInited() ? "present" : "none"},
+                {"photo library key", keys.IsCloudPhotoKeyInited() ? "present" : "none"},
             }};
 }
 
@@ -39,21 +44,20 @@ StepResult RegisterLogoutEntry(SessionState& state) {
     return {code == 0, "RegisterLogout returned " + std::to_string(code), {}};
 }
 
-StepResult AskRoutingService(SessionState& state) {
-    std::map<std::string, std::string> headers;
-    const std::string reply =
-        state.service->GetRtqRemoteInfo(ToWide(state.platformUrl + "/routing/v1/remote"), headers);
-    return {!reply.empty(),
-            std::to_string(reply.size()) + " bytes, " + std::to_string(headers.size()) + " reply headers",
-            {}};
+StepResult OpenAccountCentre(SessionState& state) {
+    const int code = static_cast<int>(state.service->OpenAccountCenterInvoke());
+    return {code == 0, "OpenAccountCenterInvoke returned " + std::to_string(code), {}};
 }
 
 StepResult ClearAccountState(SessionState& state) {
     UserAuthService& service = *state.service;
     service.Clear();
-    const bool cleared = service.GetCurrentAT().empty() && service.GetCurrentRT().empty() &&
+    UserSyncKeyService keys;
+    keys.ClearUserSyncKey();
+    const bool cleared = !keys.IsSyncDriveKeyInited() && !keys.IsCloudPhotoKeyInited() &&
+                         service.GetCurrentAT().empty() && service.GetCurrentRT().empty() &&
                          service.GetCurrentUserID().empty() && service.GetCurrentUserHeadImageLocalPath().empty();
-    return {cleared, "tokens and user id are gone; the parameter store is the client's to clear", {}};
+    return {cleared, "tokens, user id and sync keys are gone; the parameter store is the client's to clear", {}};
 }
 
 StepResult UninitialiseSdk(SessionState& state) {
@@ -67,11 +71,11 @@ std::vector<Step> StatusSteps(SessionState& state) {
     return {{"status", "account state", [&state] { return ShowAccountState(state); }}};
 }
 
-std::vector<Step> AccountSteps(SessionState& state) {
+std::vector<Step> AccountSdkSteps(SessionState& state) {
     return {
         {"account-changed", "account SDK compares the user", [&state] { return AskMadeUpUser(state); }},
         {"register-logout", "logout entry registered", [&state] { return RegisterLogoutEntry(state); }},
-        {"routing", "routing service asked", [&state] { return AskRoutingService(state); }},
+        {"account-centre", "account centre opened", [&state] { return OpenAccountCentre(state); }},
     };
 }
 

@@ -6,9 +6,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iterator>
 #include <memory>
 
+#include "ArgumentChecks.h"
+#include "CommandWords.h"
 #include "ExitCode.h"
 #include "TextEncoding.h"
 
@@ -26,6 +27,8 @@ constexpr char kFooter[] =
     "  userauth demo --https --json\n"
     "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
     "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
+    "  userauth migrate status --config client.json\n"
+    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie ticket=12345\n"
     "\n"
     "Exit codes:\n"
     "  0  every step succeeded\n"
@@ -39,6 +42,8 @@ struct LocalRelease {
 // The texts of the arguments, before they are judged.
 struct RawOptions {
     std::vector<std::string> commands;
+    std::vector<std::string> cookies;
+    std::string contactsUrl;
     std::string platform;
     std::string sdkPlatform;
     std::string configuration;
@@ -46,46 +51,11 @@ struct RawOptions {
     std::string log;
 };
 
-[[noreturn]] void Refuse(const std::string& text) {
-    throw HostError(kExitUsage, text);
-}
-
-std::string CheckedUrl(std::string url, const char* option) {
-    while (!url.empty() && url.back() == '/') {
-        url.pop_back();
-    }
-    const std::size_t scheme = url.find("://");
-    const std::string name = url.substr(0, scheme);
-    const std::string authority = scheme == std::string::npos ? "" : url.substr(scheme + 3);
-    const bool valid = (name == "http" || name == "https") && !authority.empty() &&
-                       authority.find_first_of("/?#@\\ \t\r\n") == std::string::npos;
-    if (!url.empty() && !valid) {
-        Refuse(std::string(option) + ": not a base URL like http://HOST:PORT: " + url);
-    }
-    return url;
-}
-
-std::filesystem::path CheckedFile(const std::string& file, const char* option) {
-    std::filesystem::path path = ToWide(file);
-    std::error_code error;
-    if (!path.empty() && !std::filesystem::is_regular_file(path, error)) {
-        Refuse(std::string(option) + ": no such file: " + file);
-    }
-    return path;
-}
-
-Command CheckedCommand(const std::string& name) {
-    const std::optional<Command> command = CommandNamed(name);
-    if (!command) {
-        Refuse("unknown command \"" + name + "\": try " + CommandNames() + " or --help");
-    }
-    return *command;
-}
-
 void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.footer(kFooter);
+    app.allow_windows_style_options(false);  // "/" starts a path
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
-    app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND");
+    app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
     app.add_option(
            "--platform", raw.platform,
            "Base URL of the portal and of all other services (gateway: /gateway below it); the account SDK beside "
@@ -99,35 +69,64 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_option("--certificate-authority", raw.certificateAuthority,
                    "Trust the authorities in this PEM file instead of the system's")
         ->type_name("FILE");
+    app.add_option("--url", raw.contactsUrl, "contacts export: where the portal has the contacts")->type_name("URL");
+    // One text an option, so that the commands after it stay commands.
+    app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
     app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
     app.add_option("--log", raw.log, "Write the log to this file, events to FILE.operations.jsonl")->type_name("FILE");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
 }
 
-void Judge(const RawOptions& raw, Options& options) {
-    if (raw.commands.empty()) {
-        Refuse("no command given: try " + CommandNames() + " or --help");
-    }
-    std::transform(raw.commands.begin(), raw.commands.end(), std::back_inserter(options.commands), CheckedCommand);
-    options.platformUrl = CheckedUrl(raw.platform, "--platform");
-    options.sdkPlatformUrl = CheckedUrl(raw.sdkPlatform, "--sdk-platform");
-    options.configuration = CheckedFile(raw.configuration, "--config");
-    options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
-    options.log = ToWide(raw.log);
+bool Has(const Options& options, Command command) {
+    return std::any_of(options.commands.begin(), options.commands.end(),
+                       [command](const CommandCall& call) { return call.command == command; });
+}
 
-    const bool demo = std::count(options.commands.begin(), options.commands.end(), Command::kDemo) != 0;
-    const bool platform = !options.platformUrl.empty() || !options.sdkPlatformUrl.empty();
-    if (demo && (platform || !options.configuration.empty() || !options.certificateAuthority.empty())) {
-        Refuse(
-            "demo brings its own platform: leave out --platform, --sdk-platform, --config and --certificate-authority");
+void JudgeContacts(const RawOptions& raw, Options& options) {
+    options.contactsUrl = raw.contactsUrl.empty() ? "" : CheckedUrl(raw.contactsUrl, "--url");
+    for (const std::string& cookie : raw.cookies) {
+        if (!options.cookies.insert(CheckedCookie(cookie, "--cookie")).second) {
+            Refuse("--cookie: a name is given twice");
+        }
     }
+    const bool exports = Has(options, Command::kContacts);
+    if (!exports && !(options.contactsUrl.empty() && options.cookies.empty())) {
+        Refuse("--url and --cookie belong to contacts export");
+    }
+    if (options.contactsUrl.empty() && !options.cookies.empty()) {
+        Refuse("--cookie needs --url: a sandbox tells its cookies itself");
+    }
+    if (exports && options.contactsUrl.empty() && raw.platform.empty() && raw.configuration.empty()) {
+        Refuse("contacts export: say from where, with --url, or with --platform of a sandbox");
+    }
+}
+
+void JudgeDemo(const RawOptions& raw, const Options& options) {
+    const bool demo = Has(options, Command::kDemo);
     if (demo && options.commands.size() > 1) {
         Refuse("demo is a session of its own: give no other command with it");
+    }
+    if (demo && !(raw.platform + raw.sdkPlatform + raw.configuration + raw.certificateAuthority).empty()) {
+        Refuse(
+            "demo brings its own platform: leave out --platform, --sdk-platform, --config and --certificate-authority");
     }
     if (!demo && options.https) {
         Refuse("--https belongs to demo: elsewhere the URL of --platform says it");
     }
+}
+
+void Judge(const RawOptions& raw, Options& options) {
+    options.commands = ReadCommandWords(raw.commands);
+    options.platformUrl = CheckedBaseUrl(raw.platform, "--platform");
+    options.sdkPlatformUrl = CheckedBaseUrl(raw.sdkPlatform, "--sdk-platform");
+    options.configuration = CheckedFile(raw.configuration, "--config");
+    options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
+    options.log = ToWide(raw.log);
+    JudgeDemo(raw, options);
+    JudgeContacts(raw, options);
 }
 
 }  // namespace

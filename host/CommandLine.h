@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,13 +12,15 @@
 namespace host {
 
 struct Options {
-    std::vector<Command> commands;  // at least one, in the order to run them
+    std::vector<CommandCall> commands;  // at least one, in the order to run them
 
     std::string platformUrl;                     // "" or http(s)://HOST[:PORT], without trailing slash
     std::string sdkPlatformUrl;                  // likewise; "": the same as platformUrl
     std::filesystem::path configuration;         // parameter-store configuration file; may be empty
     std::filesystem::path certificateAuthority;  // PEM file; may be empty
     std::filesystem::path log;                   // log file; may be empty
+    std::string contactsUrl;                     // "": a sandbox at the platform's URL tells it
+    std::map<std::wstring, std::wstring> cookies;
     bool https = false;
     bool json = false;
     bool verbose = false;

@@ -7,7 +7,7 @@
 
 namespace host {
 
-// Collects the HTTP exchanges of the process while it lives, from every thread.
+// Collects the HTTP exchanges of the process while it lives, from every thread that has no ExchangeLogPause.
 class ExchangeLog {
 public:
     ExchangeLog();
@@ -21,6 +21,15 @@ public:
 private:
     struct State;
     std::shared_ptr<State> m_state;  // shared with the observer, which may still be running when this is destroyed
+};
+
+// While one lives, the exchanges of its thread are left out.
+class ExchangeLogPause {
+public:
+    ExchangeLogPause();
+    ~ExchangeLogPause();
+    ExchangeLogPause(const ExchangeLogPause&) = delete;
+    ExchangeLogPause& operator=(const ExchangeLogPause&) = delete;
 };
 
 }  // namespace host

@@ -1,6 +1,7 @@
 #include "FieldText.h"
 
 #include <algorithm>
+#include <cstdio>
 
 #include "TextEncoding.h"
 
@@ -20,6 +21,18 @@ bool IsControl(wchar_t c) {
 
 std::string Characters(std::size_t count) {
     return std::to_string(count) + " characters";
+}
+
+std::string Bytes(std::uintmax_t count) {
+    constexpr std::uintmax_t kKibibyte = 1024;
+    if (count < kKibibyte) {
+        return std::to_string(count) + " bytes";
+    }
+    const bool mebibytes = count >= kKibibyte * kKibibyte;
+    char text[32];
+    std::snprintf(text, sizeof(text), mebibytes ? "%.1f MiB" : "%.1f KiB",
+                  static_cast<double>(count) / static_cast<double>(mebibytes ? kKibibyte * kKibibyte : kKibibyte));
+    return text;
 }
 
 std::string LengthOnly(const std::wstring& secret) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace host {
@@ -8,6 +9,8 @@ namespace host {
 
 // "78 characters".
 std::string Characters(std::size_t count);
+// "512 bytes", "12.5 KiB", "3.1 MiB".
+std::string Bytes(std::uintmax_t count);
 // A secret by its length only; "none" when it is empty.
 std::string LengthOnly(const std::wstring& secret);
 // "none" when it is empty.

@@ -10,6 +10,15 @@
 #include "TextEncoding.h"
 
 namespace host {
+namespace {
+
+// By way of a file, which is how the store takes settings.
+void LoadSettings(const Json::Value& settings, const std::filesystem::path& file) {
+    std::ofstream(file, std::ios::binary) << Json::writeString(Json::StreamWriterBuilder(), settings);
+    LoadParameterStore(file);
+}
+
+}  // namespace
 
 void LoadParameterStore(const std::filesystem::path& file) {
     std::string error;
@@ -31,9 +40,13 @@ void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem
     if (!folders.user.empty()) {
         root["appDataLocalPath"] = ToUtf8(folders.user.wstring());
     }
-    const std::filesystem::path file = folder / "parameter-store.json";
-    std::ofstream(file, std::ios::binary) << Json::writeString(Json::StreamWriterBuilder(), root);
-    LoadParameterStore(file);
+    LoadSettings(root, folder / "parameter-store.json");
+}
+
+void StoreLegacyItem(const std::wstring& item, const std::filesystem::path& folder) {
+    Json::Value root;
+    root["legacyItems"]["0"] = ToUtf8(item);
+    LoadSettings(root, folder / "legacy-items.json");
 }
 
 }  // namespace host

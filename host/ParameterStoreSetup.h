@@ -19,4 +19,7 @@ struct StoreFolders {
 void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
                            const StoreFolders& folders);
 
+// Gives the store an earlier client's sign-in, item 0 of its configuration; the others of its items go.
+void StoreLegacyItem(const std::wstring& item, const std::filesystem::path& folder);
+
 }  // namespace host

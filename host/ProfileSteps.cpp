@@ -32,19 +32,24 @@ bool IsAscii(const std::wstring& text) {
     return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
 }
 
-StepResult CompareUserIds(SessionState& state) {
-    const std::wstring stored = GlobalParamWrapper::GetInstance()->GetUserID();
-    if (stored != state.syncServerUserId) {
-        return {false, "the parameter store has another user id: " + TextOrNone(stored), {}};
+// Compares it with what the gateway said and with the parameter store.
+StepResult LookUpAtSyncServer(SessionState& state) {
+    StepResult result = LookUpUserId(state, &UserAuthService::RequestUserIdFromSyncServer, state.syncServerUserId);
+    if (!result.ok) {
+        return result;
+    }
+    if (GlobalParamWrapper::GetInstance()->GetUserID() != state.syncServerUserId) {
+        return {false, result.detail + ", but another one in the parameter store", {}};
     }
     if (state.gatewayUserId == state.syncServerUserId) {
-        return {true, "both name the same user", {}};
+        result.detail += ", the same";
+    } else if (IsAscii(state.syncServerUserId)) {
+        return {false, result.detail + ", another user than the gateway's", {}};
+    } else {
+        // The gateway's id is read in the system's code page.
+        result.detail += ", not the gateway's, as with ids beyond ASCII: this is the right one";
     }
-    // Beyond ASCII they differ for one user too: the gateway's id is read in the system's code page.
-    return {!IsAscii(state.syncServerUserId),
-            IsAscii(state.syncServerUserId) ? "they name different users"
-                                            : "they differ, as ids beyond ASCII do: the sync server's is the right one",
-            {}};
+    return result;
 }
 
 StepResult ShowRegistration(SessionState& state) {
@@ -64,13 +69,13 @@ StepResult ShowRegistration(SessionState& state) {
             }};
 }
 
-StepResult GiveMainWindow(SessionState& state) {
+// The window that gets the portrait message, as the client's main window would.
+PortraitWindow& MainWindow(SessionState& state) {
     if (!state.window) {
         state.window = std::make_unique<PortraitWindow>();
     }
-    GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();
-    store.SetMainWnd(state.window->Handle());
-    return {store.GetMainWnd() == state.window->Handle(), "message-only, of this thread", {}};
+    GlobalParamWrapper::GetInstance()->SetMainWnd(state.window->Handle());
+    return *state.window;
 }
 
 std::string MillisecondsSince(Clock::time_point start) {
@@ -83,12 +88,13 @@ std::string MillisecondsSince(Clock::time_point start) {
 // One step with the wait, so that the portrait's download is among the exchanges that it shows.
 StepResult RequestProfile(SessionState& state) try {
     UserAuthService& service = *state.service;
-    state.window->Forget();
+    PortraitWindow& window = MainWindow(state);
+    window.Forget();
     if (!service.RequestUserInfo()) {
         return {false, kFailed, {}};
     }
     const Clock::time_point answered = Clock::now();
-    const bool arrived = state.window->WaitForMessage(kLongestPortrait);
+    const bool arrived = window.WaitForMessage(kLongestPortrait);
     // Every 200 is a success to the operation, also one that names nobody.
     const bool named = !service.GetCurrentUserID().empty();
     const std::string message = arrived ? "message 0x0C87 after " + MillisecondsSince(answered) : kNoMessage;
@@ -123,17 +129,19 @@ StepResult ShowPortrait(SessionState& state) {
 
 }  // namespace
 
+std::vector<Step> UserIdSteps(SessionState& state) {
+    return {{"user-id", "user id from sync server", [&state] {
+                 return LookUpUserId(state, &UserAuthService::RequestUserIdFromSyncServer, state.syncServerUserId);
+             }}};
+}
+
 std::vector<Step> WhoAmISteps(SessionState& state) {
     const auto askGateway = [&state] {
         return LookUpUserId(state, &UserAuthService::RequestUserID, state.gatewayUserId);
     };
-    const auto askSyncServer = [&state] {
-        return LookUpUserId(state, &UserAuthService::RequestUserIdFromSyncServer, state.syncServerUserId);
-    };
     return {
         {"gateway-user-id", "user id from gateway", askGateway},
-        {"sync-server-user-id", "user id from sync server", askSyncServer},
-        {"user-ids", "user ids compared", [&state] { return CompareUserIds(state); }},
+        {"sync-server-user-id", "user id from sync server", [&state] { return LookUpAtSyncServer(state); }},
     };
 }
 
@@ -143,7 +151,6 @@ std::vector<Step> RegistrationSteps(SessionState& state) {
 
 std::vector<Step> ProfileSteps(SessionState& state) {
     return {
-        {"main-window", "main window given to parameter store", [&state] { return GiveMainWindow(state); }},
         {"profile", "profile and portrait message", [&state] { return RequestProfile(state); }},
         {"portrait", "portrait file", [&state] { return ShowPortrait(state); }},
     };

@@ -1,12 +1,9 @@
 #include "SandboxProcess.h"
 
-#include <json/reader.h>
-#include <json/value.h>
-
 #include <chrono>
-#include <memory>
 
 #include "ExitCode.h"
+#include "JsonObject.h"
 #include "TextEncoding.h"
 
 namespace host {
@@ -29,13 +26,8 @@ std::wstring CommandLine(const std::filesystem::path& program, const std::filesy
 
 // The address in the line that the sandbox prints when it is ready; its members are empty when it is another line.
 SandboxAddress ParseAddress(const std::string& line) {
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    Json::Value root;
-    if (!reader->parse(line.data(), line.data() + line.size(), &root, nullptr) || !root.isObject()) {
-        return {};
-    }
-    const auto text = [&root](const char* name) { return root[name].isString() ? root[name].asString() : ""; };
-    return {text("http"), text("https"), ToWide(text("caFile"))};
+    const Json::Value root = ParseJsonObject(line).value_or(Json::Value(Json::objectValue));
+    return {TextMember(root, "http"), TextMember(root, "https"), ToWide(TextMember(root, "caFile"))};
 }
 
 }  // namespace

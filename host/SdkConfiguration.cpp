@@ -1,14 +1,12 @@
 #include "SdkConfiguration.h"
 
-#include <json/reader.h>
-#include <json/value.h>
 #include <json/writer.h>
 
 #include <fstream>
 #include <iterator>
-#include <memory>
 
 #include "ExitCode.h"
+#include "JsonObject.h"
 #include "TextEncoding.h"
 
 namespace host {
@@ -23,17 +21,11 @@ Json::Value ReadFile(const std::filesystem::path& file) {
         return Json::Value(Json::objectValue);
     }
     const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    Json::Value root;
-    bool parsed = false;
-    try {
-        parsed = reader->parse(text.data(), text.data() + text.size(), &root, nullptr);
-    } catch (const Json::Exception&) {  // nested too deeply
-    }
-    if (!parsed || !root.isObject()) {
+    const std::optional<Json::Value> root = ParseJsonObject(text);
+    if (!root) {
         throw HostError(kExitUsage, ToUtf8(file.wstring()) + ": not a JSON object: repair or delete it");
     }
-    return root;
+    return *root;
 }
 
 // By way of a second file: a reader at the same moment sees the old text or the new one.

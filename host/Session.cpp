@@ -10,8 +10,16 @@ namespace {
 
 using Stretch = std::vector<Step> (*)(SessionState& state);
 
-constexpr Stretch kDemo[] = {SignInSteps,  ApplicationTokenSteps, WhoAmISteps,  RegistrationSteps, ProfileSteps,
-                             RefreshSteps, ExpiredTokenSteps,     AccountSteps, StatusSteps,       SignOutSteps};
+std::vector<Step> DefaultReportSteps(SessionState& state) {
+    return ReportSteps(state, "");
+}
+
+// A client's whole life: the last refresh is refused, so the session ends with a sign-in to be asked for.
+constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps,       RegistrationSteps,
+                             ConfigurationSteps, ActivationSteps,       DefaultReportSteps, DeviceSteps,
+                             RefreshSteps,       ApplicationTokenSteps, SyncKeySteps,       ComparedKeySteps,
+                             LegacySignInSteps,  DemoContactsSteps,     DemoRouteSteps,     AccountSdkSteps,
+                             StatusSteps,        ExpiredTokenSteps,     SignOutSteps};
 
 std::vector<Step> DemoSteps(SessionState& state) {
     std::vector<Step> demo;
@@ -22,28 +30,44 @@ std::vector<Step> DemoSteps(SessionState& state) {
     return demo;
 }
 
-Stretch StretchOf(Command command) {
-    switch (command) {
+std::vector<Step> OwnSteps(const CommandCall& call, SessionState& state) {
+    switch (call.command) {
         case Command::kSignIn:
-            return SignInSteps;
-        case Command::kApplicationToken:
-            return ApplicationTokenSteps;
+            return SignInSteps(state);
         case Command::kWhoAmI:
-            return WhoAmISteps;
-        case Command::kRegistration:
-            return RegistrationSteps;
+            return WhoAmISteps(state);
         case Command::kProfile:
-            return ProfileSteps;
+            return ProfileSteps(state);
+        case Command::kRegistration:
+            return RegistrationSteps(state);
+        case Command::kModules:
+            return ConfigurationSteps(state);
+        case Command::kActivate:
+            return ActivationSteps(state);
+        case Command::kReport:
+            return ReportSteps(state, call.argument);
+        case Command::kDevices:
+            return DeviceSteps(state);
         case Command::kRefresh:
-            return RefreshSteps;
+            return RefreshSteps(state);
+        case Command::kApplicationToken:
+            return ApplicationTokenSteps(state);
+        case Command::kKeys:
+            return SyncKeySteps(state);
+        case Command::kMigrate:
+            return LegacySignInSteps(state);
+        case Command::kContacts:
+            return ContactsSteps(state, call.argument);
+        case Command::kRoute:
+            return RouteSteps(state, call.argument);
         case Command::kStatus:
-            return StatusSteps;
+            return StatusSteps(state);
         case Command::kSignOut:
-            return SignOutSteps;
+            return SignOutSteps(state);
         case Command::kDemo:
             break;
     }
-    return DemoSteps;
+    return DemoSteps(state);
 }
 
 std::vector<Step> MissingSessionSteps(Command command) {
@@ -51,17 +75,25 @@ std::vector<Step> MissingSessionSteps(Command command) {
     return {{"session", "somebody signed in", [text] { return StepResult{false, text, {}}; }}};
 }
 
-std::vector<Step> StepsOf(Command command, SessionState& state) {
-    const bool signedIn = !state.service->GetCurrentAT().empty();
-    return NeedsSession(command) && !signedIn ? MissingSessionSteps(command) : StretchOf(command)(state);
+std::vector<Step> StepsOf(const CommandCall& call, SessionState& state) {
+    const Needs needs = NeedsOf(call.command);
+    if (needs != Needs::kNothing && state.service->GetCurrentAT().empty()) {
+        return MissingSessionSteps(call.command);
+    }
+    std::vector<Step> steps = OwnSteps(call, state);
+    if (needs == Needs::kUserId && state.service->GetCurrentUserID().empty()) {
+        const std::vector<Step> before = UserIdSteps(state);
+        steps.insert(steps.begin(), before.begin(), before.end());
+    }
+    return steps;
 }
 
 bool RunCommands(SessionState& state, StepReport& report) {
     if (!report.RunAll(SetUpSteps(state)) || !report.RunAll(CreationSteps(state))) {
         return false;
     }
-    for (const Command command : state.options.commands) {
-        if (!report.RunAll(StepsOf(command, state))) {
+    for (const CommandCall& call : state.options.commands) {
+        if (!report.RunAll(StepsOf(call, state))) {
             return false;
         }
     }
@@ -76,7 +108,7 @@ SessionState::~SessionState() {
 }
 
 int RunSession(const Options& options, Console& console) {
-    SessionState state(options);
+    SessionState state(options, console);
     StepReport report(console, options.json);
     RunCommands(state, report);
     report.RunAll(CloseSteps(state));

@@ -17,12 +17,13 @@ namespace host {
 
 // What the steps of one session share.
 struct SessionState {
-    explicit SessionState(const Options& given) : options(given) {}
+    SessionState(const Options& given, Console& shownOn) : options(given), console(shownOn) {}
     ~SessionState();
     SessionState(const SessionState&) = delete;
     SessionState& operator=(const SessionState&) = delete;
 
     const Options& options;
+    Console& console;  // for what a step shows while it runs
     TemporaryFolder folder;
     std::unique_ptr<SandboxProcess> sandbox;  // null without demo; after the folder, which holds its file
     std::string platformUrl;                  // empty until the set-up has run
@@ -31,6 +32,7 @@ struct SessionState {
     std::unique_ptr<PortraitWindow> window;   // null until a profile is requested
     std::wstring gatewayUserId;               // what the two look-ups found last
     std::wstring syncServerUserId;
+    std::string reportedBusiness;  // what was reported last; UTF-8
     bool sdkInitialised = false;
 };
 
@@ -41,15 +43,29 @@ int RunSession(const Options& options, Console& console);
 std::vector<Step> SetUpSteps(SessionState& state);
 std::vector<Step> CreationSteps(SessionState& state);  // the service; needed by all that follow
 std::vector<Step> SignInSteps(SessionState& state);
-std::vector<Step> ApplicationTokenSteps(SessionState& state);
+std::vector<Step> UserIdSteps(SessionState& state);  // for commands whose requests name the user
 std::vector<Step> WhoAmISteps(SessionState& state);
-std::vector<Step> RegistrationSteps(SessionState& state);
 std::vector<Step> ProfileSteps(SessionState& state);
+std::vector<Step> RegistrationSteps(SessionState& state);
+std::vector<Step> ConfigurationSteps(SessionState& state);
+std::vector<Step> ActivationSteps(SessionState& state);
+std::vector<Step> ReportSteps(SessionState& state, const std::string& business);  // empty: a business of our own
+std::vector<Step> DeviceSteps(SessionState& state);
 std::vector<Step> RefreshSteps(SessionState& state);
-std::vector<Step> ExpiredTokenSteps(SessionState& state);  // with a sandbox of our own only
+std::vector<Step> ApplicationTokenSteps(SessionState& state);
+std::vector<Step> SyncKeySteps(SessionState& state);
+std::vector<Step> LegacySignInSteps(SessionState& state);
+std::vector<Step> ContactsSteps(SessionState& state, const std::string& file);
+std::vector<Step> RouteSteps(SessionState& state, const std::string& url);
 std::vector<Step> StatusSteps(SessionState& state);
-std::vector<Step> AccountSteps(SessionState& state);  // what else a client asks while somebody is signed in
 std::vector<Step> SignOutSteps(SessionState& state);
 std::vector<Step> CloseSteps(SessionState& state);
+
+// Likewise, of the demo only: with a sandbox of our own.
+std::vector<Step> ComparedKeySteps(SessionState& state);
+std::vector<Step> DemoContactsSteps(SessionState& state);
+std::vector<Step> DemoRouteSteps(SessionState& state);
+std::vector<Step> AccountSdkSteps(SessionState& state);  // what else a client asks the SDK while somebody is signed in
+std::vector<Step> ExpiredTokenSteps(SessionState& state);
 
 }  // namespace host

@@ -22,11 +22,14 @@ constexpr wchar_t kDemoUserFolder[] =
 constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
 
 bool IsDemo(const Options& options) {
-    return options.commands.front() == Command::kDemo;
+    return options.commands.front().command == Command::kDemo;
 }
 
+// Whether it gets tokens, and so begins with a platform that answers.
 bool SignsIn(const Options& options) {
-    const auto signsIn = [](Command command) { return command == Command::kDemo || command == Command::kSignIn; };
+    const auto signsIn = [](const CommandCall& call) {
+        return call.command == Command::kDemo || call.command == Command::kSignIn || call.command == Command::kMigrate;
+    };
     return std::any_of(options.commands.begin(), options.commands.end(), signsIn);
 }
 

@@ -31,11 +31,11 @@ StepResult CreateService(SessionState& state) {
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
     state.sdkInitialised = code == 0;
-    return SdkResult("InitZms", code);
-}
-
-StepResult CheckStartSend(SessionState&) {
-    return {GlobalParamWrapper::GetInstance()->GetStartSend(), "set by InitZms", {}};
+    StepResult result = SdkResult("InitZms", code);
+    const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
+    result.ok = result.ok && startSend;
+    result.detail += std::string(", start-send flag ") + (startSend ? "set" : "not set");
+    return result;
 }
 
 StepResult StartSignIn(SessionState& state) {
@@ -63,28 +63,22 @@ StepResult ExchangeCode(SessionState& state) {
     return {exchanged, exchanged ? "" : "RequestAT refused: --verbose shows the log", {}};
 }
 
+// In the account state and in the parameter store.
 StepResult CheckTokens(SessionState& state) {
-    const std::size_t accessToken = state.service->GetCurrentAT().size();
-    const std::size_t refreshToken = state.service->GetCurrentRT().size();
-    return {accessToken != 0 && refreshToken != 0,
-            "access token " + Characters(accessToken) + ", refresh token " + Characters(refreshToken),
-            {}};
-}
-
-StepResult CheckCountry(SessionState& state) {
-    const std::string country = state.service->GetCountryCode();
-    return {!country.empty() && ToWide(country) == state.service->GetCurrentCountryCode(), country, {}};
-}
-
-StepResult CompareStore(SessionState& state) {
+    UserAuthService& service = *state.service;
     const GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();
-    const std::wstring accessToken = store.GetCurrentAt();
-    const std::wstring refreshToken = store.GetCurrentRt();
-    const bool same = accessToken == state.service->GetCurrentAT() && refreshToken == state.service->GetCurrentRT();
-    return {same,
-            std::string(same ? "the same" : "other") + " tokens: " + Characters(accessToken.size()) + " and " +
-                Characters(refreshToken.size()),
-            {}};
+    const std::wstring accessToken = service.GetCurrentAT();
+    const std::wstring refreshToken = service.GetCurrentRT();
+    const std::string country = service.GetCountryCode();
+    const bool there = !accessToken.empty() && !refreshToken.empty() && !country.empty();
+    const bool stored = store.GetCurrentAt() == accessToken && store.GetCurrentRt() == refreshToken;
+    return {there && stored && ToWide(country) == service.GetCurrentCountryCode(),
+            stored ? "the same in the parameter store" : "other ones in the parameter store",
+            {
+                {"access token", LengthOnly(accessToken)},
+                {"refresh token", LengthOnly(refreshToken)},
+                {"registration country", country.empty() ? "none" : country},
+            }};
 }
 
 StepResult AskSignedIn(SessionState& state) {
@@ -101,13 +95,10 @@ std::vector<Step> CreationSteps(SessionState& state) {
 std::vector<Step> SignInSteps(SessionState& state) {
     return {
         {"account-sdk", "account SDK initialised", [&state] { return InitialiseSdk(state); }},
-        {"start-send", "start-send flag in parameter store", [&state] { return CheckStartSend(state); }},
         {"sign-in", "sign-in accepted", [&state] { return StartSignIn(state); }},
         {"authorization-code", "authorization code delivered", [&state] { return AwaitCode(state); }},
         {"request-at", "code exchanged for tokens", [&state] { return ExchangeCode(state); }},
         {"tokens", "tokens in account state", [&state] { return CheckTokens(state); }},
-        {"country", "registration country", [&state] { return CheckCountry(state); }},
-        {"stored-tokens", "tokens in parameter store", [&state] { return CompareStore(state); }},
         {"signed-in", "account SDK knows the session", [&state] { return AskSignedIn(state); }},
     };
 }

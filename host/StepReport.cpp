@@ -14,7 +14,10 @@ namespace host {
 namespace {
 
 constexpr std::size_t kTitleWidth = 38;
+constexpr std::size_t kFieldIndent = 12;
 constexpr std::size_t kFieldWidth = 22;
+constexpr int kHttpOk = 200;
+constexpr int kHttpCreated = 201;
 constexpr char kGreen[] = "\x1b[32m";
 constexpr char kRed[] = "\x1b[31m";
 constexpr char kPlain[] = "\x1b[0m";
@@ -37,6 +40,20 @@ std::string ExchangeText(const HttpExchange& exchange) {
     }
     const char* const connection = exchange.connectionReused ? ", reused connection" : ", new connection";
     return "HTTP " + std::to_string(exchange.code) + connection;
+}
+
+// Each followed by "; ", the same ones in a row told once.
+std::string ExchangeTexts(const std::vector<HttpExchange>& exchanges) {
+    std::string texts;
+    for (std::size_t first = 0, next = 0; first < exchanges.size(); first = next) {
+        const std::string text = ExchangeText(exchanges[first]);
+        for (next = first + 1; next < exchanges.size() && ExchangeText(exchanges[next]) == text;) {
+            ++next;
+        }
+        const std::size_t times = next - first;
+        texts += (times == 1 ? "" : std::to_string(times) + " x ") + text + "; ";
+    }
+    return texts;
 }
 
 // "access token" to "accessToken".
@@ -63,6 +80,22 @@ Json::Value ExchangeJson(const HttpExchange& exchange) {
     return json;
 }
 
+Json::Value RowsJson(const Table& table) {
+    Json::Value rows(Json::arrayValue);
+    for (const std::vector<std::string>& row : table.rows) {
+        Json::Value json(Json::objectValue);
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            json[MachineName(table.columns[column])] = row[column];
+        }
+        rows.append(json);
+    }
+    return rows;
+}
+
+bool EndedWell(const std::vector<HttpExchange>& exchanges) {
+    return !exchanges.empty() && (exchanges.back().code == kHttpOk || exchanges.back().code == kHttpCreated);
+}
+
 }  // namespace
 
 struct StepReport::Outcome {
@@ -87,6 +120,7 @@ bool StepReport::Run(const Step& step) {
     }
     outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     outcome.exchanges = m_exchanges.Take();
+    outcome.result.ok = outcome.result.ok && (!outcome.result.judgedByStatus || EndedWell(outcome.exchanges));
 
     ++m_count;
     m_milliseconds += outcome.milliseconds;
@@ -142,15 +176,12 @@ void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
     std::string line = m_console.IsTerminal() ? kRewriteLine : "";
     line += outcome.result.ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
     line += Padded(step.title, kTitleWidth) + Milliseconds(outcome.milliseconds) + "  ";
-    for (const HttpExchange& exchange : outcome.exchanges) {
-        line += ExchangeText(exchange) + "; ";
-    }
-    line += Printable(outcome.result.detail);
+    line += ExchangeTexts(outcome.exchanges) + Printable(outcome.result.detail);
     line.erase(line.find_last_not_of("; ") + 1);
     for (const auto& [name, value] : outcome.result.fields) {
-        line += "\n            " + Padded(name, kFieldWidth) + Printable(value);
+        line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
     }
-    m_console.Write(line + "\n");
+    m_console.Write(line + TableText(outcome.result.table, kFieldIndent) + "\n");
 }
 
 void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
@@ -167,6 +198,9 @@ void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
     json["fields"] = Json::Value(Json::objectValue);
     for (const auto& [name, value] : outcome.result.fields) {
         json["fields"][MachineName(name)] = value;
+    }
+    if (!outcome.result.table.columns.empty()) {
+        json["rows"] = RowsJson(outcome.result.table);
     }
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";

@@ -7,6 +7,7 @@
 
 #include "Console.h"
 #include "ExchangeLog.h"
+#include "Table.h"
 
 namespace host {
 
@@ -17,6 +18,9 @@ struct StepResult {
     bool ok = false;
     std::string detail;                                       // one line; may be empty
     std::vector<std::pair<std::string, std::string>> fields;  // name in lower-case words, and value
+    Table table = {};                                         // may be empty
+    // For an operation without a result of its own: ok only if the last exchange ended with 200 or 201 as well.
+    bool judgedByStatus = false;
 };
 
 // One step: a name for machines, a title for people, and what to do.

@@ -1,17 +1,13 @@
-#include <HttpLib.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 #include <windows.h>
 
 #include "FieldText.h"
+#include "SandboxControl.h"
 #include "Session.h"
-#include "TextEncoding.h"
 
 namespace host {
 namespace {
-
-constexpr int kHttpOk = 200;
-constexpr int kLongestControlSeconds = 10;
 
 StepResult RequestApplicationToken(SessionState& state) {
     const bool answered = state.service->RequestApplicationAT();
@@ -67,25 +63,18 @@ StepResult Refresh(SessionState& state) {
             {}};
 }
 
-// The sandbox then answers a refresh with 200 and without a token.
-StepResult RevokeRefreshToken(SessionState& state) {
-    BasicHttpLibStrategy strategy;
-    strategy.SetUrl(ToWide(state.sandbox->Address().http + "/sandbox/revoke"));
-    strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
-    strategy.SetHeaders({{L"Content-Type", L"application/json"}});
-    strategy.SetPostData(L"{\"kind\":\"refresh\"}");
-    std::string reply;
-    return {CurlHttpLibContext(&strategy).Request(reply, kLongestControlSeconds) == kHttpOk, "", {}};
-}
-
+// The sandbox answers a refresh with a revoked token with 200 and without a token.
 StepResult RefreshInVain(SessionState& state) {
+    if (!TellSandbox(state.sandbox->Address().http, "/sandbox/revoke", "{\"kind\":\"refresh\"}")) {
+        return {false, "the sandbox does not revoke the refresh token", {}};
+    }
     const std::wstring before = state.service->GetCurrentAT();
     const RefreshAttempt attempt = AttemptRefresh(*state.service);
     const bool expected = !attempt.refreshed && attempt.callbacks == 1 && attempt.onCallingThread &&
                           state.service->GetCurrentAT() == before;
     return {expected,
-            std::string(attempt.refreshed ? "refreshed" : "refused") + ", callback ran " +
-                std::to_string(attempt.callbacks) + (attempt.callbacks == 1 ? " time" : " times") +
+            std::string("refresh token revoked by sandbox, refresh ") + (attempt.refreshed ? "granted" : "refused") +
+                ", callback ran " + std::to_string(attempt.callbacks) + (attempt.callbacks == 1 ? " time" : " times") +
                 (attempt.onCallingThread ? " on the calling thread" : " on another thread"),
             {}};
 }
@@ -101,10 +90,7 @@ std::vector<Step> RefreshSteps(SessionState& state) {
 }
 
 std::vector<Step> ExpiredTokenSteps(SessionState& state) {
-    return {
-        {"revoke", "refresh token revoked by sandbox", [&state] { return RevokeRefreshToken(state); }},
-        {"at-expiry", "AT-expiry callback on refused refresh", [&state] { return RefreshInVain(state); }},
-    };
+    return {{"at-expiry", "AT-expiry callback on refused refresh", [&state] { return RefreshInVain(state); }}};
 }
 
 }  // namespace host

@@ -1,0 +1,36 @@
+#include <UserAuthService.h>
+
+#include "FieldText.h"
+#include "Session.h"
+
+namespace host {
+namespace {
+
+constexpr char kDefaultBusiness[] = "drive";
+
+StepResult ReportInitialisation(SessionState& state, const std::string& business) {
+    state.reportedBusiness = business.empty() ? kDefaultBusiness : business;
+    state.service->ReportLoginTime(state.reportedBusiness);
+    StepResult result{true, "business " + state.reportedBusiness, {}};
+    result.judgedByStatus = true;
+    return result;
+}
+
+StepResult AskClientLogs(SessionState& state) {
+    const bool answered = state.service->RequestClientLogReport();
+    return {answered,
+            answered ? "client logs reported: " + YesOrNo(state.service->GetClientLogReportStatus())
+                     : "failed: --verbose shows the log",
+            {}};
+}
+
+}  // namespace
+
+std::vector<Step> ReportSteps(SessionState& state, const std::string& business) {
+    return {
+        {"report", "initialisation reported", [&state, business] { return ReportInitialisation(state, business); }},
+        {"client-logs", "client logs asked about", [&state] { return AskClientLogs(state); }},
+    };
+}
+
+}  // namespace host
