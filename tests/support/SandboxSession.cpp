@@ -106,6 +106,10 @@ Json::Value SandboxServer::Control(const std::string& path) {
     return Exchange(path, nullptr);
 }
 
+std::wstring SandboxServer::Url(const std::string& path) const {
+    return Wide(m_http + path);
+}
+
 void SandboxServer::Fault(const std::string& endpoint, const std::string& faultJson) {
     Json::Value fault = Parse(faultJson);
     fault["endpoint"] = endpoint;
@@ -167,6 +171,16 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
     settings["gatewayUrl"] = baseUrl + "/gateway";
     settings["appDataLocalPath"] = m_folder.u8string();
     settings["stateFolder"] = DeviceFolder().u8string();
+    Configure(settings);
+}
+
+void SandboxSession::UseLegacyItem(const std::string& text) {
+    Json::Value settings;
+    settings["legacyItems"]["0"] = text;
+    Configure(settings);
+}
+
+void SandboxSession::Configure(const Json::Value& settings) {
     WriteFile(m_folder / "client.json", Compact(settings));
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))
@@ -183,6 +197,12 @@ std::string SandboxSession::SignIn() {
     EXPECT_EQ(g_notification.type, MessageType::kSignInSucceeded) << g_notification.first;
     EXPECT_NE(g_notification.thread, std::this_thread::get_id());
     return g_notification.first;
+}
+
+void SandboxSession::SignInWhole() {
+    const std::string code = SignIn();
+    ASSERT_TRUE(m_service->RequestAT("", code.c_str())) << LogText();
+    ASSERT_TRUE(m_service->RequestUserIdFromSyncServer()) << LogText();
 }
 
 std::string SandboxSession::LogText() {

@@ -25,6 +25,7 @@ public:
     std::string m_http;
     std::string m_https;
     std::string m_caFile;
+    std::wstring Url(const std::string& path) const;
 
 private:
     Json::Value Exchange(const std::string& path, const std::string* body);
@@ -40,9 +41,16 @@ protected:
 
     // Points every service of the parameter store at a base URL.
     void UsePlatform(const std::string& baseUrl);
+    void Configure(const Json::Value& settings);
 
     // Signs in through the SDK and returns the authorization code that the callback received.
     std::string SignIn();
+
+    // Signs in, exchanges the code and learns the user id.
+    void SignInWhole();
+
+    // Gives the parameter store an item that an earlier client version left.
+    void UseLegacyItem(const std::string& text);
 
     std::string LogText();
 

@@ -97,10 +97,24 @@ TEST(ExportTable, HasExactlyThePublishedNames) {
                                "IsChinaAccount",
                                "InitZms",
                                "IsZmsSignIn",
-                               "GetRtqRemoteInfo"}) {
+                               "GetRtqRemoteInfo",
+                               "GetOldVersionUserId",
+                               "GetSysConfigInfo",
+                               "InitSysConf",
+                               "InitPcAvailable",
+                               "InitActiveAccount",
+                               "InitInvalidModules",
+                               "ActiveUser",
+                               "ReportLoginTime",
+                               "RequestClientLogReport",
+                               "GetLoginDevicesHistory",
+                               "ExportContracts",
+                               "ContractsCounts"}) {
         expected.insert(std::string("UserAuthService::") + member);
     }
-    for (const char* member : {"UserSyncKeyService", "~UserSyncKeyService", "operator="}) {
+    for (const char* member :
+         {"UserSyncKeyService", "~UserSyncKeyService", "operator=", "InitUserSyncKey", "getUserKeyList",
+          "encodeUserKey", "ClearUserSyncKey", "IsSyncDriveKeyInited", "IsCloudPhotoKeyInited"}) {
         expected.insert(std::string("UserSyncKeyService::") + member);
     }
     EXPECT_EQ(ExportsOf("UserAuthService.dll"), expected);
