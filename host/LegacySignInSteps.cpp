@@ -14,8 +14,8 @@ std::wstring StoredItem() {
     return ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken);
 }
 
-// The configuration's own item comes first. Without one, the session's refresh token is stored as an earlier client would
-// have left it.
+// The configuration's own item comes first. Without one, the session's refresh token is stored as an earlier client
+// would have left it.
 StepResult ProvideItem(SessionState& state) {
     if (const std::wstring item = StoredItem(); !item.empty()) {
         return {true, "from the configuration, " + Characters(item.size()), {}};

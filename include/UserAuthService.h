@@ -32,9 +32,11 @@ public:
 // The user-authentication service: one object per process that holds the account state and runs every operation.
 //
 // Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for
-// RequestUserInfo (no thread to be had) and std::bad_alloc from an accessor whose copy finds no memory. Several may run at
-// once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a callback.
+// RequestUserInfo (no thread to be had) and std::bad_alloc from an accessor whose copy finds no memory. Several may run
+// at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a callback.
 //
+// A reply text has room for 40959 bytes, but for the system configuration, the reports and downloads. A longer one
+// raises the C runtime's invalid-parameter condition, which ends the process unless the host's handler returns.
 // Wide texts are UTF-16. A reply's member that is missing or of the wrong type reads as empty text or 0.
 class USERAUTH_API UserAuthService {
 public:
@@ -50,7 +52,8 @@ public:
     UserAuthService& operator=(const UserAuthService&) = delete;
 
 #if !defined(_MSC_VER)
-    // Fills the object storage with zero bytes before construction. Only GetInstance calls it; MSVC generates its own (/sdl).
+    // Fills the object storage with zero bytes before construction. Only GetInstance calls it; MSVC generates its own
+    // (/sdl).
     void __autoclassinit2(std::size_t size);
 #endif
 
@@ -108,9 +111,9 @@ public:
 
     // Obtains a new access token with the stored refresh token; the refresh token stays. False without any exchange
     // when there is none. When the portal answers 200 without a usable token the callback below runs, on this thread
-    // and without the lock, before this returns; any other status leaves it alone. Success clears the store's AT-expired flag. A token that arrives after a Clear
-    // on another thread is stored: the exchange was answered, and the last store wins. A host that signs out waits for
-    // its refresh, or clears again after it.
+    // and without the lock, before this returns; any other status leaves it alone. Success clears the store's
+    // AT-expired flag. A token that arrives after a Clear on another thread is stored: the exchange was answered, and
+    // the last store wins. A host that signs out waits for its refresh, or clears again after it.
     const bool GetAccessTokenByRefrshToken();
 
     // Sets what runs when a sign-in is needed again; an empty function clears it. It may call any member, start a
@@ -124,8 +127,8 @@ public:
 
     // Takes over the sign-in of an earlier client version: restores the refresh token that it left in the configuration
     // store, protected for this user of this machine, refreshes the access token with it and looks up the user id.
-    // Returns that id; empty when there is no usable legacy sign-in or one of the steps failed. A restored refresh token
-    // stays then. The store's item stays as it is, and its age is not looked at.
+    // Returns that id; empty when there is no usable legacy sign-in or one of the steps failed. A restored refresh
+    // token stays then. The store's item stays as it is, and its age is not looked at.
     std::wstring GetOldVersionUserId();
 
     // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
@@ -136,7 +139,8 @@ public:
 
     // What arrives after a Clear on another thread is stored here too, as with the refresh.
 
-    // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every 200.
+    // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every
+    // 200.
     bool RequestUserID();
     bool RequestUserIdFromSyncServer();
 
@@ -165,11 +169,11 @@ public:
     // Fetches the system configuration and takes from it whether the client is available in the account's country,
     // whether the account is activated and which modules are switched on. True when the server answered 200 or 201 with
     // JSON; otherwise everything stays as it was. What the document does not say reads as not available and no modules;
-    // the activation stays then.
+    // the activation stays then, that of an account before too: docs/decisions/0006-account-activation.md.
     bool InitSysConf();
 
-    // Asks the server to look at the account's activation again. True when it answered 200 or 201 and told the state,
-    // which IsActiveAccount then gives; otherwise that stays as it was.
+    // Has the server refresh the account's activation: an account that is not active yet is activated by it. True when
+    // it answered 200 or 201 and told the state, which IsActiveAccount then gives; otherwise that stays as it was.
     bool ActiveUser();
 
     // Reports that the client has finished the data initialisation of a business, UTF-8. A failure is in the log only.

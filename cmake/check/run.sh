@@ -10,6 +10,11 @@ step() {
 }
 
 check_formatting() { project_files '*.h' '*.cpp' | xargs -d '\n' clang-format --dry-run -Werror; }
+# The formatter leaves comments as they are. Counted in characters, so that UTF-8 texts are not longer than they look.
+check_line_length() {
+  project_files '*.h' '*.cpp' | LC_ALL=C.UTF-8 xargs -d '\n' perl -CSD -ne \
+    'if (length($_) > 121) { print "$ARGV:$.: longer than 120 columns\n"; $found = 1 } close ARGV if eof; END { $? = $found ? 1 : $? }'
+}
 check_rooms() { project_files '*.h' '*.cpp' | xargs -d '\n' awk -v files="$(project_files '*.h' '*.cpp')" -f cmake/check/rooms.awk; }
 project_files() { cmake/check/files.sh "$@"; }
 
@@ -18,6 +23,7 @@ run_checks() {
   local findings_in=()
   cd "$root" || die "no such folder: $root"
   step formatting check_formatting
+  step "line length" check_line_length
   step words cmake/check/words.sh
   step rooms check_rooms
   step README cmake/check/readme.sh

@@ -5,8 +5,8 @@
 
 namespace {
 
-// Without the lock: the host initialises the SDK before its first request. Filled once, so that a later call cannot change the
-// text under a running request; a store that fails leaves it empty and the SDK initialised.
+// Without the lock: the host initialises the SDK before its first request. Filled once, so that a later call cannot
+// change the text under a running request; a store that fails leaves it empty and the SDK initialised.
 void FillOnce(std::wstring& deviceId) {
     try {
         if (deviceId.empty()) {

@@ -10,6 +10,9 @@ constexpr std::size_t kBlockBytes = 1024 * 1024;
 }  // namespace
 
 void DownloadBuffer::Append(const char* data, std::size_t size) {
+    if (size == 0) {
+        return;
+    }
     if (m_blocks.empty() || m_blocks.back().size() + size > m_blocks.back().capacity()) {
         m_blocks.emplace_back().reserve(std::max(size, kBlockBytes));
     }

@@ -7,7 +7,8 @@
 namespace userauth {
 
 // Gathers a download of unknown length in blocks, so that a growing one is never copied while it grows, and hands it
-// over as one text, block by block: besides that text it holds one block at most.
+// over as one text. Each block is given back once it is in the text, so that hardly more memory than the text is in
+// use.
 class DownloadBuffer {
 public:
     void Append(const char* data, std::size_t size);

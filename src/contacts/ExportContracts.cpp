@@ -32,18 +32,31 @@ UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::wstring>& c
     };
 }
 
+// False when there is no memory, which ends the transfer: nothing may be thrown through the HTTP library.
+bool Keep(userauth::DownloadBuffer& content, const char* data, std::size_t size) {
+    try {
+        content.Append(data, size);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 }  // namespace
 
 bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
                                       std::map<std::wstring, std::wstring> cookies) try {
     UserAuthRequest::HeaderMap headers = Headers(cookies);
-    // Whether the file can be written is not checked: the download runs for the count anyway, and only its status decides.
+    // Whether the file can be written is not checked: the download runs for the count anyway, and only its status
+    // decides.
     std::ofstream file(std::filesystem::path(filePath), std::ios::binary | std::ios::trunc);
     userauth::DownloadBuffer content;
     std::int64_t total = 0;
     FileTransferHandler handler;
     handler.SetWriteDataFunc([&](const char* data, std::size_t& size, bool) {
-        content.Append(data, size);
+        if (!Keep(content, data, size)) {
+            return false;
+        }
         file.write(data, static_cast<std::streamsize>(size));
         total += static_cast<std::int64_t>(size);
         file.seekp(static_cast<std::streamoff>(total));

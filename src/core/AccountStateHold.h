@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "AccountStateLock.h"
 
 namespace userauth {
@@ -29,11 +27,5 @@ public:
 private:
     AccountStateLock& m_lock;
 };
-
-// A copy of one field, made in a short exclusive hold of its own, as the basic-service operations take theirs.
-inline std::wstring CopyExclusively(AccountStateLock& lock, const std::wstring& field) {
-    const ExclusiveHold hold(lock);
-    return field;
-}
 
 }  // namespace userauth

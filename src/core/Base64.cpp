@@ -24,15 +24,17 @@ void AppendBytes(std::string& out, unsigned group, int count) {
 
 std::string Base64UrlEncode(const unsigned char* bytes, std::int32_t length) {
     std::string text;
-    for (std::int32_t start = 0; start < length; start += kBytesOfGroup) {
-        const int present = std::min<std::int32_t>(kBytesOfGroup, length - start);
+    while (length > 0) {
+        const int present = std::min<std::int32_t>(kBytesOfGroup, length);
         unsigned group = 0;
         for (int index = 0; index < kBytesOfGroup; ++index) {
-            group = (group << 8) | (index < present ? bytes[start + index] : 0U);
+            group = (group << 8) | (index < present ? bytes[index] : 0U);
         }
         for (int index = 0; index < kCharactersOfGroup; ++index) {
             text += index <= present ? kUrlAlphabet[(group >> (18 - 6 * index)) & kSixBits] : '=';
         }
+        bytes += present;
+        length -= present;
     }
     return text;
 }

@@ -15,9 +15,9 @@ namespace userauth {
 
 inline constexpr std::size_t kWideFormatCapacity = 256;
 
-// Bounded printf-style formatting with the behaviour that is documented for vsprintf_s, under any C runtime: a text that
-// does not fit with its terminator, or a null argument, empties the buffer and raises the invalid-parameter condition
-// (InvalidParameter.h). The wide forms take integer conversions only: runtimes disagree about "%s" there.
+// Bounded printf-style formatting with the behaviour that is documented for vsprintf_s, under any C runtime: a text
+// that does not fit with its terminator, or a null argument, empties the buffer and raises the invalid-parameter
+// condition (InvalidParameter.h). The wide forms take integer conversions only: runtimes disagree about "%s" there.
 // Return the number of characters written without the terminator, or -1.
 int FormatString(char* buffer, std::size_t bytes, const char* format, ...) USERAUTH_PRINTF_LIKE;
 int FormatWide(wchar_t (&buffer)[kWideFormatCapacity], const wchar_t* format, ...);

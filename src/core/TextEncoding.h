@@ -4,7 +4,8 @@
 
 namespace userauth {
 
-// The two code pages in use (the sign-in's application id, all digits, takes a third). Which one a call site takes is part of its contract with the other side.
+// The two code pages in use (the sign-in's application id, all digits, takes a third). Which one a call site takes is
+// part of its contract with the other side.
 inline constexpr unsigned kAnsiCodePage = 0;
 inline constexpr unsigned kUtf8CodePage = 65001;
 

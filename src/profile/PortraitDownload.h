@@ -18,8 +18,8 @@ struct PortraitThreadNotStarted {
     std::exception_ptr cause;
 };
 
-// Starts a detached thread that downloads into the file, stores the path in the account state (empty text unless the status
-// was 200) and posts the portrait-changed message in either case. Throws PortraitThreadNotStarted.
+// Starts a detached thread that downloads into the file, stores the path in the account state (empty text unless the
+// status was 200) and posts the portrait-changed message in either case. Throws PortraitThreadNotStarted.
 // The thread keeps this library loaded until it has ended, also when the host unloads it meanwhile.
 void StartPortraitDownload(PortraitDownload download);
 

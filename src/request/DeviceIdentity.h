@@ -4,8 +4,8 @@
 
 namespace userauth {
 
-// This machine's identity, read on the first call and kept for the life of the process. No lock stands in front of every
-// request: two first callers at the same moment may each read it, and the first to be done stays.
+// This machine's identity, read on the first call and kept for the life of the process. No lock stands in front of
+// every request: two first callers at the same moment may each read it, and the first to be done stays.
 const DeviceIdentity& CurrentDeviceIdentity();
 
 // The device name as requests carry it: the system's product name, at most its first 250 characters, or "PC".

@@ -1,27 +1,38 @@
 #include "request/Reply.h"
 
 #include <cstring>
+#include <utility>
 
 #include "core/JsonText.h"
 
 namespace userauth {
 
 Reply::Reply(const std::string& text) {
-    ParseDocument(text, m_root);
+    auto document = std::make_shared<Json::Value>();
+    ParseDocument(text, *document);
+    m_document = std::move(document);
+    m_value = m_document.get();
 }
 
 Reply Reply::Of(const Json::Value& root) {
     Reply reply;
-    reply.m_root = root;
+    reply.m_value = &root;
+    return reply;
+}
+
+Reply Reply::Share(const Json::Value& value) const {
+    Reply reply;
+    reply.m_document = m_document;
+    reply.m_value = &value;
     return reply;
 }
 
 Reply Reply::Member(const char* name) const {
-    return Of(Find(name));
+    return Share(Find(name));
 }
 
 bool Reply::Has(const char* name) const {
-    return m_root.isObject() && m_root.isMember(name);
+    return m_value->isObject() && m_value->isMember(name);
 }
 
 std::string Reply::Text(const char* name) const {
@@ -61,8 +72,13 @@ bool Reply::Equals(const char* name, std::int32_t number) const {
     return Find(name) == Json::Value(number);
 }
 
+bool Reply::MayHaveMembers(const char* name) const {
+    const Json::Value& member = Find(name);
+    return member.isObject() || member.isNull();
+}
+
 std::vector<std::string> Reply::MemberNames() const {
-    return m_root.isObject() ? m_root.getMemberNames() : std::vector<std::string>();
+    return m_value->isObject() ? m_value->getMemberNames() : std::vector<std::string>();
 }
 
 std::vector<Reply> Reply::Elements(const char* name) const {
@@ -71,7 +87,7 @@ std::vector<Reply> Reply::Elements(const char* name) const {
     if (member.isArray()) {
         elements.reserve(member.size());
         for (const Json::Value& element : member) {
-            elements.push_back(Of(element));
+            elements.push_back(Share(element));
         }
     }
     return elements;
@@ -82,7 +98,7 @@ std::string Reply::StyledText(const char* name) const {
 }
 
 const Json::Value& Reply::Find(const char* name) const {
-    const Json::Value* member = m_root.isObject() ? m_root.find(name, name + std::strlen(name)) : nullptr;
+    const Json::Value* member = m_value->isObject() ? m_value->find(name, name + std::strlen(name)) : nullptr;
     return member == nullptr ? Json::Value::nullSingleton() : *member;
 }
 

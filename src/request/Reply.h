@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,11 +12,12 @@ namespace userauth {
 
 // A server's reply, read without ever throwing. A text that is not JSON reads as a reply without members; a member that
 // is missing, null or of another type than the one asked for reads as empty text or 0, and so does every member of a
-// reply (or of a member) that is not an object.
+// reply (or of a member) that is not an object. The two Converted forms are as lenient as the JSON library.
 class Reply {
 public:
     explicit Reply(const std::string& text);
-    // Of a document that is parsed already.
+    // Of a document that is parsed already, which must outlive the reply and its members: nothing is copied, since a
+    // reply of the basic service may be large.
     static Reply Of(const Json::Value& root);
 
     // An object member; a reply without members when it is none.
@@ -35,13 +37,17 @@ public:
     // Whether the member is one.
     bool HasInteger(const char* name) const;
 
-    // As above, of a member that the library would convert: a boolean reads as "true" or "false", a number as its decimal
-    // text; a number is cut to its integral part, a boolean reads as 1 or 0 and null as 0. None when it would not.
+    // As above, of a member that the library would convert: a boolean reads as "true" or "false", a number as its
+    // decimal text; a number is cut to its integral part, a boolean reads as 1 or 0 and null as 0. None when it would
+    // not.
     std::string ConvertedText(const char* name) const;
     std::optional<std::int32_t> ConvertedInteger(const char* name) const;
 
     // Whether the member is this number as the library compares: 1.0, "1" and true are not 1.
     bool Equals(const char* name, std::int32_t number) const;
+
+    // Whether its members may be asked for: it is an object or null.
+    bool MayHaveMembers(const char* name) const;
 
     // The names of all members, in ascending order.
     std::vector<std::string> MemberNames() const;
@@ -55,10 +61,12 @@ public:
 private:
     Reply() = default;
 
+    Reply Share(const Json::Value& value) const;
     // Null when there is no such member.
     const Json::Value& Find(const char* name) const;
 
-    Json::Value m_root;
+    std::shared_ptr<const Json::Value> m_document;  // null when somebody else owns it
+    const Json::Value* m_value = nullptr;           // never null after construction
 };
 
 }  // namespace userauth

@@ -55,8 +55,8 @@ struct Structure {
     }
 };
 
-// A release number of two bytes as text; empty when the structure does not reach that far, or when 255 in both says that the
-// firmware does not support it.
+// A release number of two bytes as text; empty when the structure does not reach that far, or when 255 in both says
+// that the firmware does not support it.
 std::wstring Release(const Structure& structure, std::size_t offset, bool twoDigitMinor) {
     const int major = structure.Byte(offset);
     const int minor = structure.Byte(offset + 1);

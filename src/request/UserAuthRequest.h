@@ -10,7 +10,7 @@
 
 namespace userauth {
 
-// The one status that the operations count as success.
+// The one status that the operations count as success; some of the basic service's take 201 too.
 inline constexpr std::int32_t kHttpOk = 200;
 
 // The timeout argument of every request: the HTTP library's own limits.

@@ -12,7 +12,7 @@ namespace userauth {
 //     offset 12    16 or 32 bytes  ciphertext
 //     offset 28/44 16 bytes        authentication tag
 //
-// Arguments are consumed: they are overwritten before the functions return.
+// Keys and plaintexts that are passed in are consumed: overwritten before the functions return.
 
 inline constexpr std::size_t kGcmNonceBytes = 12;
 inline constexpr std::size_t kGcmTagBytes = 16;
@@ -27,9 +27,10 @@ inline constexpr std::size_t kLongBlobBytes = kGcmNonceBytes + kLongKeyBytes + k
 std::vector<unsigned char> AesGcmEncrypt(std::vector<unsigned char> plaintext, std::vector<unsigned char> key,
                                          std::vector<unsigned char> nonce);
 
-// Unwraps 32 bytes from a blob of exactly 60 bytes, 16 from any other of 44 or more, of which the rest is ignored. Every
-// failure (a tag that does not match, a shorter blob, a key of another length) deliberately gives one zero byte, not an
-// empty vector: callers check the digest of what they get. Nothing of the plaintext leaves before its tag was verified.
+// Unwraps 32 bytes from a blob of exactly 60 bytes, 16 from any other of 44 or more, of which the rest is ignored.
+// Every failure (a tag that does not match, a shorter blob, a key of another length) deliberately gives one zero byte,
+// not an empty vector: callers check the digest of what they get. Nothing of the plaintext leaves before its tag was
+// verified.
 std::vector<unsigned char> AesGcmDecrypt(std::vector<unsigned char> blob, std::vector<unsigned char> key);
 
 }  // namespace userauth

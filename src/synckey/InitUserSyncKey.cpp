@@ -65,15 +65,13 @@ bool UserSyncKeyService::InitUserSyncKey() try {
         getUserKeyList(wideToken, version, temporaryKey, userauth::kPhotoDataType);
     }
     // A key that was there before the call is told of too.
-    const bool drive = IsSyncDriveKeyInited();
-    if (drive) {
+    if (IsSyncDriveKeyInited()) {
         EventAdminModule::GetInstance()->SyncDriveKeyOk();
     }
-    const bool photo = IsCloudPhotoKeyInited();
-    if (photo) {
+    if (IsCloudPhotoKeyInited()) {
         EventAdminModule::GetInstance()->CloudPhotoKeyOk();
     }
-    return drive && photo;
+    return IsSyncDriveKeyInited() && IsCloudPhotoKeyInited();
 } catch (...) {
     return false;
 }

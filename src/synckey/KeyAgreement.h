@@ -30,8 +30,8 @@ struct KeyAgreement {
 // The point of a DER public key, taken from its place; the DER is not parsed. Missing bytes read as zero.
 UncompressedPoint PointOfPublicKey(const std::string& publicKey);
 
-// Agrees with the owner of a point by a fresh key of our own, which is gone afterwards. The client point is zero when the
-// other point does not begin with 0x04; the secret is zero when that point is not on the curve.
+// Agrees with the owner of a point by a fresh key of our own, which is gone afterwards. The client point is zero when
+// the other point does not begin with 0x04; the secret is zero when that point is not on the curve.
 void AgreeByFreshKey(const UncompressedPoint& peer, KeyAgreement& agreement);
 
 // ECDH without key derivation (SP 800-56A): the raw X coordinate. False, with the secret zero, when the peer's point is

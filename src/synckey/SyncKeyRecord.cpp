@@ -10,7 +10,8 @@ void StoreInto(std::uint8_t (&keyField)[Bytes], wchar_t (&uuidField)[Characters]
         return;
     }
     std::copy(key.begin(), key.end(), keyField);
-    const std::size_t characters = uuid.size() < Characters ? uuid.size() : 0;
+    const std::size_t length = std::min(uuid.find(L'\0'), uuid.size());
+    const std::size_t characters = length < Characters ? length : 0;
     std::copy_n(uuid.begin(), characters, uuidField);
     uuidField[characters] = L'\0';
 }

@@ -24,8 +24,8 @@ bool HoldsKey(const std::uint8_t (&field)[Bytes]) {
 }
 
 // Stores a key and its uuid into the record's fields for that type and service; of other types and services nothing. A
-// key that is longer than its field is not stored, nor its uuid; what follows a shorter one in the field stays. A uuid of
-// more than 32 characters empties its field: no id rather than a wrong one.
+// key that is longer than its field is not stored, nor its uuid; what follows a shorter one in the field stays. A uuid
+// of more than 32 characters empties its field: no id rather than a wrong one.
 void StoreSyncKey(st_UserInfo& record, int keyType, const std::wstring& dataType, const std::vector<unsigned char>& key,
                   const std::wstring& uuid);
 

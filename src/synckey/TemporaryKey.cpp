@@ -42,7 +42,8 @@ const RandomSource& PlatformRandomSource() {
 std::vector<unsigned char> DrawTemporaryKey(const RandomSource& source) {
     std::vector<unsigned char> key(kTemporaryKeyBytes);
     std::uintptr_t context = 0;
-    // The container is missing on a machine's very first run. After any other failure the null context is used as it is.
+    // The container is missing on a machine's very first run. After any other failure the null context is used as it
+    // is.
     if (!source.acquire(context, kNoFlags) && source.lastError() == kNoSuchKeyContainer &&
         !source.acquire(context, kNewKeyContainer)) {
         return key;

@@ -16,8 +16,8 @@ namespace {
 
 using PublicKey = std::array<unsigned char, kPublicKeyBytes>;
 
-// The server key's bytes in front of its last 65, then the client's point; cut at, or zero-filled to, 91 bytes. The header
-// is the server's, so that a server of another DER form gets its own form back.
+// The server key's bytes in front of its last 65, then the client's point; cut at, or zero-filled to, 91 bytes. The
+// header is the server's, so that a server of another DER form gets its own form back.
 PublicKey EncodeClientKey(const std::string& serverKey, const UncompressedPoint& clientPoint) {
     PublicKey encoded{};
     const std::size_t header =
@@ -28,8 +28,10 @@ PublicKey EncodeClientKey(const std::string& serverKey, const UncompressedPoint&
 }
 
 std::vector<unsigned char> WrapUnder(const SharedSecret& secret, std::vector<unsigned char> temporaryKey) {
+    const WipeAtExit wipeKey(temporaryKey);
     std::vector<unsigned char> nonce(kGcmNonceBytes);
-    // Not checked: when the random generator fails nothing can be reported, and the nonce stays zero, once for this secret.
+    // Not checked: when the random generator fails nothing can be reported, and the nonce stays zero, once for this
+    // secret.
     RAND_bytes(nonce.data(), static_cast<int>(nonce.size()));
     return AesGcmEncrypt(std::move(temporaryKey), std::vector<unsigned char>(secret.begin(), secret.end()), nonce);
 }

@@ -25,15 +25,19 @@ bool SameText(const std::string& left, const std::string& right) {
 
 }  // namespace
 
-// Decodes, whatever its name says: unwraps one key of the list, checks it against the digest that came with it and stores
-// it.
+// Decodes, whatever its name says: unwraps one key of the list, checks it against the digest that came with it and
+// stores it.
 bool UserSyncKeyService::encodeUserKey(const std::string& encryptedKey, const std::string& keySHA256,
                                        const std::string& keyUuid, const int& keyType,
                                        const std::vector<unsigned char>& tempKey, const std::wstring& dataType) try {
     st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     std::vector<unsigned char> plainKey = Unwrap(encryptedKey, tempKey);
     const userauth::WipeAtExit wipeKey(plainKey);
-    const std::string expectedDigest = userauth::LowerHex(Unwrap(keySHA256, tempKey));
+    // Wiped like the key: a server that mixes the two up sends the key here.
+    std::vector<unsigned char> digest = Unwrap(keySHA256, tempKey);
+    const userauth::WipeAtExit wipeDigest(digest);
+    std::string expectedDigest = userauth::LowerHex(digest);
+    const userauth::WipeAtExit wipeText(expectedDigest);
     if (!SameText(userauth::Sha256Hex(plainKey), expectedDigest)) {
         userauth::WriteLog(kSeverityFailure, __LINE__, kTag,
                            L"check user key sha256 fail, keyType:" + std::to_wstring(keyType));
@@ -41,8 +45,8 @@ bool UserSyncKeyService::encodeUserKey(const std::string& encryptedKey, const st
     }
     userauth::WriteLog(kSeverityProgress, __LINE__, kTag,
                        L"check user key sha256 success, keyType:" + std::to_wstring(keyType));
-    // Deliberately a success whether or not anything is stored. One byte is what a failed decryption leaves, and a server
-    // can send the digest of that.
+    // Deliberately a success whether or not anything is stored. One byte is what a failed decryption leaves, and a
+    // server can send the digest of that.
     if (plainKey.size() != 1) {
         userauth::StoreSyncKey(record, keyType, dataType, plainKey,
                                userauth::MultiByteToWide(keyUuid, userauth::kUtf8CodePage));

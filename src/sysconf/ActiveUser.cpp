@@ -1,7 +1,6 @@
 #include <json/value.h>
 
 #include "UserAuthService.h"
-#include "core/AccountStateHold.h"
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
 #include "request/SummaryLine.h"
@@ -18,10 +17,9 @@ constexpr char kErrorLogHook[] = "UserAuthService::ActiveUser::<lambda_2>::opera
 }  // namespace
 
 bool UserAuthService::ActiveUser() try {
-    userauth::BasicServiceRequest request = userauth::SysConfRequest(m_strCountryCode);  // without the lock, by design
+    userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"sysConfRefresh");
-    request.userId = userauth::CopyExclusively(m_lock, m_strCurrentUserID);
-    request.accessToken = userauth::CopyExclusively(m_lock, m_strCurrentAT);
+    userauth::AskForSysConf(request, m_strCountryCode);  // read without the lock, by design
     request.logHook = kLogHook;
     request.errorLogHook = kErrorLogHook;
     std::string reply;

@@ -2,6 +2,7 @@
 
 #include <ParamStore.h>
 
+#include "core/AccountStateHold.h"
 #include "core/DeploymentConstants.h"
 #include "request/CertificatePath.h"
 #include "request/HttpLogHook.h"
@@ -11,6 +12,11 @@ namespace userauth {
 namespace {
 
 constexpr int kHttpCreated = 201;
+
+std::wstring Copy(AccountStateLock& lock, const std::wstring& field) {
+    const ExclusiveHold hold(lock);
+    return field;
+}
 
 // Kept in this order: the extra headers join a standard set that has been made before.
 void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy) {
@@ -31,6 +37,10 @@ void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy
 }
 
 }  // namespace
+
+BasicServiceRequest::BasicServiceRequest(AccountStateLock& lock, const std::wstring& currentUserId,
+                                         const std::wstring& currentToken)
+    : userId(Copy(lock, currentUserId)), accessToken(Copy(lock, currentToken)) {}
 
 std::wstring BasicServiceUrl(const wchar_t* operation) {
     return GlobalParamWrapper::GetInstance()->GetBasicUrl() + L"/KeCloudUserFoundationService/PC/" + operation;

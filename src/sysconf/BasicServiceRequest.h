@@ -4,12 +4,17 @@
 
 #include <string>
 
+#include "AccountStateLock.h"
+
 namespace userauth {
 
-// What all requests to the basic service have in common: a POST with the suite's three-value header set, on the caller's
-// thread, whose reply text has no fixed limit but the HTTP library's.
+// What all requests to the basic service have in common: a POST with the suite's three-value header set, on the
+// caller's thread, whose reply text has no fixed limit but the HTTP library's.
 
 struct BasicServiceRequest {
+    // Copies the user id and the access token out of the account state, each in a short exclusive hold of its own.
+    BasicServiceRequest(AccountStateLock& lock, const std::wstring& currentUserId, const std::wstring& currentToken);
+
     std::wstring url;
     std::wstring body;
     std::wstring userId;

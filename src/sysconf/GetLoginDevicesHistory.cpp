@@ -1,6 +1,8 @@
 #include <json/value.h>
 #include <windows.h>
 
+#include <iterator>
+
 #include "UserAuthService.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
@@ -23,7 +25,8 @@ JsonData Body() {
 }
 
 DeviceTag ReadDevice(const userauth::Reply& entry) {
-    const auto text = [&entry](const char* name) { return MultiByteToWide(entry.Text(name), kUtf8CodePage); };
+    // Up to the first zero byte of a text, as C strings end.
+    const auto text = [&entry](const char* name) { return MultiByteToWide(entry.Text(name).c_str(), kUtf8CodePage); };
     DeviceTag device;
     device.aliasName = text("aliasName");
     device.devDisplayName = text("devDisplayName");
@@ -56,7 +59,7 @@ bool UserAuthService::GetLoginDevicesHistory(std::vector<DeviceTag>& devices) tr
     for (const userauth::Reply& entry : userauth::Reply(result.szResponse).Elements("opRecordList")) {
         found.push_back(ReadDevice(entry));
     }
-    devices.insert(devices.end(), found.begin(), found.end());
+    devices.insert(devices.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
     // Also when the reply is no JSON or has no list.
     WriteLog(kSeverityProgress, __LINE__, kTag, L"GetLoginDevicesHistory successed!");
     return true;

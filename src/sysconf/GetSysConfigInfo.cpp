@@ -1,7 +1,6 @@
 #include <ctime>
 
 #include "UserAuthService.h"
-#include "core/AccountStateHold.h"
 #include "core/BoundedFormat.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
@@ -16,7 +15,7 @@ constexpr char kTag[] = "UserAuthService::GetSysConfigInfo";
 constexpr char kLogHook[] = "UserAuthService::GetSysConfigInfo::<lambda_1>::operator ()";
 constexpr char kErrorLogHook[] = "UserAuthService::GetSysConfigInfo::<lambda_2>::operator ()";
 
-// Processor time in seconds, of a clock that counts milliseconds as the platform's does.
+// Seconds by clock(), which counts milliseconds on the platform; the divisor is fixed, whatever CLOCKS_PER_SEC says.
 std::wstring SecondsSince(std::clock_t start) {
     char seconds[64] = {};
     userauth::FormatString(seconds, sizeof(seconds), "%f", static_cast<double>(std::clock() - start) / 1000.0);
@@ -27,10 +26,9 @@ std::wstring SecondsSince(std::clock_t start) {
 
 int UserAuthService::GetSysConfigInfo(std::string& reply) {
     const std::clock_t start = std::clock();
-    userauth::BasicServiceRequest request = userauth::SysConfRequest(m_strCountryCode);  // without the lock, by design
+    userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"sysConfInit");
-    request.userId = userauth::CopyExclusively(m_lock, m_strCurrentUserID);
-    request.accessToken = userauth::CopyExclusively(m_lock, m_strCurrentAT);
+    userauth::AskForSysConf(request, m_strCountryCode);  // read without the lock, by design
     request.logHook = kLogHook;
     request.errorLogHook = kErrorLogHook;
     const int code = userauth::SendBasicServiceRequest(request, reply);

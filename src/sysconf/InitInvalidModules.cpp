@@ -1,12 +1,16 @@
-#include <map>
+#include <algorithm>
+#include <iterator>
 
 #include "UserAuthService.h"
 #include "request/Reply.h"
 
 namespace {
 
-// Switch in the configuration -> the host's name of the module.
-const std::map<std::string, std::wstring> kModules = {
+struct Module {
+    const char* key;      // its switch in the configuration
+    const wchar_t* name;  // as the host calls it
+};
+constexpr Module kModules[] = {
     {"funcfg_contacts", L"Contacts"},
     {"funcfg_gallery", L"Gallery"},
     {"funcfg_notes", L"Notepad"},
@@ -20,12 +24,14 @@ const std::map<std::string, std::wstring> kModules = {
 
 // The name is the interface's: what it collects are the modules that are switched on.
 void UserAuthService::InitInvalidModules(Json::Value& root) {
-    m_vecValidModules.clear();
+    std::vector<std::wstring> modules;
     const userauth::Reply params = userauth::Reply::Of(root).Member("params");
     for (const std::string& name : params.MemberNames()) {
-        const auto module = kModules.find(name);
-        if (module != kModules.end() && params.ConvertedText(name.c_str()) == "true") {
-            m_vecValidModules.push_back(module->second);
+        const auto* const module = std::find_if(std::begin(kModules), std::end(kModules),
+                                                [&name](const Module& known) { return name == known.key; });
+        if (module != std::end(kModules) && params.ConvertedText(name.c_str()) == "true") {
+            modules.emplace_back(module->name);
         }
     }
+    m_vecValidModules.swap(modules);
 }

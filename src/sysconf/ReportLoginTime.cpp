@@ -2,7 +2,6 @@
 #include <json/writer.h>
 
 #include "UserAuthService.h"
-#include "core/AccountStateHold.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/SummaryLine.h"
@@ -32,11 +31,9 @@ std::wstring Body(const std::string& business) {
 
 // What the server answers is not judged: a failed report is in the log only.
 void UserAuthService::ReportLoginTime(std::string business) try {
-    userauth::BasicServiceRequest request;
+    userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"postOpDesc");
     request.body = Body(business);
-    request.userId = userauth::CopyExclusively(m_lock, m_strCurrentUserID);
-    request.accessToken = userauth::CopyExclusively(m_lock, m_strCurrentAT);
     request.logHook = kLogHook;
     std::string reply;
     const int code = userauth::SendBasicServiceRequest(request, reply);

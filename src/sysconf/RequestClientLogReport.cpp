@@ -1,5 +1,4 @@
 #include "UserAuthService.h"
-#include "core/AccountStateHold.h"
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
 #include "request/Reply.h"
@@ -16,11 +15,9 @@ constexpr char kLogHook[] = "UserAuthService::RequestClientLogReport::<lambda_1>
 }  // namespace
 
 bool UserAuthService::RequestClientLogReport() try {
-    userauth::BasicServiceRequest request;
+    userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"getUserRegister");
     request.body = L"{\"params\": [\"clientLogReport\"]}";
-    request.userId = userauth::CopyExclusively(m_lock, m_strCurrentUserID);
-    request.accessToken = userauth::CopyExclusively(m_lock, m_strCurrentAT);
     request.logHook = kLogHook;
     std::string text;
     const int code = userauth::SendBasicServiceRequest(request, text);
@@ -32,8 +29,10 @@ bool UserAuthService::RequestClientLogReport() try {
         return false;
     }
     const userauth::Reply reply(text);
-    // As the JSON library converts: null, false and 0.5 count as 0; a text, which it would refuse, is a failure.
-    if (!reply.Has("result") || !reply.Has("resultMap") || reply.ConvertedInteger("result") != 0) {
+    // As the JSON library converts: null, false and 0.5 count as 0. A text, or a map that is none, it would refuse: a
+    // failure.
+    if (!reply.Has("result") || !reply.Has("resultMap") || reply.ConvertedInteger("result") != 0 ||
+        !reply.MayHaveMembers("resultMap")) {
         return false;
     }
     m_bClientLogReport = reply.Member("resultMap").ConvertedText("clientLogReport") == "true";

@@ -2,9 +2,11 @@
 
 #include <openssl/crypto.h>
 #include <windows.h>
-// dpapi.h and wincrypt.h come after windows.h.
-#include <dpapi.h>
+// wincrypt.h comes after windows.h, and dpapi.h after that.
 #include <wincrypt.h>
+// clang-format off
+#include <dpapi.h>
+// clang-format on
 
 #include <algorithm>
 
@@ -23,7 +25,11 @@ public:
     SystemBlob& operator=(const SystemBlob&) = delete;
 
     DATA_BLOB* Out() { return &m_blob; }
-    std::string Bytes() const { return {reinterpret_cast<const char*>(m_blob.pbData), m_blob.cbData}; }
+    // Up to the first zero byte.
+    std::string Text() const {
+        const auto* const text = reinterpret_cast<const char*>(m_blob.pbData);
+        return std::string(text, std::find(text, text + m_blob.cbData, '\0'));
+    }
 
 private:
     DATA_BLOB m_blob{};
@@ -38,9 +44,7 @@ std::string UnprotectForCurrentUser(const std::string& blob) {
     if (CryptUnprotectData(&input, nullptr, nullptr, nullptr, nullptr, 0, output.Out()) == FALSE) {
         return {};
     }
-    std::string plaintext = output.Bytes();
-    plaintext.resize(std::min(plaintext.find('\0'), plaintext.size()));
-    return plaintext;
+    return output.Text();
 }
 
 }  // namespace userauth

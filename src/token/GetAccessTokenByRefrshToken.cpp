@@ -31,8 +31,8 @@ WebRequestResult SendRefresh(const std::wstring& refreshToken, const std::wstrin
     return result;
 }
 
-// The callback is the host's: what it throws must not leave the operation, nor skip the line that follows. It may register
-// another one; the copy only keeps the running one alive (SetAtExpireCallback).
+// The callback is the host's: what it throws must not leave the operation, nor skip the line that follows. It may
+// register another one; the copy only keeps the running one alive (SetAtExpireCallback).
 void RunAtExpireCallback(const std::function<void()>& registered) {
     if (!registered) {
         return;

@@ -11,8 +11,8 @@
 
 namespace {
 
-// The refresh token of the legacy item; empty when there is none to be had. The item's plaintext is the token and a time
-// stamp. Of that one only the length counts, deliberately: the age of the token is the server's business.
+// The refresh token of the legacy item; empty when there is none to be had. The item's plaintext is the token and a
+// time stamp. Of that one only the length counts, deliberately: the age of the token is the server's business.
 std::wstring LegacyRefreshToken() {
     const std::wstring item =
         ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken);
@@ -26,13 +26,15 @@ std::wstring LegacyRefreshToken() {
     if (plaintext.empty() || length <= 0) {
         return {};
     }
-    return userauth::MultiByteToWide(plaintext.substr(0, static_cast<std::size_t>(length)), userauth::kUtf8CodePage);
+    plaintext.resize(static_cast<std::size_t>(length));
+    return userauth::MultiByteToWide(plaintext, userauth::kUtf8CodePage);
 }
 
 }  // namespace
 
 std::wstring UserAuthService::GetOldVersionUserId() try {
-    const std::wstring refreshToken = LegacyRefreshToken();
+    std::wstring refreshToken = LegacyRefreshToken();
+    const userauth::WipeAtExit wipeToken(refreshToken);
     if (refreshToken.empty()) {
         return {};
     }

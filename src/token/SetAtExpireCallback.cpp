@@ -2,8 +2,8 @@
 
 #include "UserAuthService.h"
 
-// One copy of the host's callable, shared: a running callback stays alive when it registers another one, and what it keeps
-// between calls is kept.
+// One copy of the host's callable, shared: a running callback stays alive when it registers another one, and what it
+// keeps between calls is kept.
 void UserAuthService::SetAtExpireCallback(const std::function<void()>& callback) try {
     std::function<void()> stored;
     if (callback) {

@@ -149,7 +149,8 @@ public:
     // values of a name that comes more than once are joined with ", ".
     int Request(std::string& response, std::map<std::string, std::string>& replyHeaders);
     // Download form: the decoded body of a reply with a status of 200 to 299 goes to the FileTransferHandler that
-    // fileTransferHandler points to; that of any other status, an error page, is read and dropped. response stays empty.
+    // fileTransferHandler points to; that of any other status, an error page, is read and dropped. response stays
+    // empty.
     int Request(std::string& response, void* fileTransferHandler);
 
     // Authorities for requests that name no certificate path: a PEM file, or empty for the system's store. Any thread.

@@ -56,9 +56,7 @@ ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& argu
     m_process.reset(process.hProcess);
 }
 
-ChildProcess::~ChildProcess() {
-    Finish();
-}
+ChildProcess::~ChildProcess() { Finish(); }
 
 std::string ChildProcess::ReadLine() {
     std::string line;

@@ -56,7 +56,7 @@ std::string KeyServerPeer::PublicKeyText() const {
 }
 
 std::optional<Bytes> KeyServerPeer::UnwrapTemporaryKey(const std::string& token, Bytes* secret) const {
-    if (token.size() != 185 || token[124] != ':') {
+    if (token.size() != 185 || token[124] != ':' || token.find_first_of("+/") != std::string::npos) {
         return std::nullopt;
     }
     const Bytes publicKey = Decode(token.substr(0, 124));

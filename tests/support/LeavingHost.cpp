@@ -5,11 +5,12 @@
 #include <cstdio>
 #include <string>
 
-// A host that leaves while a portrait download runs: leaving-host.exe WAY CONFIGURATION ACCESS-TOKEN AUTHORITY-FILE. It loads
-// the service as a plug-in host would, finding its entry points by name.
+// A host that leaves while a portrait download runs: leaving-host.exe WAY CONFIGURATION ACCESS-TOKEN AUTHORITY-FILE. It
+// loads the service as a plug-in host would, finding its entry points by name.
 //
 //   return, exit-process   ends the process, with exit code 42
-//   unload                 unloads the service: 42 when it stays loaded while the download runs and goes away afterwards
+//   unload                 unloads the service: 42 when it stays loaded while the download runs and goes away
+// afterwards
 
 class UserAuthService;
 
@@ -22,9 +23,7 @@ Function Entry(const char* name) {
     return reinterpret_cast<Function>(GetProcAddress(g_module, name));
 }
 
-bool IsLoaded() {
-    return GetModuleHandleW(L"UserAuthService.dll") != nullptr;
-}
+bool IsLoaded() { return GetModuleHandleW(L"UserAuthService.dll") != nullptr; }
 
 int Fail(const char* reason) {
     std::fputs(reason, stderr);

@@ -14,9 +14,7 @@
 
 namespace {
 
-std::wstring Wide(const std::string& ascii) {
-    return {ascii.begin(), ascii.end()};
-}
+std::wstring Wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
 
 std::string Compact(const Json::Value& value) {
     Json::StreamWriterBuilder builder;
@@ -102,13 +100,9 @@ Json::Value SandboxServer::Control(const std::string& path, const Json::Value& b
     return Exchange(path, &text);
 }
 
-Json::Value SandboxServer::Control(const std::string& path) {
-    return Exchange(path, nullptr);
-}
+Json::Value SandboxServer::Control(const std::string& path) { return Exchange(path, nullptr); }
 
-std::wstring SandboxServer::Url(const std::string& path) const {
-    return Wide(m_http + path);
-}
+std::wstring SandboxServer::Url(const std::string& path) const { return Wide(m_http + path); }
 
 void SandboxServer::Fault(const std::string& endpoint, const std::string& faultJson) {
     Json::Value fault = Parse(faultJson);

@@ -100,12 +100,8 @@ EventAdminModule* EventAdminModule::GetInstance() {
     static EventAdminModule hub;
     return &hub;
 }
-void EventAdminModule::SyncDriveKeyOk() {
-    Record("hub SyncDriveKeyOk");
-}
-void EventAdminModule::CloudPhotoKeyOk() {
-    Record("hub CloudPhotoKeyOk");
-}
+void EventAdminModule::SyncDriveKeyOk() { Record("hub SyncDriveKeyOk"); }
+void EventAdminModule::CloudPhotoKeyOk() { Record("hub CloudPhotoKeyOk"); }
 
 // ---- Parameter store
 
@@ -119,21 +115,11 @@ GlobalParamWrapper* GlobalParamWrapper::GetInstance() {
     return &store;
 }
 
-std::wstring GlobalParamWrapper::GetPortalUrl() const {
-    return L"https://portal.example.com";
-}
-std::wstring GlobalParamWrapper::GetGWUrl() const {
-    return L"https://gateway.example.com";
-}
-std::wstring GlobalParamWrapper::GetSyncServerUrl() const {
-    return L"https://sync.example.com";
-}
-std::wstring GlobalParamWrapper::GetUserInformationserviceUrl() const {
-    return L"https://user.example.com";
-}
-std::wstring GlobalParamWrapper::GetBasicUrl() const {
-    return L"https://basic.example.com";
-}
+std::wstring GlobalParamWrapper::GetPortalUrl() const { return L"https://portal.example.com"; }
+std::wstring GlobalParamWrapper::GetGWUrl() const { return L"https://gateway.example.com"; }
+std::wstring GlobalParamWrapper::GetSyncServerUrl() const { return L"https://sync.example.com"; }
+std::wstring GlobalParamWrapper::GetUserInformationserviceUrl() const { return L"https://user.example.com"; }
+std::wstring GlobalParamWrapper::GetBasicUrl() const { return L"https://basic.example.com"; }
 st_UserInfo& GlobalParamWrapper::GetUserInfo() {
     static st_UserInfo record{};
     return record;
@@ -145,42 +131,24 @@ ConfigEntityManager* ConfigEntityManager::GetInstance() {
 std::wstring ConfigEntityManager::GetConfigContentDatas(ConfigEntityEnum item) const {
     return item == ConfigEntityEnum::kLegacyRefreshToken ? Recording().legacyItem : L"";
 }
-std::wstring GlobalParamWrapper::GetAppDataLocalPath() const {
-    return Recording().appDataFolder;
-}
+std::wstring GlobalParamWrapper::GetAppDataLocalPath() const { return Recording().appDataFolder; }
 HWND__* GlobalParamWrapper::GetMainWnd() const {
     if (Recording().onMainWindowAsked) {
         Recording().onMainWindowAsked();
     }
     return Recording().mainWindow;
 }
-std::wstring GlobalParamWrapper::GetSystemUUid() const {
-    return L"00112233445566778899aabbccddeeff";
-}
-std::wstring GlobalParamWrapper::GetCountryCode() const {
-    return L"TH";
-}
-std::wstring GlobalParamWrapper::GetZvClientMode() const {
-    return L"1";
-}
-void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
-    Push("SetCurrentAt", accessToken);
-}
-void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
-    Push("SetCurrentRt", refreshToken);
-}
-void GlobalParamWrapper::SetUserID(const std::wstring& userId) {
-    Push("SetUserID", userId);
-}
+std::wstring GlobalParamWrapper::GetSystemUUid() const { return L"00112233445566778899aabbccddeeff"; }
+std::wstring GlobalParamWrapper::GetCountryCode() const { return L"TH"; }
+std::wstring GlobalParamWrapper::GetZvClientMode() const { return L"1"; }
+void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) { Push("SetCurrentAt", accessToken); }
+void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) { Push("SetCurrentRt", refreshToken); }
+void GlobalParamWrapper::SetUserID(const std::wstring& userId) { Push("SetUserID", userId); }
 void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
     Push("SetAppAT", applicationAccessToken);
 }
-void GlobalParamWrapper::SetAtIsExpired(bool expired) {
-    Push("SetAtIsExpired", expired ? L"true" : L"false");
-}
-void GlobalParamWrapper::SetStartSend(bool start) {
-    Push("SetStartSend", start ? L"true" : L"false");
-}
+void GlobalParamWrapper::SetAtIsExpired(bool expired) { Push("SetAtIsExpired", expired ? L"true" : L"false"); }
+void GlobalParamWrapper::SetStartSend(bool start) { Push("SetStartSend", start ? L"true" : L"false"); }
 
 // ---- HTTP
 
@@ -213,7 +181,7 @@ void BasicHttpLibStrategy::SetHeaders(const HeaderMap& headers) {
 void BasicHttpLibStrategy::SetHeaders(const std::wstring& userId, const std::wstring& applicationId,
                                       const std::wstring& accessToken) {
     Record("http SetHeaders " + Utf8(userId) + " " + Utf8(applicationId) + " " + Utf8(accessToken));
-    m_state->headers = {{L"standard", L"set"}};
+    m_state->headers = Recording().standardHeaders;
 }
 const BasicHttpLibStrategy::HeaderMap& BasicHttpLibStrategy::GetHeaders() const {
     Record("http GetHeaders ");
@@ -223,9 +191,7 @@ void BasicHttpLibStrategy::SetPostData(const std::wstring& body) {
     Record("http SetPostData " + Utf8(body));
     m_state->postData = body;
 }
-void BasicHttpLibStrategy::SetCertPath(const std::wstring& path) {
-    Record("http SetCertPath " + Utf8(path));
-}
+void BasicHttpLibStrategy::SetCertPath(const std::wstring& path) { Record("http SetCertPath " + Utf8(path)); }
 void BasicHttpLibStrategy::SetLogFunction(LogFunction function) {
     Record("http SetLogFunction ");
     m_state->log = std::move(function);
@@ -234,21 +200,11 @@ void BasicHttpLibStrategy::SetErrorLogFunction(LogFunction function) {
     Record("http SetErrorLogFunction ");
     m_state->logError = std::move(function);
 }
-const std::wstring& BasicHttpLibStrategy::Url() const {
-    return m_state->url;
-}
-HttpRequestMethod BasicHttpLibStrategy::Method() const {
-    return m_state->method;
-}
-const std::map<std::wstring, std::wstring>& BasicHttpLibStrategy::Headers() const {
-    return m_state->headers;
-}
-const std::wstring& BasicHttpLibStrategy::PostData() const {
-    return m_state->postData;
-}
-const std::wstring& BasicHttpLibStrategy::CertPath() const {
-    return m_state->certPath;
-}
+const std::wstring& BasicHttpLibStrategy::Url() const { return m_state->url; }
+HttpRequestMethod BasicHttpLibStrategy::Method() const { return m_state->method; }
+const std::map<std::wstring, std::wstring>& BasicHttpLibStrategy::Headers() const { return m_state->headers; }
+const std::wstring& BasicHttpLibStrategy::PostData() const { return m_state->postData; }
+const std::wstring& BasicHttpLibStrategy::CertPath() const { return m_state->certPath; }
 void BasicHttpLibStrategy::Log(const std::wstring& message) const {
     if (m_state->log) {
         m_state->log(message);
@@ -266,9 +222,7 @@ struct FileTransferHandler::State {
 
 FileTransferHandler::FileTransferHandler() : m_state(std::make_unique<State>()) {}
 FileTransferHandler::~FileTransferHandler() = default;
-void FileTransferHandler::SetWriteDataFunc(WriteDataFunction function) {
-    m_state->write = std::move(function);
-}
+void FileTransferHandler::SetWriteDataFunc(WriteDataFunction function) { m_state->write = std::move(function); }
 bool FileTransferHandler::WriteData(const char* data, std::size_t size, bool finalBlock) {
     return m_state->write(data, size, finalBlock);
 }

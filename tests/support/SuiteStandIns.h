@@ -41,6 +41,9 @@ struct SuiteRecording {
     std::wstring postData;
     std::wstring url;
 
+    // What the three-value SetHeaders makes.
+    std::map<std::wstring, std::wstring> standardHeaders = {{L"standard", L"set"}};
+
     std::wstring appDataFolder;
     std::wstring legacyItem;
     HWND__* mainWindow = nullptr;

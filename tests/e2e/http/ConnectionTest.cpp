@@ -100,9 +100,7 @@ RawReply RedirectTo(const std::string& status, const std::string& location) {
     return {RawReplyBytes(status, "Location: " + location + "\r\n", "moved")};
 }
 
-std::string Narrow(const std::wstring& url) {
-    return std::string(url.begin(), url.end());
-}
+std::string Narrow(const std::wstring& url) { return std::string(url.begin(), url.end()); }
 
 TEST(HttpRedirect, OnOneHost) {
     struct Row {

@@ -4,9 +4,7 @@
 
 namespace {
 
-bool Holds(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+bool Holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 TEST(HttpRequest, BytesOnTheWire) {
     struct Row {

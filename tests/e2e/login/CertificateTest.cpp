@@ -4,9 +4,7 @@
 
 namespace {
 
-std::wstring Wide(const std::string& ascii) {
-    return {ascii.begin(), ascii.end()};
-}
+std::wstring Wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
 
 // One GET; returns the code and the library's error text.
 std::pair<int, std::string> Get(const std::string& url) {

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 #include <set>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -40,83 +41,34 @@ std::set<std::string> ExportsOf(const char* library) {
     return result;
 }
 
+void AddMembers(std::set<std::string>& names, const std::string& type, const std::string& members) {
+    std::istringstream words(members);
+    for (std::string member; words >> member;) {
+        names.insert(type + "::" + member);
+    }
+}
+
 }  // namespace
 
 TEST(ExportTable, HasExactlyThePublishedNames) {
     std::set<std::string> expected = {"FnUserAuthService", "g_nUserAuthService"};
-    for (const char* member : {"UserAuthService",
-                               "~UserAuthService",
-                               "__autoclassinit2",
-                               "GetInstance",
-                               "Clear",
-                               "GetCurrentAT",
-                               "GetCurrentRT",
-                               "GetCurrentUserID",
-                               "GetCurrentUserName",
-                               "GetCurrentUserHeadImageUrl",
-                               "GetCurrentUserHeadImageLocalPath",
-                               "GetCurrentCountryCode",
-                               "SetCurrentAT",
-                               "SetCurrentRT",
-                               "SetCurrrentUserID",
-                               "SetCurrentUserHeadImageLocalPath",
-                               "SetCurrentUserInfo",
-                               "GetCurrentUserAccountBrandID",
-                               "GetCountryCode",
-                               "GetLanguageType",
-                               "GetCurrentPriviledge",
-                               "GetClientLogReportStatus",
-                               "IsActiveAccount",
-                               "IsAvailableCountry",
-                               "GetValidModule",
-                               "SetRealUserKey",
-                               "GetRealUserKey",
-                               "GetGPWPtr",
-                               "GetTraceID",
-                               "GetRandom",
-                               "BuildHeaders",
-                               "GetAuthorizationContents",
-                               "StringToJson",
-                               "RequestAT",
-                               "LoadZMSSDKLibrary",
-                               "UpdateAppIdConfig",
-                               "InitializeSDK",
-                               "UnInitializeSDK",
-                               "ZmsSignIn",
-                               "OpenAccountCenterInvoke",
-                               "RegisterLogout",
-                               "IsZmsAccountChanged",
-                               "RegisterNotifyFunctionInvoke",
-                               "GetAccessTokenByRefrshToken",
-                               "SetAtExpireCallback",
-                               "RequestApplicationAT",
-                               "RequestUserID",
-                               "RequestUserIdFromSyncServer",
-                               "RequestUserInfo",
-                               "UpdateRegistInfo",
-                               "IsChinaAccount",
-                               "InitZms",
-                               "IsZmsSignIn",
-                               "GetRtqRemoteInfo",
-                               "GetOldVersionUserId",
-                               "GetSysConfigInfo",
-                               "InitSysConf",
-                               "InitPcAvailable",
-                               "InitActiveAccount",
-                               "InitInvalidModules",
-                               "ActiveUser",
-                               "ReportLoginTime",
-                               "RequestClientLogReport",
-                               "GetLoginDevicesHistory",
-                               "ExportContracts",
-                               "ContractsCounts"}) {
-        expected.insert(std::string("UserAuthService::") + member);
-    }
-    for (const char* member :
-         {"UserSyncKeyService", "~UserSyncKeyService", "operator=", "InitUserSyncKey", "getUserKeyList",
-          "encodeUserKey", "ClearUserSyncKey", "IsSyncDriveKeyInited", "IsCloudPhotoKeyInited"}) {
-        expected.insert(std::string("UserSyncKeyService::") + member);
-    }
+    AddMembers(expected, "UserAuthService",
+               "UserAuthService ~UserAuthService __autoclassinit2 GetInstance Clear GetCurrentAT GetCurrentRT "
+               "GetCurrentUserID GetCurrentUserName GetCurrentUserHeadImageUrl GetCurrentUserHeadImageLocalPath "
+               "GetCurrentCountryCode SetCurrentAT SetCurrentRT SetCurrrentUserID SetCurrentUserHeadImageLocalPath "
+               "SetCurrentUserInfo GetCurrentUserAccountBrandID GetCountryCode GetLanguageType GetCurrentPriviledge "
+               "GetClientLogReportStatus IsActiveAccount IsAvailableCountry GetValidModule SetRealUserKey "
+               "GetRealUserKey GetGPWPtr GetTraceID GetRandom BuildHeaders GetAuthorizationContents StringToJson "
+               "RequestAT LoadZMSSDKLibrary UpdateAppIdConfig InitializeSDK UnInitializeSDK ZmsSignIn "
+               "OpenAccountCenterInvoke RegisterLogout IsZmsAccountChanged RegisterNotifyFunctionInvoke "
+               "GetAccessTokenByRefrshToken SetAtExpireCallback RequestApplicationAT RequestUserID "
+               "RequestUserIdFromSyncServer RequestUserInfo UpdateRegistInfo IsChinaAccount InitZms IsZmsSignIn "
+               "GetRtqRemoteInfo GetOldVersionUserId GetSysConfigInfo InitSysConf InitPcAvailable InitActiveAccount "
+               "InitInvalidModules ActiveUser ReportLoginTime RequestClientLogReport GetLoginDevicesHistory "
+               "ExportContracts ContractsCounts");
+    AddMembers(expected, "UserSyncKeyService",
+               "UserSyncKeyService ~UserSyncKeyService operator= InitUserSyncKey getUserKeyList encodeUserKey "
+               "ClearUserSyncKey IsSyncDriveKeyInited IsCloudPhotoKeyInited");
     EXPECT_EQ(ExportsOf("UserAuthService.dll"), expected);
 }
 

@@ -9,9 +9,7 @@ namespace {
 
 const char kExchange[] = "/pcclient/getAccessTokenByCode";
 
-std::string Utf8(const std::wstring& ascii) {
-    return {ascii.begin(), ascii.end()};
-}
+std::string Utf8(const std::wstring& ascii) { return {ascii.begin(), ascii.end()}; }
 
 }  // namespace
 

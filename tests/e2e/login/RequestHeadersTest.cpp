@@ -38,9 +38,7 @@ protected:
     std::string m_reply;
 };
 
-std::string Narrow(const std::wstring& ascii) {
-    return {ascii.begin(), ascii.end()};
-}
+std::string Narrow(const std::wstring& ascii) { return {ascii.begin(), ascii.end()}; }
 
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <mutex>
 #include <random>
@@ -31,7 +32,8 @@ const char* const kEndpoints[] = {"/pcclient/refreshtoken",
 const std::vector<std::wstring> kModules = {L"Contacts",    L"Drive",   L"FindDevice", L"Gallery",
                                             L"ManageSpace", L"Notepad", L"Recorder"};
 
-// Handles of this process, by the system's table of all: the count that the system has for one process reads 0 under Wine.
+// Handles of this process, by the system's table of all: the count that the system has for one process reads 0 under
+// Wine.
 std::size_t OpenHandles() {
     struct Entry {
         void* object;
@@ -83,8 +85,8 @@ std::ostream& operator<<(std::ostream& out, const Resources& resources) {
                << " KiB";
 }
 
-// One session that everything happens to at once. What the service leaves to the host to order is ordered here: a country
-// that a sign-in writes, the lists and flags without a lock, the user record, the portrait's file.
+// One session that everything happens to at once. What the service leaves to the host to order is ordered here: a
+// country that a sign-in writes, the lists and flags without a lock, the user record, the portrait's file.
 class Soak : public SandboxSession {
 protected:
     Soak() { SignInWhole(); }
@@ -158,41 +160,23 @@ protected:
     }
 
     void One(std::mt19937& random) {
-        switch (random() % 16) {
-            case 0:
-                return Configure();
-            case 1:
-                return Report();
-            case 2:
-                return Keys();
-            case 3:
-                return Contacts();
-            case 4:
-                return Devices();
-            case 5:
-                return Profile();
-            case 6:
-                return Spoil(random);
-            case 7:
-                return random() % 4 == 0 ? SignInAgain() : Read();
-            case 8:
-                return random() % 4 == 0 ? m_service->Clear() : Read();
-            case 9:
-                m_service->GetAccessTokenByRefrshToken();
-                return;
-            case 10:
-                m_service->RequestApplicationAT();
-                return;
-            case 11:
-                m_service->RequestUserIdFromSyncServer();
-                return;
-            case 12:
-                m_service->SetCurrrentUserID(kUserId);
-                return;
-            default:
-                m_service->RequestUserID();
-                return;
-        }
+        const std::function<void()> operations[] = {
+            [&] { Configure(); },
+            [&] { Report(); },
+            [&] { Keys(); },
+            [&] { Contacts(); },
+            [&] { Devices(); },
+            [&] { Profile(); },
+            [&] { Spoil(random); },
+            [&] { random() % 4 == 0 ? SignInAgain() : Read(); },
+            [&] { random() % 4 == 0 ? m_service->Clear() : Read(); },
+            [&] { m_service->GetAccessTokenByRefrshToken(); },
+            [&] { m_service->RequestApplicationAT(); },
+            [&] { m_service->RequestUserIdFromSyncServer(); },
+            [&] { m_service->SetCurrrentUserID(kUserId); },
+            [&] { m_service->RequestUserID(); },
+        };
+        operations[random() % std::size(operations)]();
     }
 
     void Run(int operations) {

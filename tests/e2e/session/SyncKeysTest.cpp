@@ -3,9 +3,11 @@
 #include <UserSyncKeyService.h>
 #include <openssl/sha.h>
 #include <windows.h>
-// dpapi.h and wincrypt.h come after windows.h.
-#include <dpapi.h>
+// wincrypt.h comes after windows.h, and dpapi.h after that.
 #include <wincrypt.h>
+// clang-format off
+#include <dpapi.h>
+// clang-format on
 
 #include <set>
 
@@ -157,8 +159,10 @@ TEST_F(SyncKeys, AThousandTokensOpenAtThePlatformAndNoNonceRepeats) {
 
 TEST_F(SyncKeys, ALegacySignInIsTakenOver) {
     const std::wstring refreshToken = m_service->GetCurrentRT();
-    std::string plaintext(refreshToken.begin(), refreshToken.end());
-    plaintext += "2021-05-06 07:08:09";
+    std::string plaintext;
+    for (const wchar_t character : refreshToken + L"2021-05-06 07:08:09") {
+        plaintext += static_cast<char>(character);
+    }
     DATA_BLOB input{static_cast<DWORD>(plaintext.size()), reinterpret_cast<BYTE*>(plaintext.data())};
     DATA_BLOB output{};
     ASSERT_TRUE(CryptProtectData(&input, nullptr, nullptr, nullptr, nullptr, 0, &output));

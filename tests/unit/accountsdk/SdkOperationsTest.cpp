@@ -6,9 +6,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-int Code(ZvIdErrorType type) {
-    return static_cast<int>(type);
-}
+int Code(ZvIdErrorType type) { return static_cast<int>(type); }
 
 std::string Log(const char* severity, const std::string& operation, const std::string& message) {
     return "log 10 " + std::string(severity) + " UserAuthService::" + operation + " " + message;

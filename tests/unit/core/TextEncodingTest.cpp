@@ -10,9 +10,7 @@ using userauth::UrlEncode;
 using userauth::WideToMultiByte;
 
 // The rows below hold for the Western code page; with another one they would prove nothing.
-TEST(TextEncoding, RunsOnTheWesternCodePage) {
-    ASSERT_EQ(GetACP(), 1252U);
-}
+TEST(TextEncoding, RunsOnTheWesternCodePage) { ASSERT_EQ(GetACP(), 1252U); }
 
 TEST(TextEncoding, EachCodePageDecodesItsOwnBytes) {
     const std::string eAcuteInUtf8 = "\xC3\xA9";

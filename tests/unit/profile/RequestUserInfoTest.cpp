@@ -149,7 +149,8 @@ TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
     }
 }
 
-// A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only overwritten.
+// A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only
+// overwritten.
 TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
     const std::filesystem::path link = Portrait().parent_path() / "link";
     ASSERT_TRUE(CreateHardLinkW(link.c_str(), Portrait().c_str(), nullptr));

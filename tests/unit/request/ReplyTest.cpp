@@ -39,3 +39,35 @@ TEST(Reply, WrongTypesReadAsEmptyOrZero) {
         EXPECT_EQ(reply.Member("o").Member("deeper").Text("x"), "") << row.name;
     }
 }
+
+TEST(Reply, ConvertedFormsFollowTheJsonLibrary) {
+    const struct {
+        const char* value;
+        const char* text;
+        std::optional<int> integer;
+        bool isOne;
+    } rows[] = {
+        {"1", "1", 1, true},
+        {"1.0", "1.0", 1, false},
+        {"\"1\"", "1", std::nullopt, false},
+        {"true", "true", 1, false},
+        {"null", "", 0, false},
+        {"-0.9", "-0.90000000000000002", 0, false},
+        {"[1]", "", std::nullopt, false},
+        {"{}", "", std::nullopt, false},
+        {"2147483648", "2147483648", std::nullopt, false},
+        {"-2147483648.5", "-2147483648.5", std::nullopt, false},
+    };
+    for (const auto& row : rows) {
+        const userauth::Reply reply(std::string("{\"m\":") + row.value + "}");
+        EXPECT_EQ(reply.ConvertedText("m"), row.text) << row.value;
+        EXPECT_EQ(reply.ConvertedInteger("m"), row.integer) << row.value;
+        EXPECT_EQ(reply.Equals("m", 1), row.isOne) << row.value;
+        EXPECT_TRUE(reply.Has("m"));
+    }
+    for (const char* root : {"[[1]]", "7", "\"m\"", "oops", "{}"}) {
+        const userauth::Reply reply(root);
+        EXPECT_TRUE(!reply.Has("m") && reply.MemberNames().empty() && reply.Elements("m").empty()) << root;
+        EXPECT_TRUE(reply.ConvertedText("m").empty() && !reply.Equals("m", 0) && !reply.HasInteger("m")) << root;
+    }
+}

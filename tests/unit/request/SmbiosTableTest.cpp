@@ -46,9 +46,7 @@ DeviceIdentity Read(const Bytes& table) {
     return ReadSmbiosTable(start, table.size());
 }
 
-DeviceIdentity ReadStructures(const Bytes& structures) {
-    return Read(Table(structures, structures.size()));
-}
+DeviceIdentity ReadStructures(const Bytes& structures) { return Read(Table(structures, structures.size())); }
 
 const Bytes kNumbers = "\1\2\3\4";
 const Bytes kEnd = Structure(127, 4, "", Strings({}));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <random>
 
 #include "KeyServerPeer.h"
@@ -15,9 +17,7 @@ namespace {
 
 const Bytes kFailure = {0};
 
-std::string Hex(const Bytes& bytes) {
-    return userauth::LowerHex(bytes);
-}
+std::string Hex(const Bytes& bytes) { return userauth::LowerHex(bytes); }
 
 std::string UrlText(const std::string& bytes) {
     return userauth::Base64UrlEncode(reinterpret_cast<const unsigned char*>(bytes.data()),
@@ -146,8 +146,9 @@ TEST(AesGcm, SurvivesRandomBlobs) {
     for (int round = 0; round < 10'000; ++round) {
         Bytes blob(random() % 100);
         Bytes key(random() % 40);
-        std::generate(blob.begin(), blob.end(), std::ref(random));
-        std::generate(key.begin(), key.end(), std::ref(random));
+        const auto byte = [&random] { return static_cast<unsigned char>(random()); };
+        std::generate(blob.begin(), blob.end(), byte);
+        std::generate(key.begin(), key.end(), byte);
         ASSERT_EQ(userauth::AesGcmDecrypt(blob, key), kFailure);
     }
 }

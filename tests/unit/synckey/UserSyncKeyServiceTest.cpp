@@ -3,6 +3,7 @@
 #include <HttpLib.h>
 #include <ParamStore.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "KeyServerPeer.h"
@@ -25,14 +26,18 @@ const Bytes kTemporaryKey(16, 0x11);
 const std::string kChecked = "log 10 2 UserSyncKeyService::encodeUserKey check user key sha256 success, keyType:";
 const std::string kRefused = "log 10 5 UserSyncKeyService::encodeUserKey check user key sha256 fail, keyType:";
 
-Bytes DigestOf(const Bytes& bytes) {
-    return FromHex(userauth::Sha256Hex(bytes));
-}
+Bytes DigestOf(const Bytes& bytes) { return FromHex(userauth::Sha256Hex(bytes)); }
 
 std::string Entry(const std::string& keyType, const Bytes& temporaryKey, const Bytes& key, const std::string& uuid) {
     return R"({"keyType":)" + keyType + R"(,"encryptedKey":")" + KeyServerPeer::Wrap(temporaryKey, key) +
            R"(","keySHA256":")" + KeyServerPeer::Wrap(temporaryKey, DigestOf(key)) + R"(","keyUuid":")" + uuid +
            R"("})";
+}
+
+std::string Ascii(const std::wstring& wide) {
+    std::string text;
+    std::transform(wide.begin(), wide.end(), std::back_inserter(text), [](wchar_t c) { return static_cast<char>(c); });
+    return text;
 }
 
 class UserSyncKeyServiceTest : public testing::Test {
@@ -44,6 +49,11 @@ protected:
         Recording() = SuiteRecording();
     }
 
+    ~UserSyncKeyServiceTest() override {
+        Recording().duringExchange = nullptr;
+        std::memset(&m_record, 0, sizeof(m_record));
+    }
+
     // Answers the public key and then lists, which lists gives for a data type and the temporary key of the exchange.
     void Serve(std::function<std::string(const std::string& dataType, const Bytes& temporaryKey)> lists) {
         Recording().duringExchange = [this, lists = std::move(lists)](const std::wstring& url) {
@@ -53,10 +63,10 @@ protected:
                     {200, R"({"version":"v\u00e9","publicKey":")" + m_peer.PublicKeyText() + "\"}", {}}};
                 return;
             }
-            const std::wstring token = Recording().requestHeaders.at(L"x-zv-tempKey");
-            const auto key = m_peer.UnwrapTemporaryKey({token.begin(), token.end()});
+            const auto key = m_peer.UnwrapTemporaryKey(Ascii(Recording().requestHeaders.at(L"x-zv-tempKey")));
             ASSERT_TRUE(key);
-            Recording().replies = {{200, lists(url.back() == L'1' ? "11" : "12", *key), {}}};
+            m_asked += Ascii(url.substr(url.size() - 2)) + " ";
+            Recording().replies = {{200, lists(Ascii(url.substr(url.size() - 2)), *key), {}}};
         };
     }
 
@@ -64,6 +74,7 @@ protected:
     st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     UserSyncKeyService m_keys;
     std::map<std::wstring, std::wstring> m_publicKeyHeaders;
+    std::string m_asked;  // the data types of the lists
 };
 
 }  // namespace
@@ -115,14 +126,42 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
 }
 
 TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
-    m_record.driveKey1[16] = 1;
-    Serve([](const std::string& dataType, const Bytes& temporaryKey) {
-        EXPECT_EQ(dataType, "12");
-        return R"({"keys":[)" + Entry("1", temporaryKey, Bytes(16, 1), "u") + "]}";
-    });
-    EXPECT_FALSE(m_keys.InitUserSyncKey()) << "the photo library's is the key of type 3";
-    EXPECT_EQ(Recording().TakeOutcome(), (Lines{kChecked + "1", "hub SyncDriveKeyOk"}));
-    EXPECT_EQ(Recording().Lines("http Request").size(), 0U) << "the journal was taken";
+    const std::string url = "http SetUrl https://user.example.com/KeCloudUserInformationService/v1/keys";
+    const std::string hook = "log 10 0 UserAuthRequest::SendWebRequest::<lambda_4>::operator () progress text";
+    const auto exchange = [&](const std::string& rest, const char* headers) {
+        return Lines{url + rest,
+                     "http SetLogFunction ",
+                     "http SetHttpRequestMethod 0",
+                     std::string("http SetHeaders ") + headers,
+                     "http SetCertPath ",
+                     "http SetPostData null\n",
+                     "http Request -1",
+                     hook};
+    };
+    const struct {
+        bool drive;  // is there, in the last byte of its field; the list gives the key that does not count
+        const char* dataType;
+        const char* checked;
+        const char* announced;
+    } rows[] = {{true, "12", "1", "hub SyncDriveKeyOk"}, {false, "11", "3", "hub CloudPhotoKeyOk"}};
+    for (const auto& row : rows) {
+        std::memset(&m_record, 0, sizeof(m_record));
+        (row.drive ? m_record.driveKey1[16] : m_record.photoKey3[32]) = 1;
+        m_asked.clear();
+        Recording().journal.clear();
+        Serve([&row](const std::string&, const Bytes& temporaryKey) {
+            return R"({"keys":[)" + Entry(row.checked, temporaryKey, Bytes(row.drive ? 16 : 32, 1), "u") + "]}";
+        });
+        EXPECT_FALSE(m_keys.InitUserSyncKey());
+        EXPECT_EQ(m_asked, std::string(row.dataType) + " ");
+        EXPECT_EQ(m_keys.IsSyncDriveKeyInited(), row.drive);
+        EXPECT_EQ(m_keys.IsCloudPhotoKeyInited(), !row.drive);
+        Lines expected = exchange("/publicKey", "6");
+        const Lines list = exchange(std::string("?dataType=") + row.dataType, "10");
+        expected.insert(expected.end(), list.begin(), list.end());
+        expected.insert(expected.end(), {kChecked + row.checked, row.announced});
+        EXPECT_EQ(Recording().journal, expected);
+    }
 }
 
 TEST_F(UserSyncKeyServiceTest, NoKeyWithoutAUsablePublicKey) {
@@ -163,6 +202,10 @@ TEST_F(UserSyncKeyServiceTest, WhatAListMayHold) {
                     Entry("1.0", t, key, "u") + "," + Entry("true", t, key, "u") + "]}";
          },
          {},
+         false},
+        {"members of other types",
+         [&](const Bytes&) { return R"({"keys":[{"keyType":1,"encryptedKey":{},"keySHA256":[],"keyUuid":7}]})"; },
+         {kRefused + "1"},
          false},
         {"digest of another key",
          [&](const Bytes& t) {
@@ -217,6 +260,8 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
     } rows[] = {
         {"long uuid fits", Bytes(16, 1), Bytes(16, 1), 1, L"11", longestUuid, true, 16 + 32},
         {"longer uuid is left out", Bytes(32, 1), Bytes(32, 1), 3, L"12", longestUuid + "u", true, 32},
+        {"uuid ends at its zero", Bytes(16, 1), Bytes(16, 1), 1, L"12", "abc" + std::string(40, '\0') + "d", true,
+         16 + 3},
         {"key beyond its field", Bytes(32, 1), Bytes(32, 1), 1, L"11", "uuid", true, 0},
         {"short key in the long field", Bytes(16, 1), Bytes(16, 1), 3, L"11", "uuid", true, 16 + 4},
         {"other key type", Bytes(16, 1), Bytes(16, 1), 2, L"11", "uuid", true, 0},
@@ -239,10 +284,18 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
     std::memset(&m_record, 0, sizeof(m_record));
     const std::string encrypted = KeyServerPeer::Wrap(kTemporaryKey, Bytes(16, 1));
     const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(Bytes(16, 1)));
-    for (std::size_t index = 0; index < encrypted.size() - 1; ++index) {
-        std::string other = encrypted;
-        other[index] = other[index] == 'A' ? 'B' : 'A';
-        EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(other, digest, "u", 1, kTemporaryKey, L"11")) << index;
+    // Changed in a bit that counts: the last character before the padding has two that do not.
+    const auto changed = [](std::string text, std::size_t at) {
+        text[at] = text[at] >= 'A' && text[at] <= 'P' ? 'Q' : 'A';
+        return text;
+    };
+    for (std::size_t at = 0; at < digest.size(); ++at) {
+        EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(encrypted, changed(digest, at), "u", 1, kTemporaryKey, L"11"))
+            << at;
+        if (at < encrypted.size() - 1) {
+            EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(changed(encrypted, at), digest, "u", 1, kTemporaryKey, L"11"))
+                << at;
+        }
     }
     EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
 }

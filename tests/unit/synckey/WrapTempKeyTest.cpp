@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <set>
 
@@ -19,9 +20,7 @@ std::string FromUrlText(std::string text) {
     return userauth::Base64Decode(text);
 }
 
-std::string ClientKeyOf(const std::string& token) {
-    return FromUrlText(token.substr(0, 124));
-}
+std::string ClientKeyOf(const std::string& token) { return FromUrlText(token.substr(0, 124)); }
 
 // What the blob of a token gives under a secret of zeros.
 Bytes OpenedWithoutSecret(const std::string& token) {
@@ -96,6 +95,12 @@ TEST(WrapTempKey, AServerKeyThatIsNoneYieldsATokenMadeOfZeros) {
         EXPECT_EQ(clientKey.find_first_not_of('\0', row.headerBytes) == std::string::npos, !row.clientPointWritten)
             << row.name;
     }
+    // The hybrid form is a point too: it gives a secret, but the client's point stays zero.
+    std::string hybrid = good;
+    hybrid[26] = static_cast<char>(6 | (good[90] & 1));
+    const std::string token = userauth::WrapTempKey(userauth::EncodeStandardBase64(hybrid), kTemporaryKey);
+    EXPECT_EQ(ClientKeyOf(token).substr(26), std::string(65, '\0'));
+    EXPECT_EQ(OpenedWithoutSecret(token), Bytes(1));
     // A key with bytes behind its point: they count into the header, and the client's point is cut.
     const std::string longer =
         ClientKeyOf(userauth::WrapTempKey(userauth::EncodeStandardBase64(good + std::string(300, 'x')), kTemporaryKey));

@@ -44,7 +44,9 @@ TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
         {"flag missing", 200, R"({"result":0,"resultMap":{}})", true, false},
         {"boolean, and a result that converts to 0", 200, R"({"result":false,"resultMap":{"clientLogReport":true}})",
          true, true},
-        {"map is an array", 200, R"({"result":null,"resultMap":["clientLogReport"]})", true, false},
+        {"map is an array", 200, R"({"result":null,"resultMap":["clientLogReport"]})", false, true},
+        {"map is a text", 200, R"({"result":0,"resultMap":"clientLogReport"})", false, true},
+        {"map is null", 200, R"({"result":null,"resultMap":null})", true, false},
     };
     for (const auto& row : rows) {
         const std::string status = std::to_string(row.status);
@@ -62,9 +64,10 @@ TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
 
 TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
     const std::string tag = " UserAuthService::GetLoginDevicesHistory ";
-    const std::string two = R"({"opRecordList":[{"aliasName":"\u00e9","devDisplayName":"d","deviceCategory":"c",)"
-                            R"("deviceId":"i","lastUpdateTime":"t","opDesc":"o","deviceType":3.7},)"
-                            R"({"aliasName":null,"deviceType":null,"opDesc":5}]})";
+    const std::string four =
+        R"({"opRecordList":[{"aliasName":"é\u0000x","devDisplayName":"d","deviceCategory":"c",)"
+        R"("deviceId":"i","lastUpdateTime":"t","opDesc":"o","deviceType":3.7},)"
+        R"({"aliasName":null,"deviceType":null,"opDesc":5},{"deviceType":"3"},{"deviceType":3000000000}]})";
     const struct {
         const char* name;
         int status;
@@ -72,15 +75,15 @@ TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
         bool result;
         std::size_t devices;
     } rows[] = {
-        {"created is a failure here", 201, two, false, 0},
+        {"created is a failure here", 201, four, false, 0},
         {"no exchange", kHttpTimeout, "", false, 0},
-        {"two", 200, two, true, 2},
-        {"appended", 200, two, true, 4},
-        {"no list", 200, "{}", true, 4},
-        {"list is an object", 200, R"({"opRecordList":{"0":{}}})", true, 4},
-        {"not JSON", 200, "oops", true, 4},
-        {"array", 200, "[[]]", true, 4},
-        {"element is no object", 200, R"({"opRecordList":[7]})", true, 5},
+        {"four", 200, four, true, 4},
+        {"appended", 200, four, true, 8},
+        {"no list", 200, "{}", true, 8},
+        {"list is an object", 200, R"({"opRecordList":{"0":{}}})", true, 8},
+        {"not JSON", 200, "oops", true, 8},
+        {"array", 200, "[[]]", true, 8},
+        {"element is no object", 200, R"({"opRecordList":[7]})", true, 9},
     };
     std::vector<DeviceTag> devices;
     for (const auto& row : rows) {
@@ -99,12 +102,15 @@ TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
         full.aliasName + full.devDisplayName + full.deviceCategory + full.deviceId + full.lastUpdateTime + full.opDesc,
         L"\u00E9dcito");
     EXPECT_EQ(full.deviceType, 3);
-    for (const DeviceTag& empty : {devices[1], devices[4]}) {
-        EXPECT_EQ(empty.aliasName + empty.opDesc, L"");
-        EXPECT_EQ(empty.deviceType, 0);
+    EXPECT_EQ(full.reservedText, L"");
+    EXPECT_EQ(full.reservedNumber, 0);
+    for (const std::size_t empty : {1, 2, 3, 8}) {
+        EXPECT_EQ(devices[empty].aliasName + devices[empty].opDesc, L"");
+        EXPECT_EQ(devices[empty].deviceType, 0);
     }
     EXPECT_EQ(Recording().url, L"https://basic.example.com/KeCloudUserFoundationService/PC/getLastOperationRecord");
     EXPECT_EQ(Recording().postData, L"{\"version\":\"2.0\"}\n");
-    EXPECT_EQ(Recording().requestHeaders.at(L"x-zv-trace-id").substr(0, 9), L"10007_11_");
-    EXPECT_EQ(Recording().requestHeaders.at(L"Content-Type"), L"application/json");
+    const std::wstring traceId = Recording().requestHeaders.at(L"x-zv-trace-id");
+    EXPECT_EQ(traceId.substr(0, 9), L"10007_11_");
+    EXPECT_EQ(Recording().requestHeaders, UserAuthServiceAccess::BuildHeaders(*m_service, HeadType::kAccount, traceId));
 }

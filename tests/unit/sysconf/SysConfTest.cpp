@@ -1,5 +1,8 @@
 #include <HttpLib.h>
 
+#include <stdexcept>
+#include <thread>
+
 #include "ServiceFixture.h"
 
 namespace {
@@ -61,9 +64,38 @@ TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
         Recording().journal.resize(row.sent.size());
         EXPECT_EQ(Recording().journal, row.sent);
     }
+    using Headers = std::map<std::wstring, std::wstring>;
     m_service->InitSysConf();
-    EXPECT_EQ(Recording().requestHeaders,
-              (std::map<std::wstring, std::wstring>{{L"standard", L"set"}, {L"x-zv-active-method", L"manual"}}));
+    EXPECT_EQ(Recording().requestHeaders, (Headers{{L"standard", L"set"}, {L"x-zv-active-method", L"manual"}}));
+    Recording().standardHeaders = {{L"x-zv-active-method", L"kept"}};
+    m_service->InitSysConf();
+    EXPECT_EQ(Recording().requestHeaders, (Headers{{L"x-zv-active-method", L"kept"}}));
+}
+
+TEST_F(ServiceTest, BasicServiceRequestsHoldNoLockAndLetNothingOut) {
+    std::vector<DeviceTag> devices;
+    const std::pair<std::function<bool()>, std::size_t> operations[] = {
+        {[&] { return m_service->InitSysConf(); }, 3},
+        {[&] { return m_service->ActiveUser(); }, 2},
+        {[&] { return m_service->RequestClientLogReport(); }, 2},
+        {[&] {
+             m_service->ReportLoginTime("b");
+             return false;
+         },
+         2},
+        {[&] { return m_service->GetLoginDevicesHistory(devices); }, 1},
+        {[&] { return m_service->ExportContracts(L"https://h/e", L"Z:\\absent\\file", {}); }, 1},
+    };
+    for (const auto& [operation, lines] : operations) {
+        Recording().duringExchange = [&](const std::wstring&) {
+            std::thread([&] { m_service->SetCurrentAT(L"new"); }).join();  // waits for ever when the lock is held
+            Recording().journal.clear();
+            throw std::runtime_error("the suite's library failed");
+        };
+        EXPECT_FALSE(operation());
+        EXPECT_EQ(Recording().TakeOutcome().size(), lines) << "the lines of an exchange that did not take place";
+    }
+    Recording().duringExchange = nullptr;
 }
 
 TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
@@ -142,11 +174,15 @@ TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
         {"failed later", 200, R"({"result":7,"userStatus":0})", false, true},
         {"not JSON", 200, "", false, true},
         {"array", 200, "[]", false, true},
+        {"no result", 200, R"({"userStatus":0})", false, true},
+        {"status null", 200, R"({"result":0,"userStatus":null})", false, true},
+        {"status false", 200, R"({"result":0,"userStatus":false,"params":{"funcfg_drive":"true"}})", false, true},
         {"taken back", 200, R"({"result":0,"userStatus":2})", true, false},
     };
     for (const auto& row : rows) {
         Recording().replies = {{row.status, row.body, {}}};
         EXPECT_EQ(m_service->ActiveUser(), row.result) << row.name;
+        EXPECT_TRUE(m_service->GetValidModule().empty()) << row.name;
         EXPECT_EQ(m_service->IsActiveAccount(), row.active) << row.name;
     }
 }

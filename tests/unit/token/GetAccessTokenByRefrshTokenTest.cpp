@@ -14,9 +14,7 @@ std::string Log(const std::string& severity, const std::string& message) {
 
 const std::string kStart = Log("2", "refresh AT start");
 const std::string kEvent = "event 321 0 0";
-std::string Failed(const std::string& status) {
-    return Log("5", "refresh AT error statusCode: " + status);
-}
+std::string Failed(const std::string& status) { return Log("5", "refresh AT error statusCode: " + status); }
 
 class Refresh : public ServiceTest {
 protected:

@@ -1,7 +1,10 @@
 #include <HttpLib.h>
 #include <windows.h>
-// dpapi.h comes after windows.h.
+// wincrypt.h comes after windows.h, and dpapi.h after that.
+#include <wincrypt.h>
+// clang-format off
 #include <dpapi.h>
+// clang-format on
 
 #include "ServiceFixture.h"
 #include "request/StandardBase64.h"
@@ -40,6 +43,7 @@ TEST_F(ServiceTest, GetOldVersionUserIdTakesTheLegacySignInOver) {
         {"a time stamp alone", LegacyItem(kStamp), {}, L"", L"", 0},
         {"less than a time stamp", LegacyItem("x"), {}, L"", L"", 0},
         {"a zero byte ends it", LegacyItem(std::string("a\0", 2) + kStamp), {}, L"", L"", 0},
+        {"one byte more, no UTF-8", LegacyItem(std::string("\xFF") + kStamp), {{401, "", {}}}, L"", L"\uFFFD", 1},
         {"refresh refused", LegacyItem(std::string("old1") + kStamp), {{401, "", {}}}, L"", L"old1", 1},
         {"no user id",
          LegacyItem(std::string("old2") + kStamp),
@@ -63,6 +67,7 @@ TEST_F(ServiceTest, GetOldVersionUserIdTakesTheLegacySignInOver) {
         EXPECT_EQ(m_service->GetOldVersionUserId(), row.userId) << row.name;
         EXPECT_EQ(m_service->GetCurrentRT(), row.refreshToken) << row.name;
         EXPECT_EQ(Recording().Lines("http Request").size(), row.requests) << row.name;
+        EXPECT_EQ(Recording().TakeOutcome().empty(), row.requests == 0) << row.name << ": no line, no push of its own";
     }
     EXPECT_EQ(m_service->GetCurrentAT(), L"at");
 }
