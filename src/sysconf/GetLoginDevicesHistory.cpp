@@ -25,8 +25,11 @@ JsonData Body() {
 }
 
 DeviceTag ReadDevice(const userauth::Reply& entry) {
-    // Up to the first zero byte of a text, as C strings end.
-    const auto text = [&entry](const char* name) { return MultiByteToWide(entry.Text(name).c_str(), kUtf8CodePage); };
+    // Up to the first zero byte, as C strings end.
+    const auto text = [&entry](const char* name) {
+        const std::string value = entry.Text(name);
+        return MultiByteToWide(value.substr(0, value.find('\0')), kUtf8CodePage);
+    };
     DeviceTag device;
     device.aliasName = text("aliasName");
     device.devDisplayName = text("devDisplayName");
