@@ -33,8 +33,9 @@ enum Code : int {
 enum class MessageType : std::int32_t {
     kSignInSucceeded = 1,  // single-use authorization code; empty
     kSignInFailed = 2,     // a Code in decimal; the reason in words
-    kSignedOut = 3,        // empty; empty
-    kAccountChanged = 4,   // user id that is signed in now; empty
+    // Reserved: this SDK does not watch the platform, so it sends neither.
+    kSignedOut = 3,       // empty; empty
+    kAccountChanged = 4,  // user id that is signed in now; empty
 };
 
 // Called on the SDK's threads. Texts are UTF-8, never null, valid during the call.

@@ -18,9 +18,10 @@ public:
     // Returns at once; the callback comes later, on the new thread. False when there is no thread.
     bool Start(const std::string& platformUrl, SignInArguments arguments, NotifyCallback callback);
 
-    // Takes their callback from the running sign-ins and waits for their end, at most 20 s, which is beyond the
-    // platform client's own limits: no callback starts after the return. False when the time ran out. May be called by
-    // a callback, whose own sign-in is not waited for.
+    // Takes their callback from the running sign-ins and waits for their end, at most 20 s: no callback starts after
+    // the return. False when the time ran out, as it does while a callback runs on, or with a platform whose reply
+    // drips in (the platform client limits each silence, not the whole). May be called by a callback, whose own sign-in
+    // is not waited for.
     bool CancelAndWait();
 
 private:

@@ -7,6 +7,8 @@
 namespace sandbox {
 namespace {
 
+constexpr std::size_t kLongestDescription = 4096;  // of an operation
+
 // The client does not use its JSON library for this one: a blank follows the colon.
 std::string CountryBody(const std::string& countryCode) {
     return "{\"country\": \"" + countryCode + "\"}";
@@ -36,6 +38,9 @@ std::string OperationFault(const std::string& body, const ParsedJson& parsed) {
     if (description.size() < kStart.size() + kEnd.size() || description.compare(0, kStart.size(), kStart) != 0 ||
         description.compare(description.size() - kEnd.size(), kEnd.size(), kEnd) != 0) {
         return "opDesc is not " + std::string(kStart) + " and a business and " + std::string(kEnd);
+    }
+    if (description.size() > kLongestDescription) {
+        return "opDesc has more than " + std::to_string(kLongestDescription) + " bytes";
     }
     Json::Value expected(Json::objectValue);
     expected["isStored"] = "false";
@@ -67,15 +72,19 @@ PlatformReply Activate(const Account& account, SettingsTable& table) {
     return {200, JsonLine(reply), {}};
 }
 
+// A result other than success records nothing.
 PlatformReply RecordOperation(const PlatformRequest& request, const Account& account, const SettingsTable& settings,
                               OperationRecords& records) {
     const auto body = ParseJsonObject(request.body);
     if (const auto fault = OperationFault(request.body, body); !fault.empty()) {
         return ErrorReply(400, fault);
     }
-    records.Add(account.userId, body.value["opDesc"].asString());
+    const auto result = settings.Of(account.userId).result;
+    if (result == 0) {
+        records.Add(account.userId, body.value["opDesc"].asString());
+    }
     Json::Value reply(Json::objectValue);
-    reply["result"] = settings.Of(account.userId).result;
+    reply["result"] = result;
     return {200, JsonLine(reply), {}};
 }
 

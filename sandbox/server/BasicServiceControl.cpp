@@ -38,7 +38,14 @@ std::string FaultOf(const Json::Value& change) {
             return name + " is not a member of the settings";
         }
     }
-    return change.isMember(kMemberModules) && !change[kMemberModules].isObject() ? "modules is not an object" : "";
+    if (!change.isMember(kMemberModules)) {
+        return {};
+    }
+    const auto& modules = change[kMemberModules];
+    if (!modules.isObject()) {
+        return "modules is not an object";
+    }
+    return modules.isMember(kClientSwitch) ? std::string(kClientSwitch) + " is no module: give available" : "";
 }
 
 // A switch that is null is taken away.

@@ -20,7 +20,7 @@ std::string RequestFault(const PlatformRequest& request, ExtraField extra) {
         inspection.Expect("x-zv-active-method", kManualActivation);
     }
     inspection.ExpectContentLength(request.body.size());
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     if (!inspection.Reason().empty()) {
         return inspection.Reason();
     }

@@ -12,7 +12,7 @@ std::string RequestFault(const PlatformRequest& request, std::string_view query)
     HeaderInspection inspection(request.head);
     inspection.Allow("Authorization");
     inspection.ExpectNoBody();
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     if (!inspection.Reason().empty()) {
         return inspection.Reason();
     }

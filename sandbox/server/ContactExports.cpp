@@ -15,7 +15,7 @@ constexpr std::size_t kDefaultCards = 3;
 }  // namespace
 
 PlatformReply ContactsReply(std::string bytes, const std::string& coding) {
-    PlatformReply reply{200, std::move(bytes), {}, "text/x-vcard"};
+    PlatformReply reply{200, {}, {}, "text/x-vcard", SharedBody(std::move(bytes))};
     if (coding != "identity") {
         reply.headers.emplace_back("Content-Encoding", coding);
     }

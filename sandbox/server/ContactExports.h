@@ -41,7 +41,7 @@ private:
     std::map<std::string, PlatformReply> m_exports;  // by user id
 };
 
-// A good reply with these bytes, which are in that content coding.
+// A good reply with these bytes, which are in that content coding. Copies of it share them.
 PlatformReply ContactsReply(std::string bytes, const std::string& coding);
 
 }  // namespace sandbox

@@ -1,7 +1,7 @@
 #include "ContactsControl.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -23,13 +23,11 @@ struct Member {
     Kind kind;
     unsigned largest;  // of a number
 };
-constexpr std::array<Member, 5> kMembers = {{
-    {"cards", Kind::kNumber, kMostCards},
-    {"bytes", Kind::kNumber, kMostBytes},
-    {"coding", Kind::kText, 0},
-    {"note", Kind::kText, 0},
+constexpr Member kMembers[] = {
+    {"cards", Kind::kNumber, kMostCards}, {"bytes", Kind::kNumber, kMostBytes},
+    {"coding", Kind::kText, 0},           {"note", Kind::kText, 0},
     {"chunked", Kind::kSwitch, 0},
-}};
+};
 
 bool Fits(const Json::Value& value, const Member& member) {
     switch (member.kind) {
@@ -44,9 +42,9 @@ bool Fits(const Json::Value& value, const Member& member) {
 
 std::string FaultOf(const Json::Value& order) {
     for (const auto& name : order.getMemberNames()) {
-        const auto* member =
-            std::find_if(kMembers.begin(), kMembers.end(), [&](const Member& known) { return name == known.name; });
-        if (member == kMembers.end()) {
+        const auto* member = std::find_if(std::begin(kMembers), std::end(kMembers),
+                                          [&](const Member& known) { return name == known.name; });
+        if (member == std::end(kMembers)) {
             return name + " is not a member of the order";
         }
         if (!Fits(order[name], *member)) {

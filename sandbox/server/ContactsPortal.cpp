@@ -20,11 +20,11 @@ std::string RequestFault(const PlatformRequest& request) {
     inspection.Expect("Content-Disposition", "attachment; filename='contacts.vcf'");
     inspection.Allow("Cookie");
     inspection.ExpectNoBody();
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     if (!inspection.Reason().empty()) {
         return inspection.Reason();
     }
-    return request.head.Values("Content-Type").empty() ? "" : "Content-Type does not belong to this request";
+    return request.query.empty() ? "" : "the query is not empty";
 }
 
 // Takes "name=value;" off the front of text; nothing when it does not begin so.

@@ -31,7 +31,7 @@ EncodedAuthorization ReadEncodedAuthorization(const RequestHead& head) {
     }
     auto token = FormDecoded(std::string_view(*text).substr(start.size()));
     if (!token) {
-        return {{}, "holds a broken URL escape"};
+        return {{}, "holds an access token that is not encoded as a form's value"};
     }
     return {*std::move(token), {}};
 }

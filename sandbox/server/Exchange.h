@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,7 @@ namespace sandbox {
 // One request as an endpoint sees it.
 struct PlatformRequest {
     std::string method;
-    std::string path;                                    // without the query
+    std::string path;                                    // without the query, as it stood on the wire
     std::string query;                                   // as it stood on the wire, without the question mark
     std::multimap<std::string, std::string> parameters;  // the query, decoded
     std::string origin;                                  // scheme, address and port of the listener that was asked
@@ -33,6 +34,12 @@ struct StreamedBody {
     // long as the function.
     std::function<std::string_view(std::size_t offset)> block;
 };
+
+// bytes in memory; copies of the body share them.
+inline StreamedBody SharedBody(std::string bytes) {
+    const auto shared = std::make_shared<const std::string>(std::move(bytes));
+    return {shared->size(), [shared](std::size_t offset) { return std::string_view(*shared).substr(offset); }};
+}
 
 struct PlatformReply {
     int status = 200;

@@ -96,7 +96,7 @@ Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     delivery.firstPart = stalls ? std::min(fault.stallAfter.value_or(sent / 2), sent) : sent;
     delivery.secondPart = sent - delivery.firstPart;
     delivery.pause = fault.stall;
-    // A cut is always visible: more is announced than is sent.
+    // A cut is visible, unless the fault itself announces a length that fits: more is announced than is sent.
     delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
     delivery.close = delivery.announced != sent;
     return delivery;

@@ -25,10 +25,11 @@ MemberReader WholeNumber(unsigned smallest, unsigned largest, Store store) {
     };
 }
 
+// Only true: a fault that is switched off would do nothing.
 MemberReader Switch(bool Fault::*member) {
     return [=](const Json::Value& value, Fault& fault) {
         fault.*member = value.isBool() && value.asBool();
-        return value.isBool();
+        return fault.*member;
     };
 }
 
@@ -51,8 +52,8 @@ const std::map<std::string, MemberReader>& MemberReaders() {
         {"garbage", Switch(&Fault::garbage)},
         {"wrongTypes", Switch(&Fault::wrongTypes)},
         {"status", WholeNumber(200, 599, [](Fault& f, unsigned v) { f.status = static_cast<int>(v); })},
-        {"delayMs", WholeNumber(0, kLongestWaitMs, [](Fault& f, unsigned v) { f.delay = milliseconds(v); })},
-        {"stallMs", WholeNumber(0, kLongestWaitMs, [](Fault& f, unsigned v) { f.stall = milliseconds(v); })},
+        {"delayMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.delay = milliseconds(v); })},
+        {"stallMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.stall = milliseconds(v); })},
         {"stallAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.stallAfter = v; })},
         {"cutAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.cutAfter = v; })},
         {"contentLength", WholeNumber(0, kLargestContentLength, [](Fault& f, unsigned v) { f.contentLength = v; })},

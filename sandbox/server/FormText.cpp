@@ -15,6 +15,25 @@ std::optional<char> EscapedByte(std::string_view digits) {
     return static_cast<char>(static_cast<unsigned char>(value));
 }
 
+bool StandsForItself(char character) {
+    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
+           (character >= '0' && character <= '9') || std::string_view("-_.~").find(character) != std::string_view::npos;
+}
+
+std::string FormEncoded(std::string_view text) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const auto character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (StandsForItself(character) || character == ' ') {
+            encoded += character == ' ' ? '+' : character;
+        } else {
+            encoded += {'%', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
+        }
+    }
+    return encoded;
+}
+
 }  // namespace
 
 std::optional<std::string> FormDecoded(std::string_view text) {
@@ -31,7 +50,7 @@ std::optional<std::string> FormDecoded(std::string_view text) {
         decoded += *byte;
         index += 2;
     }
-    return decoded;
+    return FormEncoded(decoded) == text ? std::optional(decoded) : std::nullopt;
 }
 
 }  // namespace sandbox

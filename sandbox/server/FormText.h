@@ -6,8 +6,9 @@
 
 namespace sandbox {
 
-// Text that was encoded as a form's value is: "+" is a blank, "%" and two hexadecimal digits a byte, and every other
-// character is itself. Nothing when an escape is broken.
+// Text that was encoded as a form's value is: ASCII letters, digits and "-_.~" are themselves, "+" is a blank, and "%"
+// with two hexadecimal digits, capital ones, any other byte. Nothing when the text has anything else in it, or an
+// escape that it does not need.
 std::optional<std::string> FormDecoded(std::string_view text);
 
 }  // namespace sandbox

@@ -23,7 +23,7 @@ std::optional<std::string_view> EncodedToken(std::string_view query) {
 std::string HeaderFault(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
     inspection.ExpectNoBody();
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     return inspection.Reason();
 }
 
@@ -39,7 +39,7 @@ PlatformReply TokenInformation(const PlatformRequest& request, const PlatformSta
     }
     const auto token = FormDecoded(*encoded);
     if (!token) {
-        return ErrorReply(400, "access_token holds a broken URL escape");
+        return ErrorReply(400, "access_token is not encoded as a form's value");
     }
     const auto check = state.CheckAccessToken(*token);
     if (!check.account) {

@@ -21,14 +21,15 @@ constexpr FixedField kFixedFields[] = {
     {"x-zv-os-brand", kOsBrand},          {"Host", kAccountHost},
 };
 
-// What the client sends beside the prefixed fields, each with some requests only.
-constexpr std::string_view kOtherPlatformFields[] = {"Authorization", "Cookie",       "userId",  "version", "AuthType",
-                                                     "deviceId",      "refreshToken", "unionID", "appId"};
+// What HTTP libraries add to any request, and the value that only the client gives; none when it is empty.
+constexpr FixedField kLibraryFields[] = {
+    {"Host", kAccountHost}, {"User-Agent", kUserAgent}, {"Accept", ""}, {"Accept-Encoding", ""}, {"Connection", ""},
+};
 
-bool IsPlatformField(std::string_view name) {
-    return SameHeaderName(name.substr(0, kPlatformHeaderPrefix.size()), kPlatformHeaderPrefix) ||
-           std::any_of(std::begin(kOtherPlatformFields), std::end(kOtherPlatformFields),
-                       [&](std::string_view other) { return SameHeaderName(name, other); });
+bool IsOfLibrary(const HeaderField& field) {
+    return std::any_of(std::begin(kLibraryFields), std::end(kLibraryFields), [&](const FixedField& known) {
+        return SameHeaderName(field.name, known.name) && (known.value.empty() || field.value != known.value);
+    });
 }
 
 bool IsHexDigits(std::string_view text) {
@@ -36,33 +37,42 @@ bool IsHexDigits(std::string_view text) {
     return text.find_first_not_of(kHexDigits) == std::string_view::npos;
 }
 
-std::size_t Utf8SequenceLength(unsigned char lead) {
-    if (lead < 0x80) {
-        return 1;
-    }
-    if (lead >= 0xC2 && lead < 0xE0) {
-        return 2;
-    }
-    if (lead >= 0xE0 && lead < 0xF0) {
-        return 3;
-    }
-    return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+// The well-formed sequences of UTF-8 (Unicode, table 3-7): first and last lead byte, first and last second byte,
+// length. Bytes after the second are 80 to BF.
+struct Utf8Sequences {
+    unsigned char firstLead, lastLead;
+    unsigned char firstSecond, lastSecond;
+    std::size_t length;
+};
+constexpr Utf8Sequences kUtf8Sequences[] = {
+    {0x00, 0x7F, 0x00, 0x00, 1}, {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
+    {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3},
+    {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
+};
+
+bool BeginsWith(std::string_view text, const Utf8Sequences& row) {
+    const auto within = [&](std::size_t index, unsigned char first, unsigned char last) {
+        const auto byte = static_cast<unsigned char>(text[index]);
+        return byte >= first && byte <= last;
+    };
+    return text.size() >= row.length && within(0, row.firstLead, row.lastLead) &&
+           (row.length < 2 || within(1, row.firstSecond, row.lastSecond)) &&
+           (row.length < 3 || within(2, 0x80, 0xBF)) && (row.length < 4 || within(3, 0x80, 0xBF));
 }
 
-// The number of characters of UTF-8 text; nothing when its sequences are broken.
-std::optional<std::size_t> Utf8Characters(std::string_view text) {
-    std::size_t characters = 0;
+// The length of UTF-8 text in UTF-16 units, in which the client counts; nothing when it is not well-formed.
+std::optional<std::size_t> Utf16Units(std::string_view text) {
+    std::size_t units = 0;
     while (!text.empty()) {
-        const auto length = Utf8SequenceLength(static_cast<unsigned char>(text.front()));
-        if (length == 0 || length > text.size() ||
-            !std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length),
-                         [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; })) {
+        const auto* row = std::find_if(std::begin(kUtf8Sequences), std::end(kUtf8Sequences),
+                                       [&](const Utf8Sequences& known) { return BeginsWith(text, known); });
+        if (row == std::end(kUtf8Sequences)) {
             return std::nullopt;
         }
-        text.remove_prefix(length);
-        ++characters;
+        text.remove_prefix(row->length);
+        units += row->length == 4 ? 2U : 1U;
     }
-    return characters;
+    return units;
 }
 
 }  // namespace
@@ -83,13 +93,13 @@ void HeaderInspection::ExpectAuthorizedFields(unsigned traceCommand, std::size_t
     ExpectPresent("Authorization");
     Expect("Content-Type", kJsonContentType);
     ExpectContentLength(bodySize);
-    RefuseOtherPlatformFields();
+    RefuseOtherFields();
 }
 
 void HeaderInspection::Expect(std::string_view name, std::string_view value) {
     const auto found = TakeSingle(name);
     if (found && *found != value) {
-        Refuse(name, "is \"" + *found + "\" instead of \"" + std::string(value) + "\"");
+        Refuse(name, "is not \"" + std::string(value) + "\"");
     }
 }
 
@@ -104,9 +114,9 @@ void HeaderInspection::ExpectDeviceId(std::string_view name) {
     }
 }
 
-void HeaderInspection::RefuseOtherPlatformFields() {
+void HeaderInspection::RefuseOtherFields() {
     for (const auto& field : m_head.Fields()) {
-        if (IsPlatformField(field.name) && std::none_of(m_asked.begin(), m_asked.end(), [&](const std::string& asked) {
+        if (!IsOfLibrary(field) && std::none_of(m_asked.begin(), m_asked.end(), [&](const std::string& asked) {
                 return SameHeaderName(asked, field.name);
             })) {
             Refuse(field.name, "does not belong to this request");
@@ -159,13 +169,13 @@ void HeaderInspection::ExpectDeviceName() {
     if (!value) {
         return;
     }
-    const auto characters = Utf8Characters(*value);
-    if (!characters) {
+    const auto units = Utf16Units(*value);
+    if (!units) {
         Refuse(kName, "is not UTF-8");
-    } else if (*characters == 0) {
+    } else if (*units == 0) {
         Refuse(kName, "is empty");
-    } else if (*characters > static_cast<std::size_t>(kDeviceNameCharacters)) {
-        Refuse(kName, "has more than 250 characters");
+    } else if (*units > static_cast<std::size_t>(kDeviceNameUnits)) {
+        Refuse(kName, "has more than 250 UTF-16 units");
     }
 }
 

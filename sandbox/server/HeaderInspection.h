@@ -18,8 +18,8 @@ public:
 
     // The fourteen fields that every account request carries; the trace id must be one of traceCommand.
     void ExpectCommonFields(unsigned traceCommand);
-    // The whole set of a signed-in request with a JSON body and no other platform field; the value of Authorization is
-    // the caller's to judge.
+    // The whole set of a signed-in request with a JSON body and nothing else of the client's; the value of
+    // Authorization is the caller's to judge.
     void ExpectAuthorizedFields(unsigned traceCommand, std::size_t bodySize);
     void Expect(std::string_view name, std::string_view value);
     // With any value, an empty one included.
@@ -28,8 +28,9 @@ public:
     void Allow(std::string_view name) { m_asked.emplace_back(name); }
     // 32 hexadecimal digits.
     void ExpectDeviceId(std::string_view name);
-    // The fields of the client's header sets are known by name: one that no check asked for so far is refused.
-    void RefuseOtherPlatformFields();
+    // Refuses every field that no check asked for so far, but for those that an HTTP library adds by itself: Host,
+    // User-Agent, Accept, Accept-Encoding and Connection. Host and User-Agent with the client's own values are refused.
+    void RefuseOtherFields();
     // Content-Length once and equal to the body's size.
     void ExpectContentLength(std::size_t bodySize);
     void ExpectNoBody();

@@ -1,7 +1,6 @@
 #include "HttpFrontEnd.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "ConnectionThreads.h"
@@ -28,8 +27,8 @@ std::string Origin(const httplib::Request& request) {
 PlatformRequest ToPlatformRequest(const httplib::Request& request) {
     PlatformRequest converted;
     converted.method = request.method;
-    converted.path = request.path;
     const auto question = request.target.find('?');
+    converted.path = request.target.substr(0, question);  // the library's own is decoded
     converted.query = question == std::string::npos ? std::string() : request.target.substr(question + 1);
     converted.parameters = request.params;
     converted.origin = Origin(request);
@@ -44,11 +43,7 @@ void AnswerInternalError(httplib::Response& response) {
 }
 
 StreamedBody ToStream(PlatformReply reply) {
-    if (reply.stream) {
-        return *std::move(reply.stream);
-    }
-    const auto bytes = std::make_shared<const std::string>(std::move(reply.body));
-    return {bytes->size(), [bytes](std::size_t offset) { return std::string_view(*bytes).substr(offset); }};
+    return reply.stream ? *std::move(reply.stream) : SharedBody(std::move(reply.body));
 }
 
 // The library matches paths by regular expressions, whose depth of recursion grows with the path.

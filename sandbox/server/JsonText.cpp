@@ -38,12 +38,12 @@ ParsedJson Parse(const std::string& text) {
 }  // namespace
 
 ParsedJson ParseJsonObject(const std::string& text) noexcept {
-    // The library throws on nesting beyond its limit.
+    // The library throws on nesting beyond its limit, and when there is no memory left.
     try {
         return Parse(text);
     } catch (...) {
         ParsedJson refused;
-        refused.reason = "is nested too deeply";
+        refused.reason = "is nested too deeply, or too large for the memory";
         return refused;
     }
 }

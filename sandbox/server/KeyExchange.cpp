@@ -8,6 +8,17 @@
 #include "Sha256.h"
 
 namespace sandbox {
+namespace {
+
+constexpr std::size_t kMostRemembered = 100'000;
+
+void Remember(std::string text, std::set<std::string>& known) {
+    if (known.size() < kMostRemembered) {
+        known.insert(std::move(text));
+    }
+}
+
+}  // namespace
 
 KeyExchange::KeyExchange() : m_key(NewP256Key()), m_true{Base64Encoded(P256PublicKeyDer(m_key.get())), RandomCode()} {}
 
@@ -43,8 +54,8 @@ void KeyExchange::Count(const OpenedToken& opened) {
     const std::lock_guard<std::mutex> guard(m_lock);
     ++m_counts.tokens;
     m_counts.leadingZeroSecrets += opened.leadingZero ? 1 : 0;
-    m_nonces.insert(opened.nonce);
-    m_temporaryKeys.insert(std::move(digest));
+    Remember(opened.nonce, m_nonces);
+    Remember(std::move(digest), m_temporaryKeys);
 }
 
 }  // namespace sandbox

@@ -21,7 +21,7 @@ struct ServedKey {
 struct ExchangeCounts {
     std::uint64_t tokens = 0;
     std::uint64_t leadingZeroSecrets = 0;
-    std::size_t distinctNonces = 0;
+    std::size_t distinctNonces = 0;  // these two stop at 100,000
     std::size_t distinctTemporaryKeys = 0;
 };
 

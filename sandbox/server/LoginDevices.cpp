@@ -74,9 +74,8 @@ Json::Value EntryOf(const Device& device, const std::string& deviceId) {
 PlatformReply Devices(const PlatformRequest& request, const Account& account, const OperationRecords& records) {
     Json::Value reply(Json::objectValue);
     auto& list = reply["opRecordList"] = Json::Value(Json::arrayValue);
-    const auto own = records.Of(account.userId);
-    for (auto record = own.rbegin(); record != own.rend(); ++record) {
-        list.append(EntryOf(OwnDevice(request.head, *record), request.head.OnlyValue("x-zv-device-id")));
+    if (const auto own = records.Of(account.userId); !own.empty()) {
+        list.append(EntryOf(OwnDevice(request.head, own.back()), request.head.OnlyValue("x-zv-device-id")));
     }
     for (const auto& device : OtherDevices()) {
         list.append(EntryOf(device, DeviceIdFrom(account.userId + device.name)));

@@ -9,12 +9,16 @@ namespace {
 
 constexpr std::size_t kMostRecords = 1000;  // of one account
 
-// For one thread at a time: the runtime keeps the broken-down time.
 std::string CurrentTime() {
     const std::time_t now = std::time(nullptr);
-    const std::tm* utc = std::gmtime(&now);
+    std::tm utc{};
+#ifdef _WIN32
+    const bool known = gmtime_s(&utc, &now) == 0;
+#else
+    const bool known = gmtime_r(&now, &utc) != nullptr;
+#endif
     std::array<char, sizeof("2024-11-05T21:40:12Z")> text{};
-    if (utc == nullptr || std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", utc) == 0) {
+    if (!known || std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc) == 0) {
         return {};
     }
     return text.data();

@@ -13,7 +13,7 @@ namespace {
 std::string RequestFault(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
     inspection.ExpectNoBody();
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     return inspection.Reason();
 }
 

@@ -1,9 +1,13 @@
 #include "Photos.h"
 
+#include <zlib.h>
+
 #include <cstdint>
 #include <initializer_list>
 #include <iterator>
 #include <string_view>
+
+#include "ContentCoding.h"
 
 namespace sandbox {
 namespace {
@@ -35,38 +39,10 @@ std::string BigEndian(std::uint32_t number) {
     return bytes;
 }
 
-// CRC-32 as PNG and zlib have it (ISO 3309).
-std::uint32_t Crc32(std::string_view bytes) {
-    std::uint32_t crc = 0xFFFFFFFFU;
-    for (const auto byte : bytes) {
-        crc ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit) {
-            crc = (crc & 1U) != 0 ? (crc >> 1U) ^ 0xEDB88320U : crc >> 1U;
-        }
-    }
-    return ~crc;
-}
-
-std::uint32_t Adler32(std::string_view bytes) {
-    constexpr std::uint32_t kModulus = 65521;
-    std::uint32_t low = 1;
-    std::uint32_t high = 0;
-    for (const auto byte : bytes) {
-        low = (low + static_cast<unsigned char>(byte)) % kModulus;
-        high = (high + low) % kModulus;
-    }
-    return high << 16U | low;
-}
-
-// A zlib stream (RFC 1950) of one stored block (RFC 1951), so of at most 65535 bytes.
-std::string Stored(const std::string& bytes) {
-    const auto size = static_cast<unsigned>(bytes.size());
-    std::string stream("\x78\x01\x01", 3);  // deflate with a window of 32 KiB; the last block, stored
-    for (const unsigned length : {size, ~size}) {
-        stream += static_cast<char>(static_cast<unsigned char>(length));
-        stream += static_cast<char>(static_cast<unsigned char>(length >> 8U));
-    }
-    return stream + bytes + BigEndian(Adler32(bytes));
+// As PNG has it (ISO 3309).
+std::uint32_t Crc32(const std::string& bytes) {
+    return static_cast<std::uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size())));
 }
 
 std::string PngChunk(const std::string& type, const std::string& data) {
@@ -93,7 +69,7 @@ std::string Png(std::size_t number) {
                              5);  // eight bits, true colour, the only methods there are, no interlacing
     return std::string(kPngSignature, sizeof(kPngSignature) - 1) +
            PngChunk("IHDR", BigEndian(kPngSide) + BigEndian(kPngSide) + format) +
-           PngChunk("IDAT", Stored(PngRows(number))) + PngChunk("IEND", "");
+           PngChunk("IDAT", ContentCoded(PngRows(number), "deflate").value()) + PngChunk("IEND", "");
 }
 
 bool EndsIn(std::string_view text, std::string_view end) {

@@ -11,7 +11,6 @@ constexpr std::chrono::minutes kCodeLifetime{5};
 constexpr std::chrono::hours kMemory{1};  // how long an expired code or token is still told from an unknown one
 constexpr std::chrono::seconds kAccessTokenLifetime{3600};
 constexpr std::chrono::hours kRefreshTokenLifetime{24 * 180};
-constexpr std::chrono::hours kLongestAdvance{24 * 3650};
 
 template <typename Entries, typename Time>
 void EraseExpired(Entries& entries, Time before) {
@@ -79,15 +78,18 @@ CodeExchange PlatformState::ExchangeCode(const std::string& code, const std::str
     return {std::move(grant), {}};
 }
 
-RefreshExchange PlatformState::Refresh(const std::string& refreshToken, const std::string& deviceId) {
+RefreshExchange PlatformState::Refresh(const std::string& refreshToken, const RefreshClaim& claim) {
     const std::lock_guard<std::mutex> guard(m_lock);
     ForgetOldEntries();
     if (auto fault = TokenFault(m_refreshTokens, refreshToken); !fault.empty()) {
         return {std::nullopt, "the refresh token " + fault};
     }
     const auto& token = m_refreshTokens.at(refreshToken);
-    if (token.deviceId != deviceId) {
-        return {std::nullopt, "the refresh token was issued to another device", true};
+    if (token.deviceId != claim.deviceId) {
+        return {std::nullopt, "the refresh token was issued to another device", "deviceId"};
+    }
+    if (!claim.userId.empty() && m_accounts[token.account].userId != claim.userId) {
+        return {std::nullopt, "the refresh token was issued to another user", "userId"};
     }
     return {IssueAccessToken(token.account), {}};
 }
@@ -112,9 +114,13 @@ std::size_t PlatformState::Revoke(TokenKind kind) {
     return revoked;
 }
 
-void PlatformState::AdvanceClock(std::chrono::seconds by) {
+bool PlatformState::AdvanceClock(std::chrono::seconds by) {
     const std::lock_guard<std::mutex> guard(m_lock);
-    m_clockOffset = std::min<std::chrono::seconds>(m_clockOffset + by, kLongestAdvance);
+    if (by > kLongestAdvance - m_clockOffset) {
+        return false;
+    }
+    m_clockOffset += by;
+    return true;
 }
 
 PlatformState::Time PlatformState::Now() const {

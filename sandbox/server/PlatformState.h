@@ -24,10 +24,16 @@ struct CodeExchange {
     std::string refusal;  // why there is no grant
 };
 
+// Who says that a refresh token is theirs.
+struct RefreshClaim {
+    std::string deviceId;
+    std::string userId;  // empty when the client does not know it
+};
+
 struct RefreshExchange {
     std::optional<std::string> accessToken;
-    std::string refusal;       // why there is no access token
-    bool otherDevice = false;  // the refresh token is good, but was issued to another device
+    std::string refusal;               // why there is no access token
+    const char* wrongClaim = nullptr;  // the member of the claim that is not the one of the refresh token, a good one
 };
 
 struct TokenCheck {
@@ -49,6 +55,8 @@ struct Session {
 
 enum class TokenKind { kAccess, kRefresh };
 
+inline constexpr std::chrono::hours kLongestAdvance{24 * 3650};
+
 // Accounts, the device's session, codes and tokens of the platform. All operations may be called from any thread.
 class PlatformState {
 public:
@@ -65,13 +73,14 @@ public:
     // The refresh token is bound to the device that exchanges the code.
     CodeExchange ExchangeCode(const std::string& code, const std::string& deviceId);
     // A further access token; earlier ones of the account stay valid until they expire.
-    RefreshExchange Refresh(const std::string& refreshToken, const std::string& deviceId);
+    RefreshExchange Refresh(const std::string& refreshToken, const RefreshClaim& claim);
     TokenCheck CheckAccessToken(const std::string& accessToken) const;
     // Takes all valid tokens of that kind back from the current account; returns how many there were.
     std::size_t Revoke(TokenKind kind);
 
-    // Moves the platform's clock forward, so that codes and tokens expire without waiting.
-    void AdvanceClock(std::chrono::seconds by);
+    // Moves the platform's clock forward, so that codes and tokens expire without waiting; false, and nothing moves,
+    // when it would be more than kLongestAdvance ahead in all.
+    bool AdvanceClock(std::chrono::seconds by);
 
 private:
     using Time = std::chrono::steady_clock::time_point;

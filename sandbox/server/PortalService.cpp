@@ -16,7 +16,7 @@ std::string HeaderFault(const PlatformRequest& request) {
     inspection.Expect("Content-Type", kJsonContentType);
     inspection.Expect("Cookie", kSiteCookie);
     inspection.ExpectContentLength(request.body.size());
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     return inspection.Reason();
 }
 

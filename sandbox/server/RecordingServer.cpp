@@ -2,10 +2,18 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace sandbox {
 namespace {
+
+static_assert(std::string_view(CPPHTTPLIB_VERSION) == "0.11.4",
+              "RecordingServer and ConnectionThreads use members of cpp-httplib 0.11.4 that are its own business: read "
+              "both against the new version, then change this line");
 
 // No client can send this name: the library takes everything before the first colon as a header's name.
 constexpr const char* kRawHeadKey = ":raw-head";
@@ -25,31 +33,50 @@ public:
     socket_t socket() const override { return m_stream.socket(); }
 
     ssize_t read(char* bytes, size_t count) override {
-        if (!m_headComplete && m_head.size() > kLargestHead) {
-            return -1;  // ends the connection
+        if (TooLong()) {
+            return -1;
         }
         const auto received = m_stream.read(bytes, count);
-        if (!m_headComplete && received > 0) {
-            m_head.append(bytes, static_cast<size_t>(received));
+        if (received > 0) {
+            Count(bytes, static_cast<size_t>(received));
         }
         return received;
     }
 
-    // The library has read the head and nothing else so far.
-    const std::string& CompleteHead() {
-        m_headComplete = true;
+    // The library has read the head and nothing else so far. Of the body it may read that many bytes.
+    const std::string& CompleteHead(std::uint64_t bodyLimit) {
+        m_bodyLimit = bodyLimit;
         return m_head;
     }
 
+    // Nothing more is read then, and the connection must end: the rest of the request is still to come.
+    bool TooLong() const { return m_bodyLimit ? m_bodySize > *m_bodyLimit : m_head.size() > kLargestHead; }
+
 private:
+    void Count(const char* bytes, size_t count) {
+        if (m_bodyLimit) {
+            m_bodySize += count;
+        } else {
+            m_head.append(bytes, count);
+        }
+    }
+
     httplib::Stream& m_stream;
     std::string m_head;
-    bool m_headComplete = false;
+    std::optional<std::uint64_t> m_bodyLimit;  // nothing until the head is complete
+    std::uint64_t m_bodySize = 0;              // as it stands on the wire, the sizes of chunks included
 };
 
-std::function<void(httplib::Request&)> HandOver(RecordingStream& stream, const SSL* tls) {
-    return [&stream, tls](httplib::Request& request) {
-        request.headers.emplace(kRawHeadKey, stream.CompleteHead());
+// The library limits only a body whose length the head tells: one beyond the limit it skips, and answers 413.
+std::uint64_t BodyLimit(const httplib::Request& request, std::size_t largestBody) {
+    const bool lengthTold =
+        request.has_header("Content-Length") && !httplib::detail::is_chunked_transfer_encoding(request.headers);
+    return lengthTold ? std::numeric_limits<std::uint64_t>::max() : largestBody;
+}
+
+std::function<void(httplib::Request&)> HandOver(RecordingStream& stream, std::size_t largestBody, const SSL* tls) {
+    return [&stream, largestBody, tls](httplib::Request& request) {
+        request.headers.emplace(kRawHeadKey, stream.CompleteHead(BodyLimit(request, largestBody)));
         request.ssl = tls;
     };
 }
@@ -116,7 +143,8 @@ bool RecordingHttpServer::process_and_close_socket(socket_t socket) {
         httplib::detail::SocketStream stream(socket, read_timeout_sec_, read_timeout_usec_, write_timeout_sec_,
                                              write_timeout_usec_);
         RecordingStream recording(stream);
-        return process_request(recording, lastRequest, closed, HandOver(recording, nullptr));
+        return process_request(recording, lastRequest, closed, HandOver(recording, payload_max_length_, nullptr)) &&
+               !recording.TooLong();
     });
     Close(socket);
     return complete;
@@ -151,7 +179,8 @@ bool RecordingHttpsServer::ServeRequests(socket_t socket, SSL* tls) {
         httplib::detail::SSLSocketStream stream(socket, tls, read_timeout_sec_, read_timeout_usec_, write_timeout_sec_,
                                                 write_timeout_usec_);
         RecordingStream recording(stream);
-        return process_request(recording, lastRequest, closed, HandOver(recording, tls));
+        return process_request(recording, lastRequest, closed, HandOver(recording, payload_max_length_, tls)) &&
+               !recording.TooLong();
     });
 }
 

@@ -8,7 +8,7 @@
 namespace sandbox {
 namespace {
 
-// These four and no other field of the client's sets.
+// These and nothing else of the client's.
 std::string HeaderFault(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
     inspection.ExpectPresent("refreshToken");
@@ -16,7 +16,7 @@ std::string HeaderFault(const PlatformRequest& request) {
     inspection.ExpectPresent("userId");
     inspection.Expect("Cookie", kSiteCookie);
     inspection.ExpectContentLength(request.body.size());
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     return inspection.Reason();
 }
 
@@ -47,9 +47,11 @@ PlatformReply Refresh(const PlatformRequest& request, PlatformState& state) {
     if (auto refusal = RefusalOf({HeaderFault(request), QueryFault(request), NullBodyFault(request)})) {
         return *std::move(refusal);
     }
-    const auto exchange = state.Refresh(request.head.OnlyValue("refreshToken"), request.head.OnlyValue("deviceId"));
-    if (exchange.otherDevice) {
-        return RefusalOf({"deviceId: " + exchange.refusal, "", ""}).value();
+    const auto& head = request.head;
+    const auto exchange =
+        state.Refresh(head.OnlyValue("refreshToken"), {head.OnlyValue("deviceId"), head.OnlyValue("userId")});
+    if (exchange.wrongClaim != nullptr) {
+        return RefusalOf({exchange.wrongClaim + (": " + exchange.refusal), "", ""}).value();
     }
     return ExchangeReply(exchange);
 }

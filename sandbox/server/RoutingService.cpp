@@ -1,12 +1,23 @@
 #include "RoutingService.h"
 
+#include "HeaderInspection.h"
 #include "JsonText.h"
 #include "WireConstants.h"
 
 namespace sandbox {
 namespace {
 
-PlatformReply RemoteEndpoints(const PlatformRequest&) {
+// Any header fields will do.
+std::string RequestFault(const PlatformRequest& request) {
+    HeaderInspection inspection(request.head);
+    inspection.ExpectNoBody();
+    return request.query.empty() ? inspection.Reason() : "the query is not empty";
+}
+
+PlatformReply RemoteEndpoints(const PlatformRequest& request) {
+    if (const auto fault = RequestFault(request); !fault.empty()) {
+        return ErrorReply(400, fault);
+    }
     Json::Value reply(Json::objectValue);
     reply["region"] = "CN";
     reply["ttlSeconds"] = 300;

@@ -8,7 +8,6 @@ namespace sandbox {
 namespace {
 
 constexpr const char* kPathFaults = "/sandbox/faults";
-constexpr unsigned kLongestClockAdvanceSeconds = 1'000'000'000;
 
 PlatformReply SessionReply(const Session& session) {
     Json::Value reply(Json::objectValue);
@@ -45,10 +44,10 @@ PlatformReply SelectAccount(const Json::Value& body, PlatformState& state) {
 
 PlatformReply AdvanceClock(const Json::Value& body, PlatformState& state) {
     const auto& seconds = body["advanceSeconds"];
-    if (!seconds.isUInt() || seconds.asUInt() > kLongestClockAdvanceSeconds) {
-        return ErrorReply(400, "advanceSeconds is not a whole number up to 1000000000");
+    if (!seconds.isUInt() || !state.AdvanceClock(std::chrono::seconds(seconds.asUInt()))) {
+        return ErrorReply(400, "advanceSeconds is not a whole number, or the clock would be more than " +
+                                   std::to_string(std::chrono::seconds(kLongestAdvance).count()) + " s ahead in all");
     }
-    state.AdvanceClock(std::chrono::seconds(seconds.asUInt()));
     return JsonReply(Json::Value(Json::objectValue));
 }
 

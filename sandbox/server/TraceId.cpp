@@ -23,14 +23,18 @@ std::vector<std::string_view> Fields(std::string_view text) {
     }
 }
 
-// Decimal digits only, of 32 bits.
+// A decimal number of 32 bits without leading zeros.
 std::optional<std::uint32_t> Number(std::string_view digits) {
     std::uint32_t value = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (error != std::errc{} || end != digits.data() + digits.size()) {
-        return std::nullopt;
-    }
-    return value;
+    const auto error = std::from_chars(digits.data(), digits.data() + digits.size(), value).ec;
+    return error == std::errc{} && std::to_string(value) == digits ? std::optional(value) : std::nullopt;
+}
+
+// Filled up with zeros on its left.
+std::string CommandText(unsigned command) {
+    const auto digits = std::to_string(command);
+    const auto width = static_cast<std::size_t>(kTraceCommandDigits);
+    return std::string(width - std::min(digits.size(), width), '0') + digits;
 }
 
 bool IsRandomPart(std::string_view digits) {
@@ -56,15 +60,15 @@ std::string TraceIdFault(std::string_view traceId, unsigned command, std::uint64
     if (fields.size() != 4) {
         return "has not the four fields command_11_time_random";
     }
-    if (fields[0].size() < static_cast<std::size_t>(kTraceCommandDigits) || Number(fields[0]) != command) {
-        return "does not begin with the command " + std::to_string(command);
+    if (fields[0] != CommandText(command)) {
+        return "does not begin with the command " + CommandText(command);
     }
     if (fields[1] != kTraceIdCode) {
         return "has another code than " + std::string(kTraceIdCode);
     }
     const auto time = Number(fields[2]);
     if (!time) {
-        return "has no decimal time of 32 bits";
+        return "has no decimal time of 32 bits without leading zeros";
     }
     if (!IsNear(*time, nowSeconds)) {
         return "has a time more than a day away";

@@ -28,7 +28,7 @@ std::string RequestFault(HeaderInspection& inspection, const std::string& queryF
     inspection.Expect("x-zv-app-package-name", kPackageName);
     inspection.Expect("x-zv-app-id", kApplicationId);
     inspection.ExpectNoBody();
-    inspection.RefuseOtherPlatformFields();
+    inspection.RefuseOtherFields();
     return inspection.Reason().empty() ? queryFault : inspection.Reason();
 }
 

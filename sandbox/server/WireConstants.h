@@ -22,7 +22,6 @@ inline constexpr std::string_view kOsBrand = "Windows";
 inline constexpr std::string_view kJsonContentType = "application/json";
 inline constexpr std::string_view kSiteCookie = "siteID=1";
 inline constexpr std::string_view kManualActivation = "manual";
-inline constexpr std::string_view kPlatformHeaderPrefix = "x-zv-";
 inline constexpr std::string_view kAuthorizationKind = "6";  // the first field of an encoded authorization
 inline constexpr std::string_view kBearerPrefix = "Bearer ";
 inline constexpr std::string_view kServerKeyKind = "EC_256";
@@ -32,8 +31,8 @@ inline constexpr std::string_view kClientTrustMode = "1";
 inline constexpr std::string_view kNullBody = "null\n";  // of a POST that has nothing to say
 inline constexpr std::string_view kLoginDevicesBody = "{\"version\":\"2.0\"}\n";
 inline constexpr std::string_view kUserRegisterBody = "{\"params\": [\"clientLogReport\"]}";
-inline constexpr int kDeviceIdDigits = 32;         // hexadecimal
-inline constexpr int kDeviceNameCharacters = 250;  // at most
+inline constexpr int kDeviceIdDigits = 32;    // hexadecimal
+inline constexpr int kDeviceNameUnits = 250;  // at most, of UTF-16
 
 // Trace id: command, this code, Unix time and random digits, joined by underscores.
 inline constexpr std::string_view kTraceIdCode = "11";

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -69,21 +70,35 @@ void LimitTls(SSL_CTX* context, const std::string& highest) {
 template <typename Server>
 class RunningServer {
 public:
-    explicit RunningServer(Server& server) : m_server(server), m_thread([&server] { server.listen_after_bind(); }) {
+    explicit RunningServer(Server& server) : m_server(server), m_thread([this] { Listen(); }) {
         // Stopping has no effect on a server that does not run yet.
-        while (!m_server.is_running()) {
+        while (!m_server.is_running() && !m_failed) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
-    ~RunningServer() {
-        m_server.stop();
-        m_thread.join();
-    }
+    ~RunningServer() { Stop(); }
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;
 
+    // Returns after the last connection; false when the server had stopped by itself.
+    bool Stop() {
+        m_server.stop();
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
+        return !m_failed;
+    }
+
 private:
+    void Listen() {
+        if (!m_server.listen_after_bind()) {
+            m_failed = true;
+            std::cerr << "sandbox-server: a listener failed; it takes no more connections" << std::endl;
+        }
+    }
+
     Server& m_server;
+    std::atomic<bool> m_failed{false};
     std::thread m_thread;
 };
 
@@ -135,7 +150,8 @@ Platform::Platform() {
     AddContactsControl(endpoints, state, contacts);
 }
 
-void Serve(const Options& options) {
+// Until the input ends. False when a listener failed meanwhile, which has been reported.
+bool Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
     Platform platform;
     auto& traffic = platform.traffic;
@@ -155,11 +171,13 @@ void Serve(const Options& options) {
         WriteAuthority(options.authorityFile, identity.authorityPem);
     }
 
-    const RunningServer<RecordingHttpServer> runningHttp(http);
-    const RunningServer<RecordingHttpsServer> runningHttps(https);
+    RunningServer<RecordingHttpServer> runningHttp(http);
+    RunningServer<RecordingHttpsServer> runningHttps(https);
     AnnounceReady(httpPort, httpsPort, options.authorityFile);
     WaitForEndOfInput();
     frontEnd.Stop();
+    const bool httpServed = runningHttp.Stop();
+    return runningHttps.Stop() && httpServed;
 }
 
 }  // namespace
@@ -168,10 +186,7 @@ void Serve(const Options& options) {
 int main(int argumentCount, char** arguments) {
     try {
         const auto commandLine = sandbox::ReadCommandLine(argumentCount, arguments);
-        if (commandLine.run) {
-            sandbox::Serve(commandLine.options);
-        }
-        return commandLine.exitCode;
+        return commandLine.run && !sandbox::Serve(commandLine.options) ? 1 : commandLine.exitCode;
     } catch (const std::exception& error) {
         std::cerr << "sandbox-server: " << error.what() << std::endl;
         return 1;
