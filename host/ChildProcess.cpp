@@ -4,15 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "ExitCode.h"
+#include "SystemError.h"
 #include "TextEncoding.h"
 
 namespace host {
 namespace {
-
-[[noreturn]] void Fail(const std::string& what) {
-    throw HostError(kExitStepFailed, what + ": system error " + std::to_string(GetLastError()));
-}
 
 struct Pipe {
     WindowsHandle ours;
@@ -23,11 +19,11 @@ Pipe MakePipe(bool theyRead) {
     HANDLE read = nullptr;
     HANDLE write = nullptr;
     if (!CreatePipe(&read, &write, nullptr, 0)) {
-        Fail("cannot make a pipe");
+        FailWithSystemError("cannot make a pipe", GetLastError());
     }
     Pipe pipe{WindowsHandle(theyRead ? write : read), WindowsHandle(theyRead ? read : write)};
     if (!SetHandleInformation(pipe.theirs.get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT)) {
-        Fail("cannot share a pipe");
+        FailWithSystemError("cannot share a pipe", GetLastError());
     }
     return pipe;
 }
@@ -48,12 +44,13 @@ public:
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         m_storage.resize(size);
         if (!InitializeProcThreadAttributeList(List(), 1, 0, &size)) {
-            Fail("cannot prepare a process");
+            FailWithSystemError("cannot prepare a process", GetLastError());
         }
         if (!UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
                                        handles.size() * sizeof(HANDLE), nullptr, nullptr)) {
+            const DWORD error = GetLastError();
             DeleteProcThreadAttributeList(List());
-            Fail("cannot prepare a process");
+            FailWithSystemError("cannot prepare a process", error);
         }
     }
     ~InheritedHandles() { DeleteProcThreadAttributeList(List()); }
@@ -100,7 +97,7 @@ ChildProcess StartChildProcess(std::wstring commandLine) {
     PROCESS_INFORMATION started = {};
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
                         &startup.StartupInfo, &started)) {
-        Fail("cannot start " + ToUtf8(commandLine));
+        FailWithSystemError("cannot start " + ToUtf8(commandLine), GetLastError());
     }
     const WindowsHandle thread(started.hThread);
     ChildProcess child{MakeKillingJob(), WindowsHandle(started.hProcess), std::move(input.ours),

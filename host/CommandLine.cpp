@@ -6,11 +6,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <memory>
 
 #include "ArgumentChecks.h"
 #include "CommandWords.h"
 #include "ExitCode.h"
+#include "LocalMemory.h"
 #include "TextEncoding.h"
 
 namespace host {
@@ -35,10 +35,6 @@ constexpr char kFooter[] =
     "  1  a step failed, or no platform answers\n"
     "  2  the arguments or a configuration file are wrong";
 
-struct LocalRelease {
-    void operator()(wchar_t** memory) const noexcept { LocalFree(memory); }
-};
-
 // The texts of the arguments, before they are judged.
 struct RawOptions {
     std::vector<std::string> commands;
@@ -56,19 +52,18 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.allow_windows_style_options(false);  // "/" starts a path
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
     app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
-    app.add_option(
-           "--platform", raw.platform,
-           "Base URL of the portal and of all other services (gateway: /gateway below it); the account SDK beside "
-           "this program gets it too")
+    app.add_option("--platform", raw.platform,
+                   "Base URL of the portal and all other services (gateway: /gateway below it)")
         ->type_name("URL");
     app.add_option("--sdk-platform", raw.sdkPlatform,
-                   "Base URL for the account SDK, if another: the sandbox's SDK speaks http only")
+                   "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only")
         ->type_name("URL");
     app.add_option("--config", raw.configuration, "Configuration file (JSON) of the parameter store")
         ->type_name("FILE");
     app.add_option("--certificate-authority", raw.certificateAuthority,
                    "Trust the authorities in this PEM file instead of the system's")
         ->type_name("FILE");
+    app.add_option("--business", options.business, "report: the business, if not drive")->type_name("NAME");
     app.add_option("--url", raw.contactsUrl, "contacts export: where the portal has the contacts")->type_name("URL");
     // One text an option, so that the commands after it stay commands.
     app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
@@ -83,6 +78,12 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
 bool Has(const Options& options, Command command) {
     return std::any_of(options.commands.begin(), options.commands.end(),
                        [command](const CommandCall& call) { return call.command == command; });
+}
+
+void JudgeReport(const Options& options) {
+    if (!options.business.empty() && !Has(options, Command::kReport)) {
+        Refuse("--business belongs to report");
+    }
 }
 
 void JudgeContacts(const RawOptions& raw, Options& options) {
@@ -126,6 +127,7 @@ void Judge(const RawOptions& raw, Options& options) {
     options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
     options.log = ToWide(raw.log);
     JudgeDemo(raw, options);
+    JudgeReport(options);
     JudgeContacts(raw, options);
 }
 
@@ -133,7 +135,7 @@ void Judge(const RawOptions& raw, Options& options) {
 
 std::vector<std::string> ProcessArguments() {
     int count = 0;
-    const std::unique_ptr<wchar_t*, LocalRelease> wide(CommandLineToArgvW(GetCommandLineW(), &count));
+    const LocalMemory<wchar_t*> wide(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> arguments;
     for (int i = 1; wide && i < count; ++i) {
         arguments.push_back(ToUtf8(wide.get()[i]));

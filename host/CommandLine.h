@@ -19,6 +19,7 @@ struct Options {
     std::filesystem::path configuration;         // parameter-store configuration file; may be empty
     std::filesystem::path certificateAuthority;  // PEM file; may be empty
     std::filesystem::path log;                   // log file; may be empty
+    std::string business;                        // "": one of our own
     std::string contactsUrl;                     // "": a sandbox at the platform's URL tells it
     std::map<std::wstring, std::wstring> cookies;
     bool https = false;

@@ -10,7 +10,6 @@ public:
     explicit WordReader(const std::vector<std::string>& words) : m_next(words.begin()), m_end(words.end()) {}
 
     bool AtEnd() const { return m_next == m_end; }
-    bool AtCommand() const { return !AtEnd() && CommandNamed(*m_next).has_value(); }
 
     const std::string& Take(const char* missing) {
         if (AtEnd()) {
@@ -36,8 +35,6 @@ std::string ContactsFile(WordReader& words) {
 
 std::string ArgumentOf(Command command, WordReader& words) {
     switch (command) {
-        case Command::kReport:
-            return words.AtEnd() || words.AtCommand() ? "" : words.Take("");
         case Command::kContacts:
             return ContactsFile(words);
         case Command::kRoute:

@@ -7,8 +7,8 @@
 
 namespace host {
 
-// The commands among the words of the command line, each with its argument. A word after "report" is its BUSINESS
-// unless it is the name of a command. At least one; throws HostError with kExitUsage.
+// The commands among the words of the command line, each with its argument. At least one; throws HostError with
+// kExitUsage.
 std::vector<CommandCall> ReadCommandWords(const std::vector<std::string>& words);
 
 }  // namespace host

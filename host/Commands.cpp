@@ -29,9 +29,9 @@ constexpr CommandRow kCommands[] = {
     {Command::kModules, "modules", "", Needs::kUserId,
      "fetch the system configuration: is the client available, which modules are on"},
     {Command::kActivate, "activate", "", Needs::kUserId, "ask the platform to look at the account's activation again"},
-    {Command::kReport, "report", " [BUSINESS]", Needs::kUserId,
-     "report that the data of a business (drive unless given) is initialised, and ask\n"
-     "whether client logs are wanted"},
+    {Command::kReport, "report", "", Needs::kUserId,
+     "report that the data of a business is initialised (drive, or that of --business),\n"
+     "and ask whether client logs are wanted"},
     {Command::kDevices, "devices", "", Needs::kSession, "list the devices that signed in to the account lately"},
     {Command::kRefresh, "refresh", "", Needs::kSession, "obtain a new access token with the refresh token"},
     {Command::kApplicationToken, "application-token", "", Needs::kSession, "fetch the application's own access token"},
@@ -42,8 +42,9 @@ constexpr CommandRow kCommands[] = {
      "--config; without one, the session's refresh token protected as that client did.\n"
      "What is signed in before is signed out"},
     {Command::kContacts, "contacts", " export FILE", Needs::kNothing,
-     "download the contacts as a vCard file, over an existing one; from --url with the\n"
-     "--cookie of its portal, or from a sandbox at --platform, which tells both"},
+     "download the contacts as a vCard file, which replaces an existing one when all has\n"
+     "come; from --url with the --cookie of its portal, or from a sandbox at --platform,\n"
+     "which tells both"},
     {Command::kRoute, "route", " URL", Needs::kNothing, "ask the routing service at this URL; shows headers and text"},
     {Command::kStatus, "status", "", Needs::kNothing, "show what the account state holds; tokens by their length only"},
     {Command::kSignOut, "sign-out", "", Needs::kNothing, "clear the account state and the sync keys"},

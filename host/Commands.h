@@ -28,7 +28,7 @@ enum class Command {
 // A command and what was given with it.
 struct CommandCall {
     Command command;
-    std::string argument;  // UTF-8: BUSINESS of report (may be empty), FILE of contacts, URL of route
+    std::string argument;  // UTF-8: FILE of contacts, URL of route
 };
 
 // What an earlier command of the same session must have left.

@@ -7,8 +7,6 @@
 namespace host {
 namespace {
 
-constexpr char kFailed[] = "failed: --verbose shows the log";
-
 std::string ModuleNames(UserAuthService& service) {
     std::wstring names;
     for (const std::wstring& module : service.GetValidModule()) {
@@ -20,7 +18,7 @@ std::string ModuleNames(UserAuthService& service) {
 StepResult FetchConfiguration(SessionState& state) {
     UserAuthService& service = *state.service;
     if (!service.InitSysConf()) {
-        return {false, kFailed, {}};
+        return {false, SeeLog(), {}};
     }
     return {true,
             "",
@@ -35,7 +33,7 @@ StepResult Activate(SessionState& state) {
     UserAuthService& service = *state.service;
     const bool before = service.IsActiveAccount();
     if (!service.ActiveUser()) {
-        return {false, kFailed, {}};
+        return {false, SeeLog(), {}};
     }
     const bool now = service.IsActiveAccount();
     const bool mustChange = state.sandbox != nullptr;  // its account starts without, and asking activates it

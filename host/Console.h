@@ -4,6 +4,9 @@
 
 namespace host {
 
+// Before a text on a terminal: goes to the start of the current line and clears it.
+constexpr char kRewriteLine[] = "\r\x1b[K";
+
 // The program's standard output and standard error. Texts are UTF-8 with "\n" line ends; they reach a terminal as
 // Unicode and a file or pipe as they stand.
 class Console {

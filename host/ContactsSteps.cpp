@@ -1,6 +1,8 @@
 #include <ParamStore.h>
 #include <UserAuthService.h>
 
+#include <fstream>
+
 #include "FieldText.h"
 #include "GrowingFile.h"
 #include "JsonObject.h"
@@ -43,10 +45,73 @@ ContactsSource SourceOf(const SessionState& state) {
                                        : ContactsSource{ToWide(options.contactsUrl), options.cookies};
 }
 
+// Where the download goes: beside the wanted file, which is replaced at last. Deleted unless it was.
+class PartFile {
+public:
+    // Deletes what an earlier try left.
+    explicit PartFile(std::filesystem::path wanted) : m_path(std::move(wanted += L".part")) { Delete(); }
+    ~PartFile() { Delete(); }
+    PartFile(const PartFile&) = delete;
+    PartFile& operator=(const PartFile&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+    bool Exists() const {
+        std::error_code error;
+        return std::filesystem::exists(m_path, error) || error;
+    }
+    // Not one that is read-only, which the system's rename takes under Wine.
+    bool Replace(const std::filesystem::path& wanted) const {
+        using std::filesystem::perms;
+        std::error_code error;
+        const std::filesystem::file_status before = std::filesystem::status(wanted, error);
+        if (std::filesystem::exists(before) && (before.permissions() & perms::owner_write) == perms::none) {
+            return false;
+        }
+        std::filesystem::rename(m_path, wanted, error);
+        return !error;
+    }
+
+private:
+    void Delete() const {
+        std::error_code ignored;
+        std::filesystem::remove(m_path, ignored);
+    }
+
+    const std::filesystem::path m_path;
+};
+
+// The service does not look whether all could be written. Where one of its blocks did not fit, this one does not
+// either.
+bool IsDiskFull(const std::filesystem::path& file) {
+    constexpr std::size_t kLargestBlock = 128 * 1024;
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    std::ofstream stream(file, std::ios::binary | std::ios::app);
+    stream << std::string(kLargestBlock, ' ');
+    stream.close();
+    std::filesystem::resize_file(file, size, error);
+    return !stream || error;
+}
+
+// What is wrong with a download; empty when it may take the wanted file's place.
+std::string FaultOf(bool exported, const VcardFile& contacts, const std::filesystem::path& part) {
+    if (!exported) {
+        return SeeLog("the download failed, " + Bytes(contacts.read ? contacts.bytes : 0) + " came");
+    }
+    if (!contacts.read) {
+        return "PATH.part cannot be written: is its folder writable?";
+    }
+    if (IsDiskFull(part)) {
+        return "the disk is full, or nearly so: contacts may be missing";
+    }
+    return contacts.whole ? "" : "what came, " + Bytes(contacts.bytes) + ", does not end with a whole contact";
+}
+
 bool Download(SessionState& state, const ContactsSource& source, const std::filesystem::path& file) {
-    const bool show = state.console.IsTerminal() && !state.options.json;
     const std::unique_ptr<GrowingFile> progress =
-        show ? std::make_unique<GrowingFile>(state.console, std::string("  ...     ") + kTitle, file) : nullptr;
+        ShowsRunningStep(state.console, state.options)
+            ? std::make_unique<GrowingFile>(state.console, std::string(kRunning) + kTitle, file)
+            : nullptr;
     return state.service->ExportContracts(source.url, file.wstring(), source.cookies);
 }
 
@@ -55,18 +120,24 @@ StepResult Export(SessionState& state, const std::filesystem::path& file) {
     if (source.url.empty()) {
         return {false, "no sandbox answers at --platform: give --url, and --cookie for the login of its portal", {}};
     }
-    const bool exported = Download(state, source, file);
-    const VcardFile contacts = ReadVcardFile(file);
-    const std::string size = contacts.read ? Bytes(contacts.bytes) : "no file";
-    if (!exported || !contacts.read) {
-        return {false,
-                exported ? "the file cannot be written" : "the download failed, " + size + " came",
-                {{"path", ToUtf8(file.wstring())}}};
+    const PartFile part(file);
+    const std::vector<std::pair<std::string, std::string>> path = {{"path", ToUtf8(file.wstring())}};
+    if (part.Exists()) {
+        return {false, "the file of an earlier try, PATH.part, cannot be deleted", path};
+    }
+    const bool exported = Download(state, source, part.Path());
+    const VcardFile contacts = ReadVcardFile(part.Path());
+    if (const std::string fault = FaultOf(exported, contacts, part.Path()); !fault.empty()) {
+        return {false, fault + "; PATH is what it was", path};
+    }
+    if (!part.Replace(file)) {
+        return {false, "PATH cannot be replaced: is it open elsewhere or read-only? It is what it was", path};
     }
     const bool expected = !state.sandbox || contacts.cards == kDemoCards;
-    return {expected,
-            std::to_string(contacts.cards) + (contacts.cards == 1 ? " contact, " : " contacts, ") + size,
-            {{"path", ToUtf8(file.wstring())}}};
+    return {
+        expected,
+        std::to_string(contacts.cards) + (contacts.cards == 1 ? " contact, " : " contacts, ") + Bytes(contacts.bytes),
+        path};
 }
 
 StepResult ExportDemoContacts(SessionState& state) {

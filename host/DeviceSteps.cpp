@@ -1,5 +1,6 @@
 #include <UserAuthService.h>
 
+#include "FieldText.h"
 #include "Session.h"
 #include "TextEncoding.h"
 
@@ -24,7 +25,7 @@ bool IsTheReport(const std::vector<DeviceTag>& devices, const std::string& busin
 StepResult ListDevices(SessionState& state) {
     std::vector<DeviceTag> devices;
     if (!state.service->GetLoginDevicesHistory(devices)) {
-        return {false, "failed: --verbose shows the log", {}};
+        return {false, SeeLog(), {}};
     }
     const std::string count = devices.size() == 1 ? "1 device" : std::to_string(devices.size()) + " devices";
     const bool mustShowReport = state.sandbox != nullptr;

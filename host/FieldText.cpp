@@ -47,6 +47,10 @@ std::string YesOrNo(bool value) {
     return value ? "yes" : "no";
 }
 
+std::string SeeLog(const std::string& what) {
+    return what + ": --verbose shows the log";
+}
+
 std::string Printable(const std::string& text) {
     std::wstring wide = ToWide(text);
     std::replace_if(wide.begin(), wide.end(), IsControl, kReplacement);

@@ -17,6 +17,9 @@ std::string LengthOnly(const std::wstring& secret);
 std::string TextOrNone(const std::wstring& text);
 std::string YesOrNo(bool value);
 
+// What failed, and where to read more: "failed: --verbose shows the log".
+std::string SeeLog(const std::string& what = "failed");
+
 // Text from elsewhere as part of one line: characters that would control a terminal, break the line or reorder it
 // become replacement characters.
 std::string Printable(const std::string& text);

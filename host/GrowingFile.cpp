@@ -14,7 +14,6 @@ namespace {
 constexpr std::chrono::milliseconds kPause{100};
 constexpr std::size_t kBarWidth = 24;
 constexpr std::size_t kBlockWidth = 5;
-constexpr char kRewriteLine[] = "\r\x1b[K";
 
 // By way of a handle: the folder's entry of an open file may be old.
 std::uint64_t BytesOf(const std::filesystem::path& file) {

@@ -7,21 +7,13 @@
 #include <dpapi.h>
 
 #include <cstdio>
-#include <memory>
 
-#include "ExitCode.h"
+#include "LocalMemory.h"
+#include "SystemError.h"
 #include "TextEncoding.h"
 
 namespace host {
 namespace {
-
-struct LocalRelease {
-    void operator()(BYTE* memory) const noexcept { LocalFree(memory); }
-};
-
-[[noreturn]] void Fail(const std::string& what) {
-    throw HostError(kExitStepFailed, what + ": system error " + std::to_string(GetLastError()));
-}
 
 std::string LocalTimeText() {
     SYSTEMTIME now;
@@ -37,10 +29,10 @@ std::string Protect(std::string& plaintext) {
     DATA_BLOB input{static_cast<DWORD>(plaintext.size()), reinterpret_cast<BYTE*>(plaintext.data())};
     DATA_BLOB output{};
     const BOOL made = CryptProtectData(&input, nullptr, nullptr, nullptr, nullptr, 0, &output);
-    const std::unique_ptr<BYTE, LocalRelease> owned(output.pbData);
     if (!made) {
-        Fail("the refresh token cannot be protected");
+        FailWithSystemError("the refresh token cannot be protected", GetLastError());
     }
+    const LocalMemory<BYTE> owned(output.pbData);
     return {reinterpret_cast<const char*>(output.pbData), output.cbData};
 }
 
@@ -51,11 +43,11 @@ std::wstring Base64(const std::string& bytes) {
     const auto size = static_cast<DWORD>(bytes.size());
     DWORD length = 0;  // with the terminating zero at first, without it at last
     if (!CryptBinaryToStringW(data, size, kForm, nullptr, &length)) {
-        Fail("the protected refresh token cannot be written as text");
+        FailWithSystemError("the protected refresh token cannot be written as text", GetLastError());
     }
     std::wstring text(length, L'\0');
     if (!CryptBinaryToStringW(data, size, kForm, text.data(), &length)) {
-        Fail("the protected refresh token cannot be written as text");
+        FailWithSystemError("the protected refresh token cannot be written as text", GetLastError());
     }
     text.resize(length);
     return text;

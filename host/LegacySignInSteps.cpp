@@ -15,15 +15,20 @@ std::wstring StoredItem() {
 }
 
 // The configuration's own item comes first. Without one, the session's refresh token is stored as an earlier client
-// would have left it.
+// would have left it; a session that has none any more keeps the one that it stored before.
 StepResult ProvideItem(SessionState& state) {
-    if (const std::wstring item = StoredItem(); !item.empty()) {
-        return {true, "from the configuration, " + Characters(item.size()), {}};
+    const std::wstring stored = StoredItem();
+    if (!stored.empty() && !state.madeLegacyItem) {
+        return {true, "from the configuration, " + Characters(stored.size()), {}};
     }
     const std::wstring refreshToken = state.service->GetCurrentRT();
+    if (refreshToken.empty() && !stored.empty()) {
+        return {true, "made earlier in this session, " + Characters(stored.size()), {}};
+    }
     if (refreshToken.empty()) {
         return {false, "no item \"0\" in the \"legacyItems\" of --config, and no session to make one of", {}};
     }
+    state.madeLegacyItem = true;
     StoreLegacyItem(MakeLegacySignIn(refreshToken), state.folder.Path());
     const std::wstring item = StoredItem();
     return {!item.empty(), "made of the session's refresh token, protected, " + Characters(item.size()), {}};
@@ -36,9 +41,8 @@ StepResult TakeOver(SessionState& state) {
     const std::wstring userId = service.GetOldVersionUserId();
     if (userId.empty()) {
         return {false,
-                service.GetCurrentRT().empty()
-                    ? "the item is not this user's, or holds no refresh token"
-                    : "the platform does not take the refresh token: --verbose shows the log",
+                service.GetCurrentRT().empty() ? "the item is not this user's, or holds no refresh token"
+                                               : SeeLog("the refresh or the user-id look-up failed"),
                 {}};
     }
     const bool mustBeSame = state.sandbox != nullptr;

@@ -13,6 +13,8 @@ constexpr int kLongestSeconds = 10;
 // What is wrong with the platform, and what to do about it.
 std::string Cause(int error, const std::string& url) {
     switch (error) {
+        case kHttpInvalidRequest:
+            return url + " is no URL that can be asked: look at its host and its port, a number from 1 to 65535";
         case kHttpNameNotResolved:
             return "the host name in " + url + " has no address: check the spelling and the network";
         case kHttpConnectFailed:
@@ -45,7 +47,8 @@ void RequirePlatform(const std::string& platformUrl) {
     std::string reply;
     const int code = CurlHttpLibContext(&strategy).Request(reply, kLongestSeconds);
     if (code < 0) {
-        throw HostError(code == kHttpCertificateFileInvalid ? kExitUsage : kExitStepFailed, Cause(code, platformUrl));
+        const bool usage = code == kHttpCertificateFileInvalid || code == kHttpInvalidRequest;
+        throw HostError(usage ? kExitUsage : kExitStepFailed, Cause(code, platformUrl));
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "ExitCode.h"
+#include "SystemError.h"
 
 namespace host {
 namespace {
@@ -10,6 +10,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr wchar_t kClassName[] = L"UserAuthHostPortraitWindow";
+// Wine ends its desktop with the last program that has a window: one that starts at that moment gets none.
+constexpr int kAttempts = 5;
+constexpr DWORD kPauseMilliseconds = 200;
 constexpr UINT kPortraitChanged = 0x0C87;  // the service's number; both parameters are 0
 
 LRESULT CALLBACK HandleMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
@@ -27,10 +30,14 @@ HWND MakeWindow() {
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = kClassName;
     RegisterClassW(&windowClass);  // fails harmlessly when an earlier window has registered it
-    const HWND window = CreateWindowExW(0, kClassName, L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                        windowClass.hInstance, nullptr);
+    HWND window = nullptr;
+    for (int attempt = 0; !window && attempt < kAttempts; ++attempt) {
+        Sleep(attempt == 0 ? 0 : kPauseMilliseconds);
+        window = CreateWindowExW(0, kClassName, L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                 windowClass.hInstance, nullptr);
+    }
     if (!window) {
-        throw HostError(kExitStepFailed, "cannot make a window: system error " + std::to_string(GetLastError()));
+        FailWithSystemError("cannot make a window", GetLastError());
     }
     return window;
 }

@@ -19,13 +19,12 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds kLongestPortrait{20};
 constexpr std::chrono::seconds kLongestFlush{2};
 constexpr char kNoMessage[] = "no message 0x0C87 within 20 s";
-constexpr char kFailed[] = "failed: --verbose shows the log";
 
 // A look-up that stores the user id; an empty one counts as a success to it, but not here.
 StepResult LookUpUserId(SessionState& state, bool (UserAuthService::*lookUp)(), std::wstring& found) {
     const bool answered = (state.service->*lookUp)();
     found = answered ? state.service->GetCurrentUserID() : std::wstring();
-    return {!found.empty(), answered ? TextOrNone(found) : kFailed, {}};
+    return {!found.empty(), answered ? TextOrNone(found) : SeeLog(), {}};
 }
 
 bool IsAscii(const std::wstring& text) {
@@ -55,7 +54,7 @@ StepResult LookUpAtSyncServer(SessionState& state) {
 StepResult ShowRegistration(SessionState& state) {
     UserAuthService& service = *state.service;
     if (!service.UpdateRegistInfo()) {
-        return {false, kFailed, {}};
+        return {false, SeeLog(), {}};
     }
     const std::wstring country = service.GetCurrentCountryCode();
     return {service.IsChinaAccount() == (country == L"CN"),
@@ -91,7 +90,7 @@ StepResult RequestProfile(SessionState& state) try {
     PortraitWindow& window = MainWindow(state);
     window.Forget();
     if (!service.RequestUserInfo()) {
-        return {false, kFailed, {}};
+        return {false, SeeLog(), {}};
     }
     const Clock::time_point answered = Clock::now();
     const bool arrived = window.WaitForMessage(kLongestPortrait);
@@ -116,7 +115,7 @@ StepResult ShowPortrait(SessionState& state) {
         return {path.empty(), "no portrait", {}};
     }
     if (path.empty()) {
-        return {false, "the download failed: --verbose shows the log", {}};
+        return {false, SeeLog("the download failed"), {}};
     }
     const PortraitFile portrait = ReadPortraitFile(path, kLongestFlush);
     if (!portrait.fault.empty()) {

@@ -8,7 +8,8 @@ namespace {
 
 constexpr char kDefaultBusiness[] = "drive";
 
-StepResult ReportInitialisation(SessionState& state, const std::string& business) {
+StepResult ReportInitialisation(SessionState& state) {
+    const std::string& business = state.options.business;
     state.reportedBusiness = business.empty() ? kDefaultBusiness : business;
     state.service->ReportLoginTime(state.reportedBusiness);
     StepResult result{true, "business " + state.reportedBusiness, {}};
@@ -19,16 +20,15 @@ StepResult ReportInitialisation(SessionState& state, const std::string& business
 StepResult AskClientLogs(SessionState& state) {
     const bool answered = state.service->RequestClientLogReport();
     return {answered,
-            answered ? "client logs reported: " + YesOrNo(state.service->GetClientLogReportStatus())
-                     : "failed: --verbose shows the log",
+            answered ? "client logs reported: " + YesOrNo(state.service->GetClientLogReportStatus()) : SeeLog(),
             {}};
 }
 
 }  // namespace
 
-std::vector<Step> ReportSteps(SessionState& state, const std::string& business) {
+std::vector<Step> ReportSteps(SessionState& state) {
     return {
-        {"report", "initialisation reported", [&state, business] { return ReportInitialisation(state, business); }},
+        {"report", "initialisation reported", [&state] { return ReportInitialisation(state); }},
         {"client-logs", "client logs asked about", [&state] { return AskClientLogs(state); }},
     };
 }

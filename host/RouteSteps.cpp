@@ -1,5 +1,6 @@
 #include <UserAuthService.h>
 
+#include "FieldText.h"
 #include "Session.h"
 #include "TextEncoding.h"
 
@@ -15,7 +16,7 @@ StepResult AskRoutingService(SessionState& state, const std::string& url) {
     }
     StepResult result{!text.empty(), std::to_string(text.size()) + " bytes", {{"text", text}}, table};
     if (text.empty()) {
-        result = {false, "no text: --verbose shows the log", {}, table};
+        result = {false, SeeLog("no text"), {}, table};
     }
     return result;
 }

@@ -1,12 +1,42 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
+
+#include "WindowsHandle.h"
 
 namespace host {
 
-// Sets "platform_url" in the account SDK's configuration file, and "client_id" when the file has none; other members
-// and comments stay. A missing file is made. Throws HostError when the file holds something else or cannot be written.
-void ConfigureAccountSdk(const std::filesystem::path& file, const std::string& platformUrl);
+// The account SDK's configuration file with a "platform_url" of ours while this lives: from before the SDK is
+// initialised, which is when it reads the file, until afterwards. A missing "client_id" or file is added; other members
+// and comments stay; at last the file is what it was. Programs started at once share it: each waits for its turn. To be
+// destroyed on the thread that made it.
+class SdkConfiguration {
+public:
+    // Throws HostError when the file holds something else or cannot be written, or the turn does not come in 30 s.
+    SdkConfiguration(std::filesystem::path file, const std::string& platformUrl);
+    ~SdkConfiguration();
+    SdkConfiguration(const SdkConfiguration&) = delete;
+    SdkConfiguration& operator=(const SdkConfiguration&) = delete;
+
+private:
+    // Holds the mutex of all programs of this login session.
+    class Turn {
+    public:
+        Turn();
+        ~Turn();
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        WindowsHandle m_mutex;
+    };
+
+    const Turn m_turn;  // first: the file is restored before it ends
+    const std::filesystem::path m_file;
+    const std::optional<std::string> m_before;  // nothing when there was no file
+    bool m_changed = false;
+};
 
 }  // namespace host

@@ -10,15 +10,11 @@ namespace {
 
 using Stretch = std::vector<Step> (*)(SessionState& state);
 
-std::vector<Step> DefaultReportSteps(SessionState& state) {
-    return ReportSteps(state, "");
-}
-
 // A client's whole life: the last refresh is refused, so the session ends with a sign-in to be asked for.
-constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps,       RegistrationSteps,
-                             ConfigurationSteps, ActivationSteps,       DefaultReportSteps, DeviceSteps,
-                             RefreshSteps,       ApplicationTokenSteps, SyncKeySteps,       ComparedKeySteps,
-                             LegacySignInSteps,  DemoContactsSteps,     DemoRouteSteps,     AccountSdkSteps,
+constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps,   RegistrationSteps,
+                             ConfigurationSteps, ActivationSteps,       ReportSteps,    DeviceSteps,
+                             RefreshSteps,       ApplicationTokenSteps, SyncKeySteps,   ComparedKeySteps,
+                             LegacySignInSteps,  DemoContactsSteps,     DemoRouteSteps, AccountSdkSteps,
                              StatusSteps,        ExpiredTokenSteps,     SignOutSteps};
 
 std::vector<Step> DemoSteps(SessionState& state) {
@@ -45,7 +41,7 @@ std::vector<Step> OwnSteps(const CommandCall& call, SessionState& state) {
         case Command::kActivate:
             return ActivationSteps(state);
         case Command::kReport:
-            return ReportSteps(state, call.argument);
+            return ReportSteps(state);
         case Command::kDevices:
             return DeviceSteps(state);
         case Command::kRefresh:
@@ -100,6 +96,25 @@ bool RunCommands(SessionState& state, StepReport& report) {
     return true;
 }
 
+// Releases the SDK and writes the closing line, also when a step ended the session by an exception.
+class SessionEnd {
+public:
+    SessionEnd(SessionState& state, StepReport& report) : m_state(state), m_report(report) {}
+    ~SessionEnd() {
+        try {
+            m_report.RunAll(CloseSteps(m_state));
+            m_report.Conclude();
+        } catch (const std::exception&) {  // no memory for the line: what ended the session is told anyway
+        }
+    }
+    SessionEnd(const SessionEnd&) = delete;
+    SessionEnd& operator=(const SessionEnd&) = delete;
+
+private:
+    SessionState& m_state;
+    StepReport& m_report;
+};
+
 }  // namespace
 
 // A download may still run: it must not find a window that is gone.
@@ -109,10 +124,11 @@ SessionState::~SessionState() {
 
 int RunSession(const Options& options, Console& console) {
     SessionState state(options, console);
-    StepReport report(console, options.json);
-    RunCommands(state, report);
-    report.RunAll(CloseSteps(state));
-    report.Conclude();
+    StepReport report(console, options);
+    {
+        const SessionEnd end(state, report);
+        RunCommands(state, report);
+    }
     return report.AllSucceeded() ? kExitOk : kExitStepFailed;
 }
 

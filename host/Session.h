@@ -8,6 +8,7 @@
 #include "Console.h"
 #include "PortraitWindow.h"
 #include "SandboxProcess.h"
+#include "SdkConfiguration.h"
 #include "StepReport.h"
 #include "TemporaryFolder.h"
 
@@ -32,8 +33,10 @@ struct SessionState {
     std::unique_ptr<PortraitWindow> window;   // null until a profile is requested
     std::wstring gatewayUserId;               // what the two look-ups found last
     std::wstring syncServerUserId;
-    std::string reportedBusiness;  // what was reported last; UTF-8
+    std::string reportedBusiness;                        // what was reported last; UTF-8
+    std::unique_ptr<SdkConfiguration> sdkConfiguration;  // until the SDK has read it
     bool sdkInitialised = false;
+    bool madeLegacyItem = false;  // the earlier client's sign-in in the store is of this session's making
 };
 
 // Runs the commands and shows their steps. Returns an ExitCode; throws HostError.
@@ -49,7 +52,7 @@ std::vector<Step> ProfileSteps(SessionState& state);
 std::vector<Step> RegistrationSteps(SessionState& state);
 std::vector<Step> ConfigurationSteps(SessionState& state);
 std::vector<Step> ActivationSteps(SessionState& state);
-std::vector<Step> ReportSteps(SessionState& state, const std::string& business);  // empty: a business of our own
+std::vector<Step> ReportSteps(SessionState& state);
 std::vector<Step> DeviceSteps(SessionState& state);
 std::vector<Step> RefreshSteps(SessionState& state);
 std::vector<Step> ApplicationTokenSteps(SessionState& state);

@@ -7,7 +7,6 @@
 #include "ModuleFolder.h"
 #include "ParameterStoreSetup.h"
 #include "PlatformProbe.h"
-#include "SdkConfiguration.h"
 #include "Session.h"
 #include "TextEncoding.h"
 
@@ -72,20 +71,6 @@ StepResult ConfigureParameterStore(SessionState& state) {
     return {true, (portal.empty() ? "no portal" : "portal " + state.platformUrl) + files, {}};
 }
 
-std::string SdkPlatformUrl(const SessionState& state) {
-    if (state.sandbox) {
-        return state.sandbox->Address().http;
-    }
-    return state.options.sdkPlatformUrl.empty() ? state.options.platformUrl : state.options.sdkPlatformUrl;
-}
-
-StepResult WriteSdkConfiguration(SessionState& state) {
-    const std::filesystem::path file = ServiceFolder() / "ZMSCoreConfig.json";
-    const std::string url = SdkPlatformUrl(state);
-    ConfigureAccountSdk(file, url);
-    return {true, "platform_url " + url, {}};
-}
-
 StepResult ReachPlatform(SessionState& state) {
     if (state.platformUrl.empty()) {
         throw HostError(kExitUsage, "no platform given: name one with --platform or in the file of --config");
@@ -106,10 +91,6 @@ std::vector<Step> SetUpSteps(SessionState& state) {
         {"parameter-store", "parameter store configured", [&state] { return ConfigureParameterStore(state); }});
     if (SignsIn(options)) {
         steps.push_back({"platform", "platform reachable", [&state] { return ReachPlatform(state); }});
-    }
-    if (IsDemo(options) || !options.platformUrl.empty() || !options.sdkPlatformUrl.empty()) {
-        steps.push_back(
-            {"sdk-configuration", "account SDK configured", [&state] { return WriteSdkConfiguration(state); }});
     }
     return steps;
 }

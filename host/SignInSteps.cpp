@@ -2,6 +2,7 @@
 #include <UserAuthService.h>
 #include <windows.h>
 
+#include "ExitCode.h"
 #include "FieldText.h"
 #include "ModuleFolder.h"
 #include "Session.h"
@@ -13,10 +14,28 @@ namespace {
 
 constexpr std::chrono::seconds kLongestSignIn{15};
 
+// Codes of the sandbox's SDK; another one's are its own business.
+constexpr int kSdkConfigurationMissing = 101;
+constexpr int kSdkConfigurationInvalid = 102;
+
+std::string MeaningOf(int sdkCode) {
+    switch (sdkCode) {
+        case 0:
+            return "";
+        case static_cast<int>(ZvIdErrorType::kEntryPointMissing):
+            return ", it lacks the entry point";
+        case kSdkConfigurationMissing:
+            return ", with the sandbox's SDK: no readable ZMSCoreConfig.json beside ZVAccountSdk.dll";
+        case kSdkConfigurationInvalid:
+            return ", with the sandbox's SDK: \"client_id\" (nine digits) or \"platform_url\" (http://HOST:PORT) in "
+                   "ZMSCoreConfig.json is missing or malformed";
+        default:
+            return ", a code of its own";
+    }
+}
+
 StepResult SdkResult(const char* operation, int code) {
-    const bool missing = code == static_cast<int>(ZvIdErrorType::kEntryPointMissing);
-    const char* const meaning = code == 0 ? "" : missing ? ", it lacks the entry point" : ", a code of its own";
-    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + meaning, {}};
+    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + MeaningOf(code), {}};
 }
 
 StepResult CreateService(SessionState& state) {
@@ -28,8 +47,27 @@ StepResult CreateService(SessionState& state) {
     return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(sdk.filename().wstring()), {}};
 }
 
+std::string SdkPlatformUrl(const SessionState& state) {
+    if (state.sandbox) {
+        return state.sandbox->Address().http;
+    }
+    return state.options.sdkPlatformUrl.empty() ? state.platformUrl : state.options.sdkPlatformUrl;
+}
+
+StepResult ConfigureSdk(SessionState& state) {
+    const std::string url = SdkPlatformUrl(state);
+    if (url.rfind("https://", 0) == 0) {
+        throw HostError(kExitUsage, "the account SDK speaks http only, not " + url +
+                                        ": give it an http URL of the platform with --sdk-platform");
+    }
+    state.sdkConfiguration.reset();  // a turn is taken once
+    state.sdkConfiguration = std::make_unique<SdkConfiguration>(ServiceFolder() / "ZMSCoreConfig.json", url);
+    return {true, "platform_url " + url, {}};
+}
+
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
+    state.sdkConfiguration.reset();
     state.sdkInitialised = code == 0;
     StepResult result = SdkResult("InitZms", code);
     const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
@@ -60,7 +98,7 @@ StepResult AwaitCode(SessionState& state) {
 StepResult ExchangeCode(SessionState& state) {
     const std::string code = std::exchange(state.authorizationCode, std::string());
     const bool exchanged = state.service->RequestAT(code, code.c_str());
-    return {exchanged, exchanged ? "" : "RequestAT refused: --verbose shows the log", {}};
+    return {exchanged, exchanged ? "" : SeeLog("RequestAT refused"), {}};
 }
 
 // In the account state and in the parameter store.
@@ -94,6 +132,7 @@ std::vector<Step> CreationSteps(SessionState& state) {
 
 std::vector<Step> SignInSteps(SessionState& state) {
     return {
+        {"sdk-configuration", "account SDK configured", [&state] { return ConfigureSdk(state); }},
         {"account-sdk", "account SDK initialised", [&state] { return InitialiseSdk(state); }},
         {"sign-in", "sign-in accepted", [&state] { return StartSignIn(state); }},
         {"authorization-code", "authorization code delivered", [&state] { return AwaitCode(state); }},

@@ -1,12 +1,12 @@
 #include "StepReport.h"
 
+#include <Logger.h>
 #include <json/value.h>
 #include <json/writer.h>
 
-#include <chrono>
 #include <cstdio>
 
-#include "ExitCode.h"
+#include "CommandLine.h"
 #include "FieldText.h"
 #include "TextEncoding.h"
 
@@ -21,7 +21,7 @@ constexpr int kHttpCreated = 201;
 constexpr char kGreen[] = "\x1b[32m";
 constexpr char kRed[] = "\x1b[31m";
 constexpr char kPlain[] = "\x1b[0m";
-constexpr char kRewriteLine[] = "\r\x1b[K";
+constexpr int kLongestFlushMilliseconds = 1000;
 
 std::string Padded(std::string text, std::size_t width) {
     text.resize(text.size() < width ? width : text.size(), ' ');
@@ -85,7 +85,7 @@ Json::Value RowsJson(const Table& table) {
     for (const std::vector<std::string>& row : table.rows) {
         Json::Value json(Json::objectValue);
         for (std::size_t column = 0; column < row.size(); ++column) {
-            json[MachineName(table.columns[column])] = row[column];
+            json[MachineName(table.columns[column])] = WellFormed(row[column]);
         }
         rows.append(json);
     }
@@ -104,22 +104,32 @@ struct StepReport::Outcome {
     std::vector<HttpExchange> exchanges;
 };
 
-StepReport::StepReport(Console& console, bool json) : m_console(console), m_json(json) {}
+bool ShowsRunningStep(const Console& console, const Options& options) {
+    return console.IsTerminal() && !options.json && !options.verbose;
+}
+
+StepReport::StepReport(Console& console, const Options& options)
+    : m_console(console), m_options(options), m_showsRunning(ShowsRunningStep(console, options)) {}
 
 bool StepReport::Run(const Step& step) {
-    using Clock = std::chrono::steady_clock;
     Announce(step);
     m_exchanges.Take();  // what another thread did between two steps belongs to neither
-    Outcome outcome;
     const Clock::time_point start = Clock::now();
+    StepResult result;
     try {
-        outcome.result = step.run();
-    } catch (const HostError& error) {
-        Abandon(step, error);
+        result = step.run();
+    } catch (const std::exception& error) {
+        // A terminal shows the text as the program's last line anyway.
+        const bool shown = m_console.IsTerminal() && !m_options.json;
+        Finish(step, start, {false, shown ? "" : error.what(), {}});
         throw;
     }
-    outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-    outcome.exchanges = m_exchanges.Take();
+    return Finish(step, start, std::move(result));
+}
+
+bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult result) {
+    Outcome outcome{std::move(result), std::chrono::duration<double, std::milli>(Clock::now() - start).count(),
+                    m_exchanges.Take()};
     outcome.result.ok = outcome.result.ok && (!outcome.result.judgedByStatus || EndedWell(outcome.exchanges));
 
     ++m_count;
@@ -127,7 +137,10 @@ bool StepReport::Run(const Step& step) {
     if (!outcome.result.ok && m_failed.empty()) {
         m_failed = step.title;
     }
-    m_json ? ShowJson(step, outcome) : ShowLine(step, outcome);
+    if (m_options.verbose) {
+        Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own
+    }
+    m_options.json ? ShowJson(step, outcome) : ShowLine(step, outcome);
     return outcome.result.ok;
 }
 
@@ -141,7 +154,7 @@ bool StepReport::RunAll(const std::vector<Step>& steps) {
 }
 
 void StepReport::Conclude() {
-    if (m_json || m_count == 0) {
+    if (m_options.json || m_count == 0) {
         return;
     }
     const std::string steps = std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ");
@@ -155,25 +168,13 @@ void StepReport::Conclude() {
 }
 
 void StepReport::Announce(const Step& step) {
-    if (!m_json && m_console.IsTerminal()) {
-        m_console.Write(std::string("  ...     ") + step.title);
-    }
-}
-
-void StepReport::Abandon(const Step& step, const HostError& error) {
-    m_failed = step.title;
-    if (m_json) {
-        Outcome outcome;
-        outcome.result.detail = error.what();
-        outcome.exchanges = m_exchanges.Take();
-        ShowJson(step, outcome);
-    } else if (m_console.IsTerminal()) {
-        m_console.Write(kRewriteLine);
+    if (m_showsRunning) {
+        m_console.Write(std::string(kRunning) + step.title);
     }
 }
 
 void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
-    std::string line = m_console.IsTerminal() ? kRewriteLine : "";
+    std::string line = m_showsRunning ? kRewriteLine : "";
     line += outcome.result.ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
     line += Padded(step.title, kTitleWidth) + Milliseconds(outcome.milliseconds) + "  ";
     line += ExchangeTexts(outcome.exchanges) + Printable(outcome.result.detail);
@@ -189,7 +190,7 @@ void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
     json["step"] = step.name;
     json["title"] = step.title;
     json["ok"] = outcome.result.ok;
-    json["detail"] = outcome.result.detail;
+    json["detail"] = WellFormed(outcome.result.detail);
     json["milliseconds"] = outcome.milliseconds;
     json["exchanges"] = Json::Value(Json::arrayValue);
     for (const HttpExchange& exchange : outcome.exchanges) {
@@ -197,7 +198,7 @@ void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
     }
     json["fields"] = Json::Value(Json::objectValue);
     for (const auto& [name, value] : outcome.result.fields) {
-        json["fields"][MachineName(name)] = value;
+        json["fields"][MachineName(name)] = WellFormed(value);
     }
     if (!outcome.result.table.columns.empty()) {
         json["rows"] = RowsJson(outcome.result.table);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <utility>
@@ -11,7 +12,7 @@
 
 namespace host {
 
-class HostError;
+struct Options;
 
 // What a step found out. Texts are UTF-8 and hold no secret.
 struct StepResult {
@@ -30,13 +31,21 @@ struct Step {
     std::function<StepResult()> run;
 };
 
+// What the line of a running step starts with.
+constexpr char kRunning[] = "  ...     ";
+
+// Whether a step has a line while it runs, which its outcome replaces: on a terminal, unless log lines come in between.
+bool ShowsRunningStep(const Console& console, const Options& options);
+
 // Runs steps and shows each with its outcome, its time and the HTTP exchanges that it made: as lines for people or as
 // one JSON object a line.
 class StepReport {
 public:
-    StepReport(Console& console, bool json);
+    // Both must outlive it.
+    StepReport(Console& console, const Options& options);
 
-    // Whether it succeeded. A HostError passes through: the program ends with it and shows its text.
+    // Whether it succeeded. An exception counts as a failure and passes through: the program ends with it and shows its
+    // text.
     bool Run(const Step& step);
     // In order, up to the first that fails; whether all succeeded.
     bool RunAll(const std::vector<Step>& steps);
@@ -47,16 +56,18 @@ public:
     bool AllSucceeded() const { return m_failed.empty(); }
 
 private:
+    using Clock = std::chrono::steady_clock;
     struct Outcome;
 
     void Announce(const Step& step);
-    void Abandon(const Step& step, const HostError& error);
+    bool Finish(const Step& step, Clock::time_point start, StepResult result);
     void ShowLine(const Step& step, const Outcome& outcome);
     void ShowJson(const Step& step, const Outcome& outcome);
     std::string Paint(const char* colour, const std::string& text) const;
 
     Console& m_console;
-    const bool m_json;
+    const Options& m_options;
+    const bool m_showsRunning;
     ExchangeLog m_exchanges;
     int m_count = 0;
     double m_milliseconds = 0;

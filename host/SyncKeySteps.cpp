@@ -62,7 +62,7 @@ StepResult RetrieveKeys() {
     const KeyEvents events;
     const bool complete = service.InitUserSyncKey();
     const bool told = events.Each(before ? 0 : 1);
-    const std::string detail = !complete ? "not all keys came: --verbose shows the log; "
+    const std::string detail = !complete ? SeeLog("not all keys came") + "; "
                                : before  ? "both were there, nothing was asked; "
                                          : "";
     return {complete && told, detail + events.Text(), {}, KeyTable()};

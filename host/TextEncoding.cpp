@@ -20,4 +20,8 @@ std::wstring ToWide(const std::string& utf8) {
     return text;
 }
 
+std::string WellFormed(const std::string& text) {
+    return ToUtf8(ToWide(text));
+}
+
 }  // namespace host

@@ -8,4 +8,7 @@ namespace host {
 std::string ToUtf8(const std::wstring& text);
 std::wstring ToWide(const std::string& utf8);
 
+// A text from elsewhere that may not be UTF-8, as UTF-8.
+std::string WellFormed(const std::string& text);
+
 }  // namespace host

@@ -13,9 +13,7 @@ StepResult RequestApplicationToken(SessionState& state) {
     const bool answered = state.service->RequestApplicationAT();
     // Every 200 is a success to the operation, also one without a token.
     const std::wstring token = GlobalParamWrapper::GetInstance()->GetAppAT();
-    return {answered && !token.empty(),
-            answered ? LengthOnly(token) + " in parameter store" : "failed: --verbose shows the log",
-            {}};
+    return {answered && !token.empty(), answered ? LengthOnly(token) + " in parameter store" : SeeLog(), {}};
 }
 
 struct RefreshAttempt {
@@ -42,7 +40,7 @@ std::string WhyNotRefreshed(UserAuthService& service, const RefreshAttempt& atte
         return "there is no refresh token: sign in again";
     }
     return attempt.callbacks != 0 ? "answered without a token, the AT-expiry callback ran: sign in again"
-                                  : "the exchange failed, try again later: --verbose shows the log";
+                                  : SeeLog("the exchange failed, try again later");
 }
 
 StepResult Refresh(SessionState& state) {

@@ -9,12 +9,11 @@ namespace host {
 namespace {
 
 // Letter case does not matter, and a line ends with a carriage return and a line feed, or just the latter.
-bool BeginsCard(std::string line) {
-    constexpr std::string_view kFirstLine = "BEGIN:VCARD";
+bool IsLine(std::string_view line, std::string_view upperCase) {
     if (!line.empty() && line.back() == '\r') {
-        line.pop_back();
+        line.remove_suffix(1);
     }
-    return std::equal(line.begin(), line.end(), kFirstLine.begin(), kFirstLine.end(), [](char left, char right) {
+    return std::equal(line.begin(), line.end(), upperCase.begin(), upperCase.end(), [](char left, char right) {
         return (left >= 'a' && left <= 'z' ? static_cast<char>(left - 'a' + 'A') : left) == right;
     });
 }
@@ -28,7 +27,8 @@ VcardFile ReadVcardFile(const std::filesystem::path& file) {
     found.bytes = std::filesystem::file_size(file, error);
     found.read = stream.is_open() && !error;
     for (std::string line; std::getline(stream, line);) {
-        found.cards += BeginsCard(line) ? 1 : 0;
+        found.cards += IsLine(line, "BEGIN:VCARD") ? 1 : 0;
+        found.whole = IsLine(line, "END:VCARD") || (found.whole && IsLine(line, ""));  // empty lines may follow
     }
     return found;
 }

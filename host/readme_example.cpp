@@ -17,7 +17,11 @@ int main() {
         return 2;
     }
     UserAuthService* const service = UserAuthService::GetInstance();
-    if (service->InitZms(&OnAccountEvent) == 0 && service->ZmsSignIn() == ZvIdErrorType::kSuccess) {
+    if (const int code = service->InitZms(&OnAccountEvent); code != 0) {
+        std::printf("InitZms returned %d, a code of the account SDK\n", code);
+        return 1;
+    }
+    if (service->ZmsSignIn() == ZvIdErrorType::kSuccess) {
         std::getchar();  // until the person presses Enter
     }
     service->UnInitializeSDK();
