@@ -1,9 +1,14 @@
 #include "ChildProcess.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <stdexcept>
 #include <thread>
+
+std::filesystem::path ProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
+}
 
 // Makes a pipe, hands out the end that the child inherits and returns the other.
 ChildProcess::OwnedHandle ChildProcess::Pipe(OwnedHandle& childEnd, bool childReads) {
@@ -31,9 +36,7 @@ std::string ChildProcess::ReadAll(HANDLE pipe) {
 }
 
 ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& arguments) {
-    wchar_t self[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    const std::wstring path = (std::filesystem::path(self).parent_path() / program).wstring();
+    const std::wstring path = (ProgramFolder() / program).wstring();
     std::wstring command = L"\"" + path + L"\" " + arguments;
     OwnedHandle input;
     OwnedHandle output;

@@ -2,14 +2,18 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
+
+// The folder of the test program and all that it starts.
+std::filesystem::path ProgramFolder();
 
 // A child process with its standard input, output and error connected by pipes. Output is read as UTF-8 with LF line
 // ends.
 class ChildProcess {
 public:
-    // program: file name of a program in the test program's own folder.
+    // program: file name of a program in that folder.
     ChildProcess(const std::wstring& program, const std::wstring& arguments);
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;

@@ -3,15 +3,21 @@
 #include <winsock2.h>
 
 #include <algorithm>
-#include <chrono>
 #include <stdexcept>
 
 namespace {
 
-std::size_t BodyLength(const std::string& head) {
+// Size of the first request, head and body; 0 while it is not whole.
+std::size_t FirstRequestSize(const std::string& pending) {
+    const std::size_t headEnd = pending.find("\r\n\r\n");
+    if (headEnd == std::string::npos) {
+        return 0;
+    }
     const std::string name = "\r\nContent-Length: ";
-    const std::size_t found = head.find(name);
-    return found == std::string::npos ? 0 : std::stoul(head.substr(found + name.size()));
+    const std::size_t length = pending.find(name);
+    const std::size_t size =
+        headEnd + 4 + (length < headEnd ? std::stoul(pending.substr(length + name.size(), 20)) : 0);
+    return pending.size() < size ? 0 : size;
 }
 
 void SendAll(SOCKET socket, const std::string& bytes) {
@@ -46,17 +52,14 @@ RawServer::RawServer(std::vector<RawReply> script) : m_script(std::move(script))
         throw std::runtime_error("no free port on the loopback address");
     }
     m_port = ntohs(address.sin_port);
-    m_acceptor = std::thread(&RawServer::Accept, this);
+    m_thread = std::thread(&RawServer::Run, this);
 }
 
 RawServer::~RawServer() {
     m_ending = true;
-    m_acceptor.join();
-    for (std::thread& servant : m_servants) {
-        servant.join();
-    }
-    for (const SOCKET connection : m_connections) {
-        closesocket(connection);
+    m_thread.join();
+    for (const Connection& connection : m_connections) {
+        closesocket(connection.socket);
     }
     closesocket(m_listener);
     WSACleanup();
@@ -77,64 +80,46 @@ int RawServer::AcceptCount() const {
 }
 
 // Neither closing nor shutting down a socket wakes its waiting thread on every system, hence the short waits.
-bool RawServer::WaitForInput(std::uintptr_t socket) const {
+void RawServer::Run() {
     while (!m_ending) {
         fd_set readable;
         FD_ZERO(&readable);
-        readable.fd_array[readable.fd_count++] = socket;
-        timeval limit = {0, 20000};
-        if (select(0, &readable, nullptr, nullptr, &limit) != 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-void RawServer::Accept() {
-    while (WaitForInput(m_listener)) {
-        const SOCKET connection = accept(m_listener, nullptr, nullptr);
-        const std::lock_guard<std::mutex> hold(m_lock);
-        m_connections.push_back(connection);
-        m_servants.emplace_back(&RawServer::Serve, this, connection);
-    }
-}
-
-void RawServer::Serve(std::uintptr_t connection) {
-    std::string pending;
-    for (;;) {
-        const std::string request = Receive(connection, pending);
-        if (request.empty()) {
-            return;
-        }
-        const RawReply reply = Record(request);
-        SendAll(connection, reply.bytes);
-        if (reply.then == RawReply::Then::kClose) {
-            shutdown(connection, SD_SEND);
-        }
-        while (reply.then == RawReply::Then::kStall && !m_ending) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-    }
-}
-
-// One whole request from the connection; what lies beyond it stays in pending. Empty at the connection's end.
-std::string RawServer::Receive(std::uintptr_t connection, std::string& pending) const {
-    for (;;) {
-        const std::size_t headEnd = pending.find("\r\n\r\n");
-        if (headEnd != std::string::npos) {
-            const std::size_t size = headEnd + 4 + BodyLength(pending.substr(0, headEnd + 2));
-            if (pending.size() >= size) {
-                std::string request = pending.substr(0, size);
-                pending.erase(0, size);
-                return request;
+        readable.fd_array[readable.fd_count++] = m_listener;
+        for (const Connection& connection : m_connections) {
+            if (!connection.ended) {
+                readable.fd_array[readable.fd_count++] = connection.socket;
             }
         }
-        char block[16384];
-        const int received = WaitForInput(connection) ? recv(connection, block, sizeof block, 0) : 0;
-        if (received <= 0) {
-            return {};
+        timeval limit = {0, 5000};
+        if (select(0, &readable, nullptr, nullptr, &limit) <= 0) {
+            continue;
         }
-        pending.append(block, static_cast<std::size_t>(received));
+        for (Connection& connection : m_connections) {
+            if (FD_ISSET(connection.socket, &readable)) {
+                Serve(connection);
+            }
+        }
+        if (FD_ISSET(m_listener, &readable)) {
+            const std::lock_guard<std::mutex> hold(m_lock);
+            m_connections.push_back({accept(m_listener, nullptr, nullptr), {}});
+        }
+    }
+}
+
+// Takes what has come and answers the requests that it completes.
+void RawServer::Serve(Connection& connection) {
+    char block[16384];
+    const int received = recv(connection.socket, block, sizeof block, 0);
+    connection.ended = received <= 0;
+    connection.pending.append(block, static_cast<std::size_t>(std::max(received, 0)));
+    while (const std::size_t size = connection.ended ? 0 : FirstRequestSize(connection.pending)) {
+        const RawReply reply = Record(connection.pending.substr(0, size));
+        connection.pending.erase(0, size);
+        SendAll(connection.socket, reply.bytes);
+        if (reply.then == RawReply::Then::kClose) {
+            shutdown(connection.socket, SD_SEND);
+        }
+        connection.ended = reply.then == RawReply::Then::kStall;
     }
 }
 

@@ -35,10 +35,14 @@ public:
     int AcceptCount() const;
 
 private:
-    void Accept();
-    void Serve(std::uintptr_t connection);
-    bool WaitForInput(std::uintptr_t socket) const;
-    std::string Receive(std::uintptr_t connection, std::string& pending) const;
+    struct Connection {
+        std::uintptr_t socket;
+        std::string pending;  // what came of requests that are not whole
+        bool ended = false;   // nothing more is read
+    };
+
+    void Run();
+    void Serve(Connection& connection);
     RawReply Record(const std::string& request);
 
     const std::vector<RawReply> m_script;
@@ -47,7 +51,6 @@ private:
     std::atomic<bool> m_ending{false};
     mutable std::mutex m_lock;
     std::vector<std::string> m_requests;
-    std::vector<std::uintptr_t> m_connections;
-    std::vector<std::thread> m_servants;
-    std::thread m_acceptor;
+    std::vector<Connection> m_connections;
+    std::thread m_thread;
 };

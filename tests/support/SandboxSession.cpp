@@ -1,32 +1,22 @@
 #include "SandboxSession.h"
 
-#include <HttpLib.h>
 #include <Logger.h>
 #include <ParamStore.h>
 
 #include <chrono>
 #include <condition_variable>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <mutex>
+#include <sstream>
 #include <thread>
+
+#include "HttpCall.h"
 
 namespace {
 
-std::wstring Wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
-
-std::string Compact(const Json::Value& value) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return Json::writeString(builder, value);
-}
-
 Json::Value Parse(const std::string& text) {
     Json::Value value;
-    Json::CharReaderBuilder builder;
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    EXPECT_TRUE(reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) << text;
+    std::istringstream stream(text);
+    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), stream, &value, nullptr)) << text;
     return value;
 }
 
@@ -49,27 +39,17 @@ void OnNotification(MessageType type, char* first, char*) {
     g_notification.arrived.notify_all();
 }
 
+// Of this process, below the system's folder for such.
+std::filesystem::path TemporaryFolder(const std::wstring& name) {
+    std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / (name + L"-" + std::to_wstring(GetCurrentProcessId()));
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
 std::filesystem::path TestFolder() {
     static int number = 0;
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() /
-        (L"userauth-\u0E17\u0E14-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number));
-    std::filesystem::create_directories(folder);
-    return folder;
-}
-
-// The device keeps its identity for the life of the process, as the service expects.
-std::filesystem::path DeviceFolder() {
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("userauth-device-" + std::to_string(GetCurrentProcessId()));
-    std::filesystem::create_directories(folder);
-    return folder;
-}
-
-std::filesystem::path ProgramFolder() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
+    return TemporaryFolder(L"userauth-\u0E17\u0E14-" + std::to_wstring(++number));
 }
 
 }  // namespace
@@ -79,41 +59,29 @@ extern "C" __declspec(dllexport) _invalid_parameter_handler UserAuthInvalidParam
     return [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {};
 }
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void WriteFile(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
 SandboxServer::SandboxServer(const std::wstring& arguments) : m_process(L"sandbox-server.exe", arguments) {
     const Json::Value ready = Parse(m_process.ReadLine());
     m_http = ready["http"].asString();
     m_https = ready["https"].asString();
-    m_caFile = ready["caFile"].asString();
 }
 
-Json::Value SandboxServer::Control(const std::string& path, const Json::Value& body) {
-    const std::string text = Compact(body);
-    return Exchange(path, &text);
+Json::Value SandboxServer::Control(const std::string& path, const std::string& json) {
+    HttpCall call(Url(path), {{L"Content-Type", L"application/json"}});
+    EXPECT_EQ(json.empty() ? call.Send(20) : call.Post(Wide(json), 20), 200) << path << " " << call.response;
+    return Parse(call.response);
 }
-
-Json::Value SandboxServer::Control(const std::string& path) { return Exchange(path, nullptr); }
-
-std::wstring SandboxServer::Url(const std::string& path) const { return Wide(m_http + path); }
 
 void SandboxServer::Fault(const std::string& endpoint, const std::string& faultJson) {
-    Json::Value fault = Parse(faultJson);
-    fault["endpoint"] = endpoint;
-    fault["times"] = 1;
-    Control("/sandbox/faults", fault);
+    Control("/sandbox/faults", R"({"endpoint":")" + endpoint + R"(","times":1,)" + faultJson.substr(1));
+}
+
+int SandboxServer::Requests(const std::string& endpoint) {
+    return Control("/sandbox/statistics")["requests"][endpoint].asInt();
 }
 
 void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (Control("/sandbox/statistics")["requests"][endpoint].asInt() < count) {
+    while (Requests(endpoint) < count) {
         if (std::chrono::steady_clock::now() > deadline) {
             FAIL() << "no request for " << endpoint;
         }
@@ -121,17 +89,13 @@ void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
     }
 }
 
-Json::Value SandboxServer::Exchange(const std::string& path, const std::string* body) {
-    BasicHttpLibStrategy strategy;
-    strategy.SetUrl(Wide(m_http + path));
-    if (body != nullptr) {
-        strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
-        strategy.SetHeaders({{L"Content-Type", L"application/json"}});
-        strategy.SetPostData(Wide(*body));
+std::map<std::wstring, std::wstring> SandboxServer::PortalCookies() {
+    std::map<std::wstring, std::wstring> cookies;
+    const Json::Value login = Control("/sandbox/portal-login");
+    for (const std::string& name : login["cookies"].getMemberNames()) {
+        cookies[Wide(name)] = Wide(login["cookies"][name].asString());
     }
-    std::string reply;
-    EXPECT_EQ(CurlHttpLibContext(&strategy).Request(reply, 20), 200) << path << " " << reply;
-    return Parse(reply);
+    return cookies;
 }
 
 SandboxSession::SandboxSession()
@@ -139,10 +103,8 @@ SandboxSession::SandboxSession()
     std::string error;
     EXPECT_TRUE(Logger::Configure({(m_folder / "service.log").wstring()}, error)) << error;
     UsePlatform(m_sandbox.m_http);
-    Json::Value sdk;
-    sdk["client_id"] = "104862915";
-    sdk["platform_url"] = m_sandbox.m_http;
-    WriteFile(ProgramFolder() / "ZMSCoreConfig.json", Compact(sdk));
+    WriteFile(ProgramFolder() / "ZMSCoreConfig.json",
+              R"({"client_id":"104862915","platform_url":")" + m_sandbox.m_http + "\"}");
     m_service = UserAuthService::GetInstance();
     EXPECT_EQ(m_service->InitZms(OnNotification), 0);
 }
@@ -164,18 +126,13 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
     }
     settings["gatewayUrl"] = baseUrl + "/gateway";
     settings["appDataLocalPath"] = m_folder.u8string();
-    settings["stateFolder"] = DeviceFolder().u8string();
-    Configure(settings);
+    // The device keeps its identity for the life of the process, as the service expects.
+    settings["stateFolder"] = TemporaryFolder(L"userauth-device").u8string();
+    Configure(Json::writeString(Json::StreamWriterBuilder(), settings));
 }
 
-void SandboxSession::UseLegacyItem(const std::string& text) {
-    Json::Value settings;
-    settings["legacyItems"]["0"] = text;
-    Configure(settings);
-}
-
-void SandboxSession::Configure(const Json::Value& settings) {
-    WriteFile(m_folder / "client.json", Compact(settings));
+void SandboxSession::Configure(const std::string& json) {
+    WriteFile(m_folder / "client.json", json);
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))
         << error;

@@ -5,31 +5,32 @@
 #include <json/json.h>
 
 #include <filesystem>
+#include <map>
 
 #include "ChildProcess.h"
+#include "TextFile.h"
 
 // The account platform in a process of its own.
 class SandboxServer {
 public:
     explicit SandboxServer(const std::wstring& arguments = L"");
 
-    // Sends a control request with the suite's HTTP library; fails the test unless it is answered with 200.
-    Json::Value Control(const std::string& path, const Json::Value& body);
-    Json::Value Control(const std::string& path);
+    // Sends a control request, a POST when it has a JSON text; fails the test unless it is answered with 200.
+    Json::Value Control(const std::string& path, const std::string& json = "");
     // The next request of the endpoint meets the fault.
     void Fault(const std::string& endpoint, const std::string& faultJson);
-
-    // Waits until the endpoint has been asked that often; fails the test after ten seconds.
-    void AwaitRequest(const std::string& endpoint, int count = 1);
+    // How often the endpoint has been asked.
+    int Requests(const std::string& endpoint);
+    // Waits until it has been asked that often; fails the test after ten seconds.
+    void AwaitRequest(const std::string& endpoint, int count);
+    // What a browser holds that is signed in at the contacts portal.
+    std::map<std::wstring, std::wstring> PortalCookies();
+    std::wstring Url(const std::string& path) const { return Wide(m_http + path); }
 
     std::string m_http;
     std::string m_https;
-    std::string m_caFile;
-    std::wstring Url(const std::string& path) const;
 
 private:
-    Json::Value Exchange(const std::string& path, const std::string* body);
-
     ChildProcess m_process;
 };
 
@@ -41,7 +42,8 @@ protected:
 
     // Points every service of the parameter store at a base URL.
     void UsePlatform(const std::string& baseUrl);
-    void Configure(const Json::Value& settings);
+    // Gives the parameter store a configuration; what that does not name stays.
+    void Configure(const std::string& json);
 
     // Signs in through the SDK and returns the authorization code that the callback received.
     std::string SignIn();
@@ -49,15 +51,9 @@ protected:
     // Signs in, exchanges the code and learns the user id.
     void SignInWhole();
 
-    // Gives the parameter store an item that an earlier client version left.
-    void UseLegacyItem(const std::string& text);
-
     std::string LogText();
 
     std::filesystem::path m_folder;  // of this test: configuration, log, state
     SandboxServer m_sandbox;
     UserAuthService* m_service = nullptr;
 };
-
-std::string ReadFile(const std::filesystem::path& path);
-void WriteFile(const std::filesystem::path& path, const std::string& text);

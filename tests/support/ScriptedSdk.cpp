@@ -7,7 +7,7 @@ extern "C" {
 __declspec(dllexport) SdkScript g_script;
 
 static int Answer(const std::string& entryPoint, const std::string& arguments) {
-    g_script.calls.push_back(entryPoint + "(" + arguments + ")");
+    g_script.calls += entryPoint + "(" + arguments + ")";
     return g_script.codes[entryPoint];
 }
 

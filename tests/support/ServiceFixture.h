@@ -5,18 +5,44 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "ScriptedSdk.h"
 #include "SuiteStandIns.h"
+#include "TextFile.h"
 #include "UserAuthService.h"
+
+using Lines = std::vector<std::string>;
+using Headers = std::map<std::wstring, std::wstring>;
+
+// Lines of the recording: of the service's log, and of a push to the store.
+inline Lines Log(const char* severity, const std::string& operation, const std::string& message) {
+    return {"log 10 " + std::string(severity) + " UserAuthService::" + operation + " " + message};
+}
+inline Lines Store(const std::string& setter, const std::string& value) { return {"store " + setter + " " + value}; }
+
+inline Lines operator+(Lines left, const Lines& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 sees it in every text of a base in an initialiser list
+#endif
+// How the rows of an operation's outcomes begin: a name, the one reply, what the operation returns then.
+struct ReplyRow {
+    const char* name;
+    int status;
+    std::string body;
+    bool result;
+};
 
 // The one door to the service's private operations and fields.
 class UserAuthServiceAccess {
 public:
     static std::unique_ptr<UserAuthService> Make() { return std::unique_ptr<UserAuthService>(new UserAuthService()); }
-    static std::map<std::wstring, std::wstring> BuildHeaders(UserAuthService& service, HeadType type,
-                                                             const std::wstring& traceId) {
+    static Headers BuildHeaders(UserAuthService& service, HeadType type, const std::wstring& traceId) {
         return service.BuildHeaders(type, traceId);
     }
     static std::string Authorization(UserAuthService& service) { return service.GetAuthorizationContents(); }
@@ -30,21 +56,15 @@ public:
         service.m_hSdkModule.reset();
     }
     static AccountSdkEntryPoints& Sdk(UserAuthService& service) { return service.m_sdk; }
-    static std::string ResultCode(const UserAuthService& service) { return service.m_strResultCode; }
-    static std::string ResultDescription(const UserAuthService& service) { return service.m_strResultDesc; }
-    static void SetResult(UserAuthService& service, const std::string& code, const std::string& description) {
-        service.m_strResultCode = code;
-        service.m_strResultDesc = description;
-    }
+    static std::string& ResultCode(UserAuthService& service) { return service.m_strResultCode; }
+    static std::string& ResultDescription(UserAuthService& service) { return service.m_strResultDesc; }
     static int Expires(const UserAuthService& service) { return service.m_nAtExpires; }
     static int OauthStatus(const UserAuthService& service) { return service.m_nOauthHttpStatusCode; }
     static int OauthSubError(const UserAuthService& service) { return service.m_nOauthSubErrorCode; }
     static int ApplicationExpires(const UserAuthService& service) { return service.m_nAppAtExpires; }
     // The lock's storage is one SRWLOCK; see AccountStateLock.h.
     static SRWLOCK* NativeLock(UserAuthService& service) { return reinterpret_cast<SRWLOCK*>(&service.m_lock); }
-    static void SetCountry(UserAuthService& service, const std::wstring& country) {
-        service.m_strCountryCode = country;
-    }
+    static std::wstring& Country(UserAuthService& service) { return service.m_strCountryCode; }
 };
 
 // Folder of the test program, where the service's objects look for the account SDK.
@@ -91,6 +111,15 @@ protected:
         Recording() = SuiteRecording();
         m_service = UserAuthServiceAccess::Make();
         Recording().journal.clear();
+    }
+
+    // What the operation leaves in the journal after the row's reply; see SuiteRecording::TakeOutcome.
+    template <typename Operation>
+    Lines Outcome(const ReplyRow& row, Operation operation) {
+        Recording().journal.clear();
+        Recording().replies = {{row.status, row.body, {}}};
+        EXPECT_EQ(std::invoke(operation, *m_service), row.result) << row.name;
+        return Recording().TakeOutcome();
     }
 
     InstalledSdk m_sdk{"scripted-sdk.dll"};

@@ -4,21 +4,14 @@
 #include <HttpLib.h>
 #include <Logger.h>
 #include <ParamStore.h>
-#include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <mutex>
 
 namespace {
 
-std::string Utf8(const std::wstring& wide) {
-    const int characters = static_cast<int>(wide.size());
-    std::string text(wide.size() * 3, '\0');
-    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), characters, text.data(),
-                                          static_cast<int>(text.size()), nullptr, nullptr);
-    text.resize(static_cast<std::size_t>(bytes));
-    return text;
-}
+std::string Utf8(const std::wstring& wide) { return std::filesystem::path(wide).u8string(); }
 
 void Record(const std::string& line) {
     static std::mutex mutex;
@@ -28,10 +21,11 @@ void Record(const std::string& line) {
 
 void Push(const std::string& setter, const std::wstring& value) {
     Record("store " + setter + " " + Utf8(value));
-    if (Recording().duringPush) {
-        Recording().duringPush();
-    }
+    Recording().duringPush();
 }
+
+// A call of a strategy's setter.
+void Set(const std::string& setter, const std::wstring& value = {}) { Record("http " + setter + " " + Utf8(value)); }
 
 }  // namespace
 
@@ -75,8 +69,7 @@ void Logger::Output(int moduleType, int severity, int, const std::string& functi
 }
 
 void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType) {
-    Record("event " + std::to_string(basicEventType) + " " + std::to_string(operationType) + " " +
-           std::to_string(actionType));
+    OutputOperationLog(basicEventType, operationType, actionType, {});
 }
 
 void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType,
@@ -133,9 +126,7 @@ std::wstring ConfigEntityManager::GetConfigContentDatas(ConfigEntityEnum item) c
 }
 std::wstring GlobalParamWrapper::GetAppDataLocalPath() const { return Recording().appDataFolder; }
 HWND__* GlobalParamWrapper::GetMainWnd() const {
-    if (Recording().onMainWindowAsked) {
-        Recording().onMainWindowAsked();
-    }
+    Recording().onMainWindowAsked();
     return Recording().mainWindow;
 }
 std::wstring GlobalParamWrapper::GetSystemUUid() const { return L"00112233445566778899aabbccddeeff"; }
@@ -144,9 +135,7 @@ std::wstring GlobalParamWrapper::GetZvClientMode() const { return L"1"; }
 void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) { Push("SetCurrentAt", accessToken); }
 void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) { Push("SetCurrentRt", refreshToken); }
 void GlobalParamWrapper::SetUserID(const std::wstring& userId) { Push("SetUserID", userId); }
-void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
-    Push("SetAppAT", applicationAccessToken);
-}
+void GlobalParamWrapper::SetAppAT(const std::wstring& accessToken) { Push("SetAppAT", accessToken); }
 void GlobalParamWrapper::SetAtIsExpired(bool expired) { Push("SetAtIsExpired", expired ? L"true" : L"false"); }
 void GlobalParamWrapper::SetStartSend(bool start) { Push("SetStartSend", start ? L"true" : L"false"); }
 
@@ -158,46 +147,39 @@ struct BasicHttpLibStrategy::State {
     HeaderMap headers;
     std::wstring postData;
     std::wstring certPath;
-    LogFunction log;
-    LogFunction logError;
+    LogFunction log = [](const std::wstring&) {};
+    LogFunction logError = log;
 };
 
 IHttpLibStrategy::~IHttpLibStrategy() = default;
 BasicHttpLibStrategy::BasicHttpLibStrategy() : m_state(std::make_unique<State>()) {}
 BasicHttpLibStrategy::~BasicHttpLibStrategy() = default;
 
-void BasicHttpLibStrategy::SetUrl(const std::wstring& url) {
-    Record("http SetUrl " + Utf8(url));
-    m_state->url = url;
-}
+void BasicHttpLibStrategy::SetUrl(const std::wstring& url) { Set("SetUrl", m_state->url = url); }
 void BasicHttpLibStrategy::SetHttpRequestMethod(HttpRequestMethod method) {
-    Record("http SetHttpRequestMethod " + std::to_string(static_cast<int>(method)));
-    m_state->method = method;
+    Set("SetHttpRequestMethod", std::to_wstring(static_cast<int>(m_state->method = method)));
 }
 void BasicHttpLibStrategy::SetHeaders(const HeaderMap& headers) {
-    Record("http SetHeaders " + std::to_string(headers.size()));
     m_state->headers = headers;
+    Set("SetHeaders", std::to_wstring(headers.size()));
 }
 void BasicHttpLibStrategy::SetHeaders(const std::wstring& userId, const std::wstring& applicationId,
                                       const std::wstring& accessToken) {
-    Record("http SetHeaders " + Utf8(userId) + " " + Utf8(applicationId) + " " + Utf8(accessToken));
     m_state->headers = Recording().standardHeaders;
+    Set("SetHeaders", userId + L" " + applicationId + L" " + accessToken);
 }
 const BasicHttpLibStrategy::HeaderMap& BasicHttpLibStrategy::GetHeaders() const {
-    Record("http GetHeaders ");
+    Set("GetHeaders");
     return m_state->headers;
 }
-void BasicHttpLibStrategy::SetPostData(const std::wstring& body) {
-    Record("http SetPostData " + Utf8(body));
-    m_state->postData = body;
-}
-void BasicHttpLibStrategy::SetCertPath(const std::wstring& path) { Record("http SetCertPath " + Utf8(path)); }
+void BasicHttpLibStrategy::SetPostData(const std::wstring& body) { Set("SetPostData", m_state->postData = body); }
+void BasicHttpLibStrategy::SetCertPath(const std::wstring& path) { Set("SetCertPath", m_state->certPath = path); }
 void BasicHttpLibStrategy::SetLogFunction(LogFunction function) {
-    Record("http SetLogFunction ");
+    Set("SetLogFunction");
     m_state->log = std::move(function);
 }
 void BasicHttpLibStrategy::SetErrorLogFunction(LogFunction function) {
-    Record("http SetErrorLogFunction ");
+    Set("SetErrorLogFunction");
     m_state->logError = std::move(function);
 }
 const std::wstring& BasicHttpLibStrategy::Url() const { return m_state->url; }
@@ -205,16 +187,8 @@ HttpRequestMethod BasicHttpLibStrategy::Method() const { return m_state->method;
 const std::map<std::wstring, std::wstring>& BasicHttpLibStrategy::Headers() const { return m_state->headers; }
 const std::wstring& BasicHttpLibStrategy::PostData() const { return m_state->postData; }
 const std::wstring& BasicHttpLibStrategy::CertPath() const { return m_state->certPath; }
-void BasicHttpLibStrategy::Log(const std::wstring& message) const {
-    if (m_state->log) {
-        m_state->log(message);
-    }
-}
-void BasicHttpLibStrategy::LogError(const std::wstring& message) const {
-    if (m_state->logError) {
-        m_state->logError(message);
-    }
-}
+void BasicHttpLibStrategy::Log(const std::wstring& message) const { m_state->log(message); }
+void BasicHttpLibStrategy::LogError(const std::wstring& message) const { m_state->logError(message); }
 
 struct FileTransferHandler::State {
     WriteDataFunction write;

@@ -33,9 +33,9 @@ struct SuiteRecording {
     // Runs in the middle of each exchange, with the strategy's log functions still to be called.
     std::function<void(const std::wstring& url)> duringExchange;
     // Runs when the main window is asked for, which a portrait download does last of all.
-    std::function<void()> onMainWindowAsked;
+    std::function<void()> onMainWindowAsked = [] {};
     // Runs inside each push to the store.
-    std::function<void()> duringPush;
+    std::function<void()> duringPush = [] {};
 
     std::map<std::wstring, std::wstring> requestHeaders;  // of the last exchange
     std::wstring postData;

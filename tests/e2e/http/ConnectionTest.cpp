@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "HttpCall.h"
+#include "TextFile.h"
 
 namespace {
 
@@ -99,8 +100,6 @@ TEST(HttpProxy, RefusalNamesItWithoutItsPassword) {
 RawReply RedirectTo(const std::string& status, const std::string& location) {
     return {RawReplyBytes(status, "Location: " + location + "\r\n", "moved")};
 }
-
-std::string Narrow(const std::wstring& url) { return std::string(url.begin(), url.end()); }
 
 TEST(HttpRedirect, OnOneHost) {
     struct Row {

@@ -3,36 +3,21 @@
 #include <chrono>
 
 #include "HttpCall.h"
+#include "TextFile.h"
 
 namespace {
 
 using Then = RawReply::Then;
 
+// Through a text request, whatever the header's letters; contacts arrive in every coding.
 TEST(HttpReply, AskedEncodingsAreDecoded) {
-    struct Row {
-        const char* encoding;
-        std::string body;
-    };
-    const std::string deflated("\x4B\x49\x4D\xCE\x4F\x49\x4D\x51\x28\x49\xAD\x28\x01\x00", 14);
-    const Row rows[] = {
-        {"gzip",
-         std::string("\x1F\x8B\x08\0\0\0\0\0\x02\x03", 10) + deflated + std::string("\xF4\x8D\x4C\x0D\x0C\0\0\0", 8)},
-        {"deflate", "\x78\x9C" + deflated + "\x1E\x16\x04\xAE"},
-        {"br",
-         "\x8B\x05\x80"
-         "decoded text\x03"},
-    };
-    for (const wchar_t* header : {L"Accept-Encoding", L"accept-encoding"}) {
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.encoding);
-            RawServer server({OkReply(row.body, std::string("Content-Encoding: ") + row.encoding + "\r\n")});
-            HttpCall call(server.Url(), {{header, L"gzip, deflate, br"}});
-            EXPECT_EQ(call.Send(), 200);
-            EXPECT_EQ(call.response, "decoded text");
-            EXPECT_NE(server.Requests()[0].find("ccept-" + std::string(header[7] == L'E' ? "E" : "e") +
-                                                "ncoding: gzip, deflate, br\r\n"),
-                      std::string::npos);
-        }
+    const std::string deflated("\x78\x9C\x4B\x49\x4D\xCE\x4F\x49\x4D\x51\x28\x49\xAD\x28\x01\x00\x1E\x16\x04\xAE", 20);
+    for (const std::string header : {"Accept-Encoding", "accept-encoding"}) {
+        RawServer server({OkReply(deflated, "Content-Encoding: deflate\r\n")});
+        HttpCall call(server.Url(), {{Wide(header), L"gzip, deflate, br"}});
+        EXPECT_EQ(call.Send(), 200);
+        EXPECT_EQ(call.response, "decoded text");
+        EXPECT_NE(server.Requests()[0].find(header + ": gzip, deflate, br\r\n"), std::string::npos);
     }
 }
 
@@ -57,37 +42,33 @@ std::string RepeatedAsGzip(std::size_t repeats) {
 TEST(HttpReply, FailuresHaveTheirOwnCode) {
     struct Row {
         const char* name;
-        RawReply reply;
-        int timeoutSeconds;
         int expected;
+        RawReply reply;
+        int timeoutSeconds = -1;
     };
     constexpr std::size_t kLimit = 16 * 1024 * 1024;
     const std::string cut = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nonly this";
+    const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
+    const std::string gzip = "Content-Encoding: gzip\r\n";
     const Row rows[] = {
-        {"control step: whole", OkReply(), 10, 200},
-        {"largest text", OkReply(std::string(kLimit, 'x')), -1, 200},
-        {"one byte too large", OkReply(std::string(kLimit + 1, 'x')), -1, kHttpReplyTooLarge},
-        {"cut before its length", {cut, Then::kClose}, -1, kHttpConnectionBroken},
-        {"cut within a chunk",
-         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nab", Then::kClose},
-         -1,
-         kHttpConnectionBroken},
-        {"no reply at all", {"", Then::kClose}, -1, kHttpConnectionBroken},
-        {"not HTTP", {"SSH-2.0-server\r\n\r\n", Then::kClose}, -1, kHttpConnectionBroken},
-        {"stalls before the reply", {"", Then::kStall}, 1, kHttpTimeout},
-        {"stalls in the body", {cut, Then::kStall}, 1, kHttpTimeout},
-        {"gzip that is none", OkReply("plain text here", "Content-Encoding: gzip\r\n"), -1, kHttpBadEncoding},
-        {"gzip beyond the limit", OkReply(RepeatedAsGzip(kLimit / 258 + 1), "Content-Encoding: gzip\r\n"), -1,
-         kHttpReplyTooLarge},
+        {"control step: whole", 200, OkReply(), 10},
+        {"largest text", 200, OkReply(std::string(kLimit, 'x'))},
+        {"one byte too large", kHttpReplyTooLarge, OkReply(std::string(kLimit + 1, 'x'))},
+        {"cut before its length", kHttpConnectionBroken, {cut, Then::kClose}},
+        {"cut within a chunk", kHttpConnectionBroken, {"HTTP/1.1 200 OK\r\n" + chunked + "9\r\nab", Then::kClose}},
+        {"no reply at all", kHttpConnectionBroken, {"", Then::kClose}},
+        {"not HTTP", kHttpConnectionBroken, {"SSH-2.0-server\r\n\r\n", Then::kClose}},
+        {"stalls before the reply", kHttpTimeout, {"", Then::kStall}, 1},
+        {"stalls in the body", kHttpTimeout, {cut, Then::kStall}, 1},
+        {"gzip that is none", kHttpBadEncoding, OkReply("plain text here", gzip)},
+        {"gzip beyond the limit", kHttpReplyTooLarge, OkReply(RepeatedAsGzip(kLimit / 258 + 1), gzip)},
         {"encoding of a redirect's body is not looked at",
-         {RawReplyBytes("302 Found", "Location: /\r\nContent-Encoding: gzip\r\n", "plain text here")},
-         -1,
-         kHttpRedirectRefused},
+         kHttpRedirectRefused,
+         {RawReplyBytes("302 Found", "Location: /\r\n" + gzip, "plain text here")}},
         {"trailers are no headers",
-         {"HTTP/1.1 302 Found\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nok\r\n0\r\nLocation: /n\r\n \r\n\r\n"},
-         -1,
-         302},
-        {"unknown encoding", OkReply("?", "Content-Encoding: x-unheard-of\r\n"), -1, kHttpBadEncoding},
+         302,
+         {"HTTP/1.1 302 Found\r\n" + chunked + "2\r\nok\r\n0\r\nLocation: /n\r\n \r\n\r\n"}},
+        {"unknown encoding", kHttpBadEncoding, OkReply("?", "Content-Encoding: x-unheard-of\r\n")},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -114,16 +95,19 @@ TEST(HttpReply, NobodyListens) {
         RawServer gone({OkReply()});
         url = gone.Url();
     }
-    HttpCall call(url);
-    EXPECT_EQ(call.Send(), kHttpConnectFailed);
-    HttpCall unknown(L"http://no-such-host.invalid/");
-    EXPECT_EQ(unknown.Send(), kHttpNameNotResolved);
-    HttpCall plain(url);
-    plain.strategy.SetCertPath(L"Z:\\no\\such\\file.pem");
-    EXPECT_EQ(plain.Send(), kHttpConnectFailed);
-    HttpCall certificate(L"https" + url.substr(4));
-    certificate.strategy.SetCertPath(L"Z:\\no\\such\\file.pem");
-    EXPECT_EQ(certificate.Send(), kHttpCertificateFileInvalid);
+    const struct {
+        std::wstring url;
+        const wchar_t* certificates;
+        int code;
+    } rows[] = {{url, L"", kHttpConnectFailed},
+                {L"http://no-such-host.invalid/", L"", kHttpNameNotResolved},
+                {url, L"Z:\\no\\such\\file.pem", kHttpConnectFailed},
+                {L"https" + url.substr(4), L"Z:\\no\\such\\file.pem", kHttpCertificateFileInvalid}};
+    for (const auto& row : rows) {
+        HttpCall call(row.url);
+        call.strategy.SetCertPath(row.certificates);
+        EXPECT_EQ(call.Send(), row.code) << Narrow(row.url);
+    }
 }
 
 TEST(HttpReply, HeadersOfTheFinalReply) {

@@ -9,41 +9,29 @@ bool Holds(const std::string& text, const std::string& part) { return text.find(
 TEST(HttpRequest, BytesOnTheWire) {
     struct Row {
         const char* name;
-        BasicHttpLibStrategy::HeaderMap headers;
-        std::wstring path;
-        bool post;
-        std::wstring postData;
         std::string sent;
         std::string notSent;
+        BasicHttpLibStrategy::HeaderMap headers = {};
+        bool post = false;
+        std::wstring postData = L"";
+        std::wstring path = L"/";
     };
     const std::wstring largeBody(2 * 1024 * 1024, L'x');
     const Row rows[] = {
-        {"empty header value", {{L"Authorization", L""}}, L"/", false, L"", "\r\nAuthorization:\r\n", "?"},
-        {"blank header value", {{L"userId", L"  "}}, L"/", false, L"", "\r\nuserId:\r\n", "?"},
-        {"header value in UTF-8",
-         {{L"name", L"\u00E4\u4E2D"}},
-         L"/",
-         false,
-         L"",
-         "name: \xC3\xA4\xE4\xB8\xAD\r\n",
-         "?"},
-        {"unpaired surrogate", {{L"name", L"a\xD800"}}, L"/", false, L"", "name: a\xEF\xBF\xBD\r\n", "?"},
-        {"Host of the caller",
-         {{L"Host", L"front.example"}},
-         L"/",
-         false,
-         L"",
-         "\r\nHost: front.example\r\n",
-         "127.0.0.1"},
-        {"GET sends no body", {}, L"/", false, L"null\n", "GET / HTTP/1.1\r\n", "null"},
-        {"GET sends no length", {}, L"/", false, L"null\n", "\r\n\r\n", "Content-"},
-        {"POST body in UTF-8", {}, L"/", true, L"\u00E4", "Content-Length: 2\r\n\r\n\xC3\xA4", "Content-Type"},
-        {"empty POST", {}, L"/", true, L"", "POST / HTTP/1.1\r\n", "Content-Type"},
-        {"empty POST has a length", {}, L"/", true, L"", "\r\nContent-Length: 0\r\n", "?"},
-        {"large POST without Expect", {}, L"/", true, largeBody, "\r\nContent-Length: 2097152\r\n", "Expect"},
-        {"caller's length is not believed", {{L"content-length", L"5"}}, L"/", false, L"", "GET / ", "ontent-"},
-        {"nothing asked, no encoding", {}, L"/", false, L"", "GET / ", "Accept-Encoding"},
-        {"path escaped once", {}, L"/\u00E4 b%2fc?q=\u00E4", false, L"", "GET /%C3%A4%20b%2fc?q=%C3%A4 HTTP", "%25"},
+        {"empty header value", "\r\nAuthorization:\r\n", "?", {{L"Authorization", L""}}},
+        {"blank header value", "\r\nuserId:\r\n", "?", {{L"userId", L"  "}}},
+        {"header value in UTF-8", "name: \xC3\xA4\xE4\xB8\xAD\r\n", "?", {{L"name", L"\u00E4\u4E2D"}}},
+        {"unpaired surrogate", "name: a\xEF\xBF\xBD\r\n", "?", {{L"name", L"a\xD800"}}},
+        {"Host of the caller", "\r\nHost: front.example\r\n", "127.0.0.1", {{L"Host", L"front.example"}}},
+        {"GET sends no body", "GET / HTTP/1.1\r\n", "null", {}, false, L"null\n"},
+        {"GET sends no length", "\r\n\r\n", "Content-", {}, false, L"null\n"},
+        {"POST body in UTF-8", "Content-Length: 2\r\n\r\n\xC3\xA4", "Content-Type", {}, true, L"\u00E4"},
+        {"empty POST", "POST / HTTP/1.1\r\n", "Content-Type", {}, true},
+        {"empty POST has a length", "\r\nContent-Length: 0\r\n", "?", {}, true},
+        {"large POST without Expect", "\r\nContent-Length: 2097152\r\n", "Expect", {}, true, largeBody},
+        {"caller's length is not believed", "GET / ", "ontent-", {{L"content-length", L"5"}}},
+        {"nothing asked, no encoding", "GET / ", "Accept-Encoding"},
+        {"path escaped once", "GET /%C3%A4%20b%2fc?q=%C3%A4 HTTP", "%25", {}, false, L"", L"/\u00E4 b%2fc?q=\u00E4"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -55,17 +43,6 @@ TEST(HttpRequest, BytesOnTheWire) {
         ASSERT_EQ(server.Requests().size(), 1u);
         EXPECT_TRUE(Holds(server.Requests()[0], row.sent)) << server.Requests()[0].substr(0, 500);
         EXPECT_FALSE(row.notSent != "?" && Holds(server.Requests()[0], row.notSent)) << server.Requests()[0];
-    }
-}
-
-TEST(HttpRequest, StandardHeaderSet) {
-    RawServer server({OkReply()});
-    HttpCall call(server.Url());
-    call.strategy.SetHeaders(L"user", L"app", L"token");
-    EXPECT_EQ(call.Send(), 200);
-    for (const char* line :
-         {"userId: user", "appId: app", "Authorization: Bearer token", "Content-Type: application/json"}) {
-        EXPECT_TRUE(Holds(server.Requests()[0], std::string("\r\n") + line + "\r\n")) << line;
     }
 }
 
@@ -107,9 +84,6 @@ TEST(HttpRequest, RefusedWithNothingSent) {
         HttpCall call(url);
         EXPECT_EQ(call.Send(), kHttpInvalidRequest) << url;
     }
-}
-
-TEST(HttpRequest, NullArguments) {
     HttpCall call(L"http://127.0.0.1:1/");
     EXPECT_EQ(CurlHttpLibContext(nullptr).Request(call.response, -1), kHttpInvalidRequest);
     EXPECT_EQ(CurlHttpLibContext(&call.strategy).Request(call.response, static_cast<void*>(nullptr)),

@@ -128,11 +128,6 @@ protected:
         m_service->ExportContracts(m_sandbox.Url("/contacts/v1/export"), file.wstring(), m_cookies);
     }
 
-    void Devices() {
-        std::vector<DeviceTag> devices;
-        m_service->GetLoginDevicesHistory(devices);
-    }
-
     void Profile() {
         const std::lock_guard<std::mutex> order(m_portrait);
         m_service->RequestUserInfo();
@@ -140,7 +135,7 @@ protected:
 
     void Read() {
         const std::wstring id = m_service->GetCurrentUserID();
-        EXPECT_TRUE(id.empty() || id == kUserId) << std::string(id.begin(), id.end());
+        EXPECT_TRUE(id.empty() || id == kUserId) << Narrow(id);
         const std::wstring token = m_service->GetCurrentAT();
         EXPECT_TRUE(token.empty() || token.size() == 78) << token.size();
     }
@@ -160,12 +155,13 @@ protected:
     }
 
     void One(std::mt19937& random) {
+        std::vector<DeviceTag> devices;
         const std::function<void()> operations[] = {
             [&] { Configure(); },
             [&] { Report(); },
             [&] { Keys(); },
             [&] { Contacts(); },
-            [&] { Devices(); },
+            [&] { m_service->GetLoginDevicesHistory(devices); },
             [&] { Profile(); },
             [&] { Spoil(random); },
             [&] { random() % 4 == 0 ? SignInAgain() : Read(); },
@@ -223,11 +219,7 @@ TEST_F(Soak, SixteenThreadsShareOneSession) {
     const char* const wanted = std::getenv("USERAUTH_SOAK_OPERATIONS");
     const int operations = wanted == nullptr ? 400 : std::atoi(wanted);
     ASSERT_GT(operations, 0);
-    const Json::Value login = m_sandbox.Control("/sandbox/portal-login");
-    for (const std::string& name : login["cookies"].getMemberNames()) {
-        const std::string value = login["cookies"][name].asString();
-        m_cookies[{name.begin(), name.end()}] = {value.begin(), value.end()};
-    }
+    m_cookies = m_sandbox.PortalCookies();
     const DWORD threadsAtRest = Resources::Now().threads;
     Run(operations / 2);  // the warm-up fills pools and caches
     const Resources warm = Settled(threadsAtRest);

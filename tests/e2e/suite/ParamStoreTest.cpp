@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include "TextFile.h"
 
 namespace {
 
@@ -17,19 +15,14 @@ fs::path Folder() {
     return folder;
 }
 
-fs::path WriteFile(const wchar_t* name, const std::string& text) {
+fs::path Written(const wchar_t* name, const std::string& text) {
     fs::path file = Folder() / name;
-    std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
+    WriteFile(file, text);
     return file;
 }
 
-std::string ReadFile(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
 bool Load(const std::string& text, std::string& error) {
-    return GlobalParamWrapper::GetInstance()->LoadConfiguration(WriteFile(L"client.json", text).wstring(), error);
+    return GlobalParamWrapper::GetInstance()->LoadConfiguration(Written(L"client.json", text).wstring(), error);
 }
 
 std::wstring UuidIn(const fs::path& folder) {
@@ -114,15 +107,15 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
     const std::wstring first = UuidIn(Folder() / "new" / "a");
     EXPECT_EQ(first.size(), 32U);
     EXPECT_EQ(first.find_first_not_of(L"0123456789abcdef"), std::wstring::npos);
-    EXPECT_EQ(ReadFile(Folder() / "new" / "a" / "device-uuid"), std::string(first.begin(), first.end()));
+    EXPECT_EQ(ReadFile(Folder() / "new" / "a" / "device-uuid"), Narrow(first));
     EXPECT_NE(UuidIn(Folder() / "b"), first);  // a folder of its own, an identity of its own
     EXPECT_EQ(UuidIn(Folder() / "new" / "a"), first);
     for (const char* damaged : {"", "0123456789ABCDEF0123456789ABCDEF", "0123456789abcdef0123456789abcdef0"}) {
         UuidIn(Folder() / "b");
-        WriteFile(L"device-uuid", damaged);
+        Written(L"device-uuid", damaged);
         const std::wstring replaced = UuidIn(Folder());
         EXPECT_EQ(replaced.size(), 32U) << damaged;
-        EXPECT_EQ(ReadFile(Folder() / "device-uuid"), std::string(replaced.begin(), replaced.end())) << damaged;
+        EXPECT_EQ(ReadFile(Folder() / "device-uuid"), Narrow(replaced)) << damaged;
     }
     const fs::path root = Folder().root_path();  // "C:\\", not the folder that is current on C:
     const fs::path before = fs::current_path();
@@ -133,7 +126,7 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
     fs::current_path(before);
     std::error_code ignored;
     fs::remove(root / "device-uuid", ignored);
-    const std::wstring unwritable = UuidIn(WriteFile(L"file", "") / "sub");
+    const std::wstring unwritable = UuidIn(Written(L"file", "") / "sub");
     EXPECT_EQ(unwritable.size(), 32U);
     EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);
 }

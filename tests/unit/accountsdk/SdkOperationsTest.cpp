@@ -4,13 +4,9 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 int Code(ZvIdErrorType type) { return static_cast<int>(type); }
 
-std::string Log(const char* severity, const std::string& operation, const std::string& message) {
-    return "log 10 " + std::string(severity) + " UserAuthService::" + operation + " " + message;
-}
+Lines Logged(const std::string& operation, const std::string& message) { return Log("2", operation, message); }
 
 const char kScopes[] =
     "https://www.example.com/auth/account/base.profile https://www.example.com/auth/account/devicelist "
@@ -29,107 +25,60 @@ TEST_F(ServiceTest, SdkOperationsPassArgumentsAndCodesThrough) {
     std::string thai = "\xE0\xB8\xAD";
     std::wstring user = L"\u0E2D";
     std::wstring nobody;
+    using Operation = std::function<int(UserAuthService&)>;
+    const Operation initialize = [](auto& s) { return Code(s.InitializeSDK()); };
+    const Operation initZms = [](auto& s) { return s.InitZms(Ignore); };
+    const Operation initWithoutCallback = [](auto& s) { return s.InitZms(nullptr); };
+    const Operation uninitialize = [](auto& s) { return Code(s.UnInitializeSDK()); };
+    const Operation signIn = [](auto& s) { return Code(s.ZmsSignIn()); };
+    const Operation openCenter = [](auto& s) { return Code(s.OpenAccountCenterInvoke()); };
+    const Operation registerLogout = [&](auto& s) { return Code(s.RegisterLogout(name, thai)); };
+    const Operation registerNothing = [&](auto& s) { return Code(s.RegisterLogout(empty, empty)); };
+    const Operation isChanged = [&](auto& s) { return int{s.IsZmsAccountChanged(user)}; };
+    const Operation isNobodyChanged = [&](auto& s) { return int{s.IsZmsAccountChanged(nobody)}; };
+    const Operation isSignedIn = [](auto& s) { return int{s.IsZmsSignIn()}; };
+    const Lines started = Store("SetStartSend", "true");
+    const Lines initialized = Logged("InitializeSDK", "ZMS Init OK!");
+    const Lines kept = Logged("IsZmsAccountChanged", "IsZmsAccountChanged: return false");
+    using Codes = std::map<std::string, int>;
+    const Codes failures = {{"Init", 7}, {"Uninit", 3}};
     const struct {
         const char* name;
-        std::map<std::string, int> codes;
-        std::function<int(UserAuthService&)> operation;
+        Codes codes;
+        Operation operation;
         int result;
-        Lines calls;
+        std::string calls;
         Lines journal;
     } rows[] = {
-        {"InitializeSDK",
-         {},
-         [](auto& s) { return Code(s.InitializeSDK()); },
-         0,
-         {"Init()"},
-         {Log("2", "InitializeSDK", "ZMS Init OK!")}},
-        {"Uninit's code replaces Init's",
-         {{"Init", 7}, {"Uninit", 3}},
-         [](auto& s) { return Code(s.InitializeSDK()); },
-         3,
-         {"Init()", "Uninit()"},
-         {}},
-        {"InitZms",
-         {{"RegisterNotifyFunction", 9}},
-         [](auto& s) { return s.InitZms(Ignore); },
-         9,
-         {"Init()", "RegisterNotifyFunction(callback)"},
-         {"store SetStartSend true", Log("2", "InitializeSDK", "ZMS Init OK!")}},
-        {"InitZms goes on when Uninit answers 0",
-         {{"Init", 7}},
-         [](auto& s) { return s.InitZms(nullptr); },
-         0,
-         {"Init()", "Uninit()", "RegisterNotifyFunction(null)"},
-         {"store SetStartSend true"}},
-        {"InitZms stops at a failure",
-         {{"Init", 7}, {"Uninit", 8}},
-         [](auto& s) { return s.InitZms(Ignore); },
-         8,
-         {"Init()", "Uninit()"},
-         {"store SetStartSend true"}},
-        {"UnInitializeSDK", {{"Uninit", 4}}, [](auto& s) { return Code(s.UnInitializeSDK()); }, 4, {"Uninit()"}, {}},
-        {"ZmsSignIn",
-         {{"SignIn", 21}},
-         [](auto& s) { return Code(s.ZmsSignIn()); },
-         21,
-         {std::string("SignIn(104862915|") + kScopes + "|{\"LocationX\":,\"LocationY\":})"},
-         {Log("2", "ZmsSignIn", "ZmsSignIn:104862915"), "event 248 5 4"}},
-        {"account centre",
-         {},
-         [](auto& s) { return Code(s.OpenAccountCenterInvoke()); },
-         0,
-         {"OpenAccountCenter()"},
-         {Log("2", "OpenAccountCenterInvoke", "OpenAccountCenterInvoke:0")}},
-        {"account centre fails",
-         {{"OpenAccountCenter", -5}},
-         [](auto& s) { return Code(s.OpenAccountCenterInvoke()); },
-         -5,
-         {"OpenAccountCenter()"},
-         {Log("2", "OpenAccountCenterInvoke", "OpenAccountCenterInvoke:-5"),
-          Log("5", "OpenAccountCenterInvoke", "Error: OpenAccoutCenter failed: -5")}},
-        {"RegisterLogout",
-         {{"SetLogoutEnable", 2}},
-         [&](auto& s) { return Code(s.RegisterLogout(name, thai)); },
-         2,
-         {"SetLogoutEnable({\"description\":\"\\u0e2d\",\"name\":\"Sign \\\"out\\\"\"}\n)"},
-         {}},
-        {"RegisterLogout of nothing",
-         {},
-         [&](auto& s) { return Code(s.RegisterLogout(empty, empty)); },
-         0,
-         {"SetLogoutEnable({\"description\":\"\",\"name\":\"\"}\n)"},
-         {}},
-        {"changed",
-         {{"HasAccountChanged", 11}},
-         [&](auto& s) { return int{s.IsZmsAccountChanged(user)}; },
-         1,
-         {"HasAccountChanged(\xE0\xB8\xAD)"},
-         {Log("2", "IsZmsAccountChanged", "IsZmsAccountChanged:11")}},
-        {"1 is not changed",
-         {{"HasAccountChanged", 1}},
-         [&](auto& s) { return int{s.IsZmsAccountChanged(user)}; },
-         0,
-         {"HasAccountChanged(\xE0\xB8\xAD)"},
-         {Log("2", "IsZmsAccountChanged", "IsZmsAccountChanged:1"),
-          Log("2", "IsZmsAccountChanged", "IsZmsAccountChanged: return false")}},
-        {"nobody",
-         {{"HasAccountChanged", 11}},
-         [&](auto& s) { return int{s.IsZmsAccountChanged(nobody)}; },
-         0,
-         {},
-         {Log("2", "IsZmsAccountChanged", "IsZmsAccountChanged: usedid is null")}},
-        {"signed in",
-         {},
-         [](auto& s) { return int{s.IsZmsSignIn()}; },
-         1,
-         {"IsAccountLoggedIn()"},
-         {Log("2", "IsZmsSignIn", "IsZmsSignIn:0")}},
-        {"11 is not signed in",
-         {{"IsAccountLoggedIn", 11}},
-         [](auto& s) { return int{s.IsZmsSignIn()}; },
-         0,
-         {"IsAccountLoggedIn()"},
-         {Log("2", "IsZmsSignIn", "IsZmsSignIn:11")}},
+        {"InitializeSDK", {}, initialize, 0, "Init()", initialized},
+        {"Uninit's code replaces Init's", failures, initialize, 3, "Init()Uninit()", {}},
+        {"InitZms", Codes{{"RegisterNotifyFunction", 9}}, initZms, 9, "Init()RegisterNotifyFunction(callback)",
+         started + initialized},
+        {"InitZms goes on when Uninit answers 0", Codes{{"Init", 7}}, initWithoutCallback, 0,
+         "Init()Uninit()RegisterNotifyFunction(null)", started},
+        {"InitZms stops at a failure", failures, initZms, 3, "Init()Uninit()", started},
+        {"UnInitializeSDK", {{"Uninit", 4}}, uninitialize, 4, "Uninit()", {}},
+        {"ZmsSignIn", Codes{{"SignIn", 21}}, signIn, 21,
+         std::string("SignIn(104862915|") + kScopes + "|{\"LocationX\":,\"LocationY\":})",
+         Logged("ZmsSignIn", "ZmsSignIn:104862915") + Lines{"event 248 5 4"}},
+        {"account centre", Codes(), openCenter, 0, "OpenAccountCenter()",
+         Logged("OpenAccountCenterInvoke", "OpenAccountCenterInvoke:0")},
+        {"account centre fails", Codes{{"OpenAccountCenter", -5}}, openCenter, -5, "OpenAccountCenter()",
+         Logged("OpenAccountCenterInvoke", "OpenAccountCenterInvoke:-5") +
+             Log("5", "OpenAccountCenterInvoke", "Error: OpenAccoutCenter failed: -5")},
+        {"RegisterLogout", Codes{{"SetLogoutEnable", 2}}, registerLogout, 2,
+         "SetLogoutEnable({\"description\":\"\\u0e2d\",\"name\":\"Sign \\\"out\\\"\"}\n)", Lines()},
+        {"RegisterLogout of nothing", Codes(), registerNothing, 0,
+         "SetLogoutEnable({\"description\":\"\",\"name\":\"\"}\n)", Lines()},
+        {"changed", Codes{{"HasAccountChanged", 11}}, isChanged, 1, "HasAccountChanged(\xE0\xB8\xAD)",
+         Logged("IsZmsAccountChanged", "IsZmsAccountChanged:11")},
+        {"1 is not changed", Codes{{"HasAccountChanged", 1}}, isChanged, 0, "HasAccountChanged(\xE0\xB8\xAD)",
+         Logged("IsZmsAccountChanged", "IsZmsAccountChanged:1") + kept},
+        {"nobody", Codes{{"HasAccountChanged", 11}}, isNobodyChanged, 0, "",
+         Logged("IsZmsAccountChanged", "IsZmsAccountChanged: usedid is null")},
+        {"signed in", Codes(), isSignedIn, 1, "IsAccountLoggedIn()", Logged("IsZmsSignIn", "IsZmsSignIn:0")},
+        {"1 is not signed in", Codes{{"IsAccountLoggedIn", 1}}, isSignedIn, 0, "IsAccountLoggedIn()",
+         Logged("IsZmsSignIn", "IsZmsSignIn:1")},
     };
     for (const auto& row : rows) {
         SdkScript& script = InstalledSdk::Script();

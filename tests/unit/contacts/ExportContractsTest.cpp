@@ -1,18 +1,11 @@
 #include <HttpLib.h>
 
-#include <fstream>
-
 #include "ServiceFixture.h"
 #include "contacts/DownloadBuffer.h"
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-std::string Content(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+const std::string kEarlier = "what an earlier export left";
 
 std::filesystem::path TestFile() {
     return std::filesystem::temp_directory_path() / (L"contacts-\u0E17-" + std::to_wstring(GetCurrentProcessId()));
@@ -23,56 +16,47 @@ std::filesystem::path TestFile() {
 TEST_F(ServiceTest, ExportContractsWritesAndCounts) {
     const std::filesystem::path path = TestFile();
     const std::string card = "BEGIN:VCARD\r\nEND:VCARD\r\n";
-    const std::string tag = " UserAuthService::ExportContracts ";
-    const struct {
-        const char* name;
-        std::filesystem::path path;
-        int status;
-        std::string body;
-        bool result;
-        const char* count;
+    const struct : ReplyRow {
+        std::string count = {};
+        bool writable = true;
     } rows[] = {
-        {"three cards", path, 200, card + card + card, true, "3"},
-        {"a note that counts too", path, 200, card + "NOTE:BEGINNING\r\n", true, "2"},
-        {"the second one begins too early", path, 200, "BEGINBEGIN", true, "1"},
-        {"zero bytes", path, 200, std::string("BEGIN\0\0BEGIN", 12), true, "2"},
-        {"small letters", path, 200, "begin", true, "0"},
-        {"empty", path, 200, "", true, "0"},
-        {"unwritable path", path / "no" / "folder", 200, card, true, "1"},
-        {"not found", path, 404, "", false, ""},
-        {"no exchange", path, kHttpConnectionBroken, "", false, ""},
-        {"partial", path, 206, card, false, ""},
+        {"three cards", 200, card + card + card, true, "3"},
+        {"a note that counts too", 200, card + "NOTE:BEGINNING\r\n", true, "2"},
+        {"the second one begins too early", 200, "BEGINBEGIN", true, "1"},
+        {"zero bytes", 200, std::string("BEGIN\0\0BEGIN", 12), true, "2"},
+        {"small letters", 200, "begin", true, "0"},
+        {"empty", 200, "", true, "0"},
+        {"unwritable path", 200, card, true, "1", false},
+        {"not found", 404, "", false},
+        {"no exchange", kHttpConnectionBroken, "", false},
+        {"partial", 206, card, false},
     };
     for (const auto& row : rows) {
-        { std::ofstream(path) << "what an earlier export left"; }
-        Recording().journal.clear();
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->ExportContracts(L"https://h/e", row.path.wstring(), {{L"b", L"2"}, {L"a", L"1"}}),
-                  row.result)
+        WriteFile(path, kEarlier);
+        const auto exportCards = [&](auto& service) {
+            const Headers cookies = {{L"b", L"2"}, {L"a", L"1"}};
+            return service.ExportContracts(L"https://h/e", (row.writable ? path : path / "no" / "folder").wstring(),
+                                           cookies);
+        };
+        EXPECT_EQ(Outcome(row, exportCards),
+                  row.result
+                      ? Lines{"event 148 1 0 num=" + row.count} +
+                            Lines{"log 0 2 UserAuthService::ContractsCounts NIMBASUITE_CONTACT_EXPORT " + row.count} +
+                            Log("2", "ExportContracts", "ExportContracts successed!")
+                      : Log("5", "ExportContracts", "Error: ExportContracts failed!"))
             << row.name;
-        if (row.path == path) {
-            EXPECT_TRUE(std::filesystem::exists(path)) << row.name;
-            EXPECT_EQ(Content(path), row.body) << row.name;
-        }
-        EXPECT_EQ(
-            Recording().TakeOutcome(),
-            row.result
-                ? (Lines{std::string("event 148 1 0 num=") + row.count,
-                         std::string("log 0 2 UserAuthService::ContractsCounts NIMBASUITE_CONTACT_EXPORT ") + row.count,
-                         "log 10 2" + tag + "ExportContracts successed!"})
-                : Lines{"log 10 5" + tag + "Error: ExportContracts failed!"})
-            << row.name;
+        EXPECT_TRUE(std::filesystem::exists(path)) << row.name;
+        EXPECT_EQ(ReadFile(path), row.writable ? row.body : kEarlier) << row.name;
     }
     std::filesystem::remove(path);
     EXPECT_EQ(Recording().url, L"https://h/e");
-    EXPECT_EQ(Recording().requestHeaders,
-              (std::map<std::wstring, std::wstring>{{L"Accept", L"application/json, text/plain, */*"},
-                                                    {L"Accept-Encoding", L"gzip, deflate, br"},
-                                                    {L"Accept-Language", L"zh-CN"},
-                                                    {L"Cache-Control", L"application/json, text/plain, */*"},
-                                                    {L"ContentType", L"application/force-download"},
-                                                    {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
-                                                    {L"Cookie", L"a=1;b=2;"}}));
+    EXPECT_EQ(Recording().requestHeaders, (Headers{{L"Accept", L"application/json, text/plain, */*"},
+                                                   {L"Accept-Encoding", L"gzip, deflate, br"},
+                                                   {L"Accept-Language", L"zh-CN"},
+                                                   {L"Cache-Control", L"application/json, text/plain, */*"},
+                                                   {L"ContentType", L"application/force-download"},
+                                                   {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
+                                                   {L"Cookie", L"a=1;b=2;"}}));
 }
 
 TEST(DownloadBuffer, JoinsBlocksOfAnySize) {
@@ -97,7 +81,7 @@ TEST_F(ServiceTest, ExportContractsCountsAcrossBlocks) {
     Recording().replies = {{200, body, {}}};
     EXPECT_TRUE(m_service->ExportContracts(L"https://h/e", TestFile().wstring(), {}));
     EXPECT_EQ(Recording().Lines("event"), Lines{"event 148 1 0 num=30"});
-    EXPECT_EQ(Content(TestFile()), body);
+    EXPECT_EQ(ReadFile(TestFile()), body);
     EXPECT_EQ(Recording().requestHeaders.at(L"Cookie"), L"");
     std::filesystem::remove(TestFile());
 }

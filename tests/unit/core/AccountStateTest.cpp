@@ -1,6 +1,7 @@
 #include <ParamStore.h>
 
 #include <atomic>
+#include <future>
 #include <set>
 #include <thread>
 
@@ -8,14 +9,19 @@
 #include "core/AccountBrandText.h"
 #include "core/SuiteWindowMessages.h"
 
-TEST_F(ServiceTest, SettersPushToTheStoreAndOnlyTheseDo) {
+// While a push runs no reader may get in: it would see a value that the store may not have yet.
+TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
+    SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(*m_service);
+    Recording().duringPush = [&] { EXPECT_FALSE(TryAcquireSRWLockShared(lock)) << Recording().journal.back(); };
     m_service->SetCurrentAT(L"at-\u00E9");
     m_service->SetCurrentRT(L"rt");
     m_service->SetCurrrentUserID(L"uid");
     m_service->SetCurrentUserHeadImageLocalPath(L"C:\\p");
     m_service->SetCurrentUserInfo(L"uid2", L"\u0E2A\u0E21\u0E0A\u0E32\u0E22", L"https://photo", -1);
-    EXPECT_EQ(Recording().journal, (std::vector<std::string>{"store SetCurrentAt at-\xC3\xA9", "store SetCurrentRt rt",
-                                                             "store SetUserID uid", "store SetUserID uid2"}));
+    EXPECT_EQ(Recording().journal, Store("SetCurrentAt", "at-\xC3\xA9") + Store("SetCurrentRt", "rt") +
+                                       Store("SetUserID", "uid") + Store("SetUserID", "uid2"));
+    ASSERT_TRUE(TryAcquireSRWLockShared(lock)) << "free again";
+    ReleaseSRWLockShared(lock);
     EXPECT_EQ(m_service->GetCurrentAT(), L"at-\u00E9");
     EXPECT_EQ(m_service->GetCurrentRT(), L"rt");
     EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2A\u0E21\u0E0A\u0E32\u0E22");
@@ -32,7 +38,7 @@ TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
     m_service->SetCurrentRT(L"rt");
     m_service->SetCurrentUserInfo(L"uid", L"name", L"url", 7);
     m_service->SetCurrentUserHeadImageLocalPath(L"path");
-    UserAuthServiceAccess::SetCountry(*m_service, L"\u00C9");
+    UserAuthServiceAccess::Country(*m_service) = L"\u00C9";
     Recording().journal.clear();
     m_service->Clear();
     EXPECT_TRUE(Recording().journal.empty());
@@ -45,32 +51,14 @@ TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
 }
 
-// While a push runs no reader may get in: it would see a value that the store may not have yet.
-TEST_F(ServiceTest, EveryPushHappensInsideTheExclusiveHold) {
-    SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(*m_service);
-    int pushes = 0;
-    Recording().duringPush = [&] {
-        ++pushes;
-        EXPECT_FALSE(TryAcquireSRWLockShared(lock)) << Recording().journal.back();
-    };
-    m_service->SetCurrentAT(L"a");
-    m_service->SetCurrentRT(L"r");
-    m_service->SetCurrrentUserID(L"u");
-    m_service->SetCurrentUserInfo(L"u", L"n", L"l", 1);
-    EXPECT_EQ(pushes, 4);
-    ASSERT_TRUE(TryAcquireSRWLockShared(lock)) << "free again";
-    ReleaseSRWLockShared(lock);
-}
-
 TEST_F(ServiceTest, ReadersSeeWholeValuesWhileWritersWrite) {
     const std::wstring values[] = {std::wstring(1000, L'a'), std::wstring(2000, L'b')};
     m_service->SetCurrentAT(values[0]);
     std::atomic<bool> stop{false};
     std::atomic<int> torn{0};
-    std::vector<std::thread> threads;
-    threads.reserve(4);
-    for (int index = 0; index < 4; ++index) {
-        threads.emplace_back([&] {
+    std::vector<std::thread> threads(4);
+    for (std::thread& thread : threads) {
+        thread = std::thread([&] {
             while (!stop) {
                 const std::wstring seen = m_service->GetCurrentAT();
                 torn += seen != values[0] && seen != values[1] && !seen.empty();
@@ -94,22 +82,21 @@ TEST(Singleton, FirstCallersFromManyThreadsGetOneObjectConstructedOnce) {
     Recording() = SuiteRecording();
     const InstalledSdk sdk("scripted-sdk.dll");
     std::atomic<int> waiting{16};
-    std::vector<UserAuthService*> seen(16);
-    std::vector<std::thread> threads;
-    threads.reserve(seen.size());
-    for (UserAuthService*& slot : seen) {
-        threads.emplace_back([&waiting, &slot] {
+    std::vector<std::future<UserAuthService*>> callers(16);
+    for (auto& caller : callers) {
+        caller = std::async(std::launch::async, [&waiting] {
             --waiting;
             while (waiting > 0) {
             }
-            slot = UserAuthService::GetInstance();
+            return UserAuthService::GetInstance();
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
+    std::set<UserAuthService*> seen;
+    for (auto& caller : callers) {
+        seen.insert(caller.get());
     }
-    EXPECT_EQ(std::set<UserAuthService*>(seen.begin(), seen.end()).size(), 1U);
-    EXPECT_NE(seen[0], nullptr);
+    EXPECT_EQ(seen.size(), 1U);
+    EXPECT_EQ(seen.count(nullptr), 0U);
     EXPECT_EQ(Recording().Lines("log").size(), 1U) << "one load line for each construction";
     Singleton();
 }

@@ -48,8 +48,7 @@ TEST(TextEncoding, FailureLeavesTheOutputAsItWas) {
 
 TEST(TextEncoding, UrlEncodeEscapesAnsiBytes) {
     const struct {
-        const wchar_t* text;
-        const wchar_t* encoded;
+        const wchar_t *text, *encoded;
     } rows[] = {
         {L"a b", L"a+b"},
         {L"a/b?c=d&e", L"a%2Fb%3Fc%3Dd%26e"},

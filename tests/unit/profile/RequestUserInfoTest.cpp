@@ -1,15 +1,13 @@
 #include <atomic>
-#include <fstream>
-#include <iterator>
 
 #include "ServiceFixture.h"
 
 namespace {
 
-using Lines = std::vector<std::string>;
 constexpr UINT kPortraitChanged = 0x0C87;
 
-const std::string kTag = " UserAuthService::RequestUserInfo ";
+constexpr char kOperation[] = "RequestUserInfo";
+const std::string kOldPortrait = "old portrait, longer than any below";
 const std::string kLink = "\"profilePhotoLink\":\"https://p/\xC3\xA9\"";
 
 class RequestUserInfoTest : public ServiceTest {
@@ -23,9 +21,7 @@ protected:
                                      (L"userauth \u0E2D\u0416 " + std::to_wstring(GetCurrentProcessId())))
                                         .wstring();
         std::filesystem::create_directories(Recording().appDataFolder);
-        std::ofstream(Portrait(), std::ios::binary) << "old portrait, longer than any below";
-        m_service->SetCurrentUserHeadImageLocalPath(L"old path");
-        Recording().journal.clear();
+        LeaveAnOldPortrait();
     }
     ~RequestUserInfoTest() override {
         DestroyWindow(m_window);
@@ -35,6 +31,12 @@ protected:
 
     static std::filesystem::path Portrait() {
         return std::filesystem::path(Recording().appDataFolder) / "HeadPortrait";
+    }
+
+    void LeaveAnOldPortrait() {
+        WriteFile(Portrait(), kOldPortrait);
+        m_service->SetCurrentUserHeadImageLocalPath(L"old path");
+        Recording().journal.clear();
     }
 
     // Messages until the wanted number is there, then one more look. A message of the calling thread is there at once.
@@ -68,72 +70,62 @@ protected:
         for (int tries = 0; tries < 1000 && !IsClosed(); ++tries) {
             Sleep(5);
         }
-        std::ifstream file(Portrait(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        return ReadFile(Portrait());
     }
 
     HWND m_window;
 };
 
 Lines Summary(const std::string& status) {
-    return {"log 10 0" + kTag +
-                "RequestUserInfo\nUrl:https://user.example.com/KeCloudUserInformationService/v1/users"
-                "?fields=userId,displayName,profilePhotoLink\nHttpCode:" +
-                status,
-            "event 251 5 0"};
+    return Log("0", kOperation,
+               "RequestUserInfo\nUrl:https://user.example.com/KeCloudUserInformationService/v1/users"
+               "?fields=userId,displayName,profilePhotoLink\nHttpCode:" +
+                   status) +
+           Lines{"event 251 5 0"};
 }
 
 }  // namespace
 
 TEST_F(RequestUserInfoTest, Outcomes) {
-    const Lines stored = {"store SetUserID \xD0\x96", "store SetUserID \xD0\x96",
-                          "log 10 2" + kTag + "GetUserInfo successed!"};
+    const Lines stored = Store("SetUserID", "\xD0\x96") + Store("SetUserID", "\xD0\x96") +
+                         Log("2", kOperation, "GetUserInfo successed!");
     const std::string name = "\xE0\xB8\xAD\xF0\x9F\x98\x80";
     const std::string members = "\"userId\":\"\xD0\x96\",\"displayName\":\"" + name + "\",\"accountBrand\":-7";
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
+    const struct : ReplyRow {
         int photoStatus;  // 0: no download
-        bool result;
-        int messages;
         std::wstring path;
         std::string file;
     } rows[] = {
-        {"portrait", 200, "{" + members + "," + kLink + "}", 200, true, 1, Portrait().wstring(), "bytes"},
-        {"portrait not found", 200, "{" + members + "," + kLink + "}", 404, true, 1, L"", ""},
-        {"no portrait", 200, "{" + members + "}", 0, true, 1, L"", "old portrait, longer than any below"},
-        {"server error", 500, "{" + members + "," + kLink + "}", 0, false, 0, L"old path",
-         "old portrait, longer than any below"},
+        {"portrait", 200, "{" + members + "," + kLink + "}", true, 200, Portrait().wstring(), "bytes"},
+        {"portrait not found", 200, "{" + members + "," + kLink + "}", true, 404, L"", ""},
+        {"no portrait", 200, "{" + members + "}", true, 0, L"", kOldPortrait},
+        {"server error", 500, "{" + members + "," + kLink + "}", false, 0, L"old path", kOldPortrait},
     };
     for (const auto& row : rows) {
-        std::ofstream(Portrait(), std::ios::binary) << "old portrait, longer than any below";
-        m_service->SetCurrentUserHeadImageLocalPath(L"old path");
-        Recording().journal.clear();
+        LeaveAnOldPortrait();
         Recording().replies = {{row.status, row.body, {}}, {row.photoStatus, "bytes", {}}};
         EXPECT_EQ(m_service->RequestUserInfo(), row.result) << row.name;
-        EXPECT_EQ(Messages(row.messages), row.messages) << row.name;
+        EXPECT_EQ(Messages(row.result ? 1 : 0), row.result ? 1 : 0) << row.name;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), row.path) << row.name;
         EXPECT_EQ(PortraitOnceClosed(), row.file) << row.name;
         const std::string status = std::to_string(row.status);
         Lines expected = Summary(status);
         if (!row.result) {
-            expected.push_back("log 10 5" + kTag + "Error: GetUserInfo failed, httpcode = " + status);
+            expected = expected + Log("5", kOperation, "Error: GetUserInfo failed, httpcode = " + status);
         } else {
             if (row.photoStatus != 0) {
-                expected.push_back("log 10 2" + kTag + "GetprofilePhotoLink start");
+                expected = expected + Log("2", kOperation, "GetprofilePhotoLink start");
                 EXPECT_EQ(Recording().url, L"https://p/\u00C3\u00A9") << "the download decodes the link as ANSI text";
                 EXPECT_TRUE(Recording().requestHeaders.empty());
                 EXPECT_EQ(m_service->GetCurrentUserHeadImageUrl(), L"https://p/\u00E9");
             }
-            expected.insert(expected.end(), stored.begin(), stored.end());
+            expected = expected + stored;
             EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2D\U0001F600") << row.name;
             EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), -7) << row.name;
         }
         EXPECT_EQ(Recording().TakeOutcome(), expected) << row.name;
     }
-    EXPECT_EQ(Recording().requestHeaders,
-              (std::map<std::wstring, std::wstring>{{L"Authorization", L"Bearer singleton token"}}));
+    EXPECT_EQ(Recording().requestHeaders, (Headers{{L"Authorization", L"Bearer singleton token"}}));
 }
 
 TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
@@ -161,9 +153,7 @@ TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFi
     EXPECT_EQ(Messages(1), 1);
     EXPECT_TRUE(openAtMessage);
     EXPECT_EQ(PortraitOnceClosed(), "new");
-    std::ifstream kept(link, std::ios::binary);
-    EXPECT_EQ((std::string{std::istreambuf_iterator<char>(kept), std::istreambuf_iterator<char>()}).substr(0, 12),
-              "old portrait");
+    EXPECT_EQ(ReadFile(link), kOldPortrait);
 }
 
 TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {

@@ -5,14 +5,10 @@
 TEST_F(ServiceTest, UpdateRegistInfoStoresWhatAGoodReplySays) {
     const std::string good =
         R"({"languageType":"th-th","privilege":true,"clientLogReport":true,"result":{"code":"0"}})";
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
+    constexpr char kOperation[] = "UpdateRegistInfo";
+    const struct : ReplyRow {
         const char* language;
-        bool privilege;
-        bool clientLog;
+        bool privilege, clientLog;
     } rows[] = {
         {"server error first", 500, good, false, "", false, false},
         {"good", 200, good, true, "th-th", true, true},
@@ -25,27 +21,22 @@ TEST_F(ServiceTest, UpdateRegistInfoStoresWhatAGoodReplySays) {
         {"changed", 200, R"({"languageType":"\u00e9","privilege":false,"clientLogReport":false,"result":{"code":"0"}})",
          true, "\xC3\xA9", false, false},
     };
-    UserAuthServiceAccess::SetCountry(*m_service, L"\u00C9");
+    UserAuthServiceAccess::Country(*m_service) = L"\u00C9";
     m_service->SetCurrentAT(L"at");
     for (const auto& row : rows) {
-        const std::string tag = " UserAuthService::UpdateRegistInfo ";
         const std::string status = std::to_string(row.status);
-        Recording().journal.clear();
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->UpdateRegistInfo(), row.result) << row.name;
+        EXPECT_EQ(
+            Outcome(row, &UserAuthService::UpdateRegistInfo),
+            Log("2", kOperation, "UpdateRegistInfo httpcode:" + status) +
+                Log("0", kOperation,
+                    "UpdateRegistInfo\nUrl:https://portal.example.com/pcclient/getRegisterInfo?traceId=\nHttpCode:" +
+                        status) +
+                (row.result ? Log("2", kOperation, "UpdateRegistInfo successed!")
+                            : Log("5", kOperation, "Error: UpdateRegistInfo failed, httpcode = " + status)))
+            << row.name;
         EXPECT_EQ(m_service->GetLanguageType(), row.language) << row.name;
         EXPECT_EQ(m_service->GetCurrentPriviledge(), row.privilege) << row.name;
         EXPECT_EQ(m_service->GetClientLogReportStatus(), row.clientLog) << row.name;
-        EXPECT_EQ(
-            Recording().TakeOutcome(),
-            (std::vector<std::string>{
-                "log 10 2" + tag + "UpdateRegistInfo httpcode:" + status,
-                "log 10 0" + tag +
-                    "UpdateRegistInfo\nUrl:https://portal.example.com/pcclient/getRegisterInfo?traceId=\nHttpCode:" +
-                    status,
-                row.result ? "log 10 2" + tag + "UpdateRegistInfo successed!"
-                           : "log 10 5" + tag + "Error: UpdateRegistInfo failed, httpcode = " + status}))
-            << row.name;
     }
     const std::wstring trace = Recording().requestHeaders.at(L"x-zv-trace-id");
     EXPECT_EQ(trace.substr(0, 9), L"12003_11_");
@@ -56,7 +47,7 @@ TEST_F(ServiceTest, UpdateRegistInfoStoresWhatAGoodReplySays) {
 TEST_F(ServiceTest, IsChinaAccountComparesTheCountry) {
     for (const auto& [country, expected] :
          std::map<std::wstring, bool>{{L"CN", true}, {L"cn", false}, {L"", false}, {L"TH", false}}) {
-        UserAuthServiceAccess::SetCountry(*m_service, country);
+        UserAuthServiceAccess::Country(*m_service) = country;
         EXPECT_EQ(m_service->IsChinaAccount(), expected);
     }
 }

@@ -4,9 +4,7 @@
 
 namespace {
 
-using HeaderMap = std::map<std::wstring, std::wstring>;
-
-HeaderMap CommonHeaders() {
+Headers CommonHeaders() {
     return {
         {L"User-Agent", L"NimbaPC/11.2.4.301"},
         {L"x-zv-trace-id", L"trace"},
@@ -25,6 +23,11 @@ HeaderMap CommonHeaders() {
     };
 }
 
+Headers operator+(Headers left, const Headers& right) {
+    left.insert(right.begin(), right.end());
+    return left;
+}
+
 }  // namespace
 
 TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
@@ -32,33 +35,24 @@ TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
     m_service->SetCurrrentUserID(L"uid");
     // base64 of 6::104862915::a%2B%2F%E9
     const std::wstring authorization = L"Njo6MTA0ODYyOTE1OjphJTJCJTJGJUU5";
+    const Headers account = {{L"userId", L"uid"}, {L"Authorization", authorization}, {L"version", L"11.2.4.301"}};
     const struct {
         int type;
-        HeaderMap further;
+        Headers further;
     } rows[] = {
         {0, {{L"Authorization", authorization}, {L"Content-Type", L"application/json"}}},
-        {1,
-         {{L"userId", L"uid"},
-          {L"Authorization", authorization},
-          {L"version", L"11.2.4.301"},
-          {L"x-zv-device-category", L"PC"}}},
-        {2,
-         {{L"userId", L"uid"},
-          {L"Authorization", authorization},
-          {L"version", L"11.2.4.301"},
-          {L"Content-Type", L"application/json"},
-          {L"x-zv-os", userauth::OsVersionText()},
-          {L"AuthType", L"Y29tLnpvcnZhbi5jbG91ZC5wYw=="}}},
+        {1, account + Headers{{L"x-zv-device-category", L"PC"}}},
+        {2, account + Headers{{L"Content-Type", L"application/json"},
+                              {L"x-zv-os", userauth::OsVersionText()},
+                              {L"AuthType", L"Y29tLnpvcnZhbi5jbG91ZC5wYw=="}}},
         {3, {{L"Authorization", L""}, {L"Content-Type", L"application/json"}, {L"Cookie", L"siteID=1"}}},
         {4, {{L"Content-Type", L"application/json"}, {L"Authorization", L"a+/\u00E9"}}},
         {5, {}},
         {-1, {}},
     };
     for (const auto& row : rows) {
-        HeaderMap expected = CommonHeaders();
-        EXPECT_EQ(expected.size(), 14U);
-        expected.insert(row.further.begin(), row.further.end());
-        EXPECT_EQ(UserAuthServiceAccess::BuildHeaders(*m_service, static_cast<HeadType>(row.type), L"trace"), expected)
+        EXPECT_EQ(UserAuthServiceAccess::BuildHeaders(*m_service, static_cast<HeadType>(row.type), L"trace"),
+                  CommonHeaders() + row.further)
             << "HeadType " << row.type;
     }
 }

@@ -6,9 +6,7 @@ using userauth::Reply;
 
 TEST(Reply, WrongTypesReadAsEmptyOrZero) {
     const struct {
-        const char* name;
-        const char* text;
-        const char* textMember;
+        const char *name, *text, *textMember;
         int integerMember;
         const char* styledCode;
     } rows[] = {
@@ -42,8 +40,7 @@ TEST(Reply, WrongTypesReadAsEmptyOrZero) {
 
 TEST(Reply, ConvertedFormsFollowTheJsonLibrary) {
     const struct {
-        const char* value;
-        const char* text;
+        const char *value, *text;
         std::optional<int> integer;
         bool isOne;
     } rows[] = {

@@ -61,29 +61,21 @@ Bytes SystemStructure(std::size_t length) {
 TEST(SmbiosTable, SystemStructureByItsLength) {
     const struct {
         std::size_t length;
-        const wchar_t* product;
-        bool uuid;
-        const wchar_t* sku;
-        const wchar_t* family;
+        const wchar_t* texts;  // product, SKU number, family
+        Bytes uuid;
     } rows[] = {
-        {5, L"", false, L"", L""},
-        {6, L"Caf\u00E9 3000", false, L"", L""},
-        {8, L"Caf\u00E9 3000", false, L"", L""},
-        {9, L"Caf\u00E9 3000", true, L"", L""},
-        {25, L"Caf\u00E9 3000", true, L"", L""},
-        {26, L"Caf\u00E9 3000", true, L"sku", L""},
-        {27, L"Caf\u00E9 3000", true, L"sku", L"family"},
+        {5, L"//", Bytes(16, '\0')},
+        {6, L"Caf\u00E9 3000//", Bytes(16, '\0')},
+        {8, L"Caf\u00E9 3000//", Bytes(16, '\0')},
+        {9, L"Caf\u00E9 3000//", Bytes("Amaker\0Caf\xE9 3000", 16)},
+        {25, L"Caf\u00E9 3000//", "ABCDEFGHIJKLMNOP"},
+        {26, L"Caf\u00E9 3000/sku/", "ABCDEFGHIJKLMNOP"},
+        {27, L"Caf\u00E9 3000/sku/family", "ABCDEFGHIJKLMNOP"},
     };
     for (const auto& row : rows) {
-        const DeviceIdentity identity = ReadStructures(SystemStructure(row.length) + kEnd);
-        EXPECT_EQ(identity.system.productName, row.product) << row.length;
-        EXPECT_EQ(std::string(identity.system.uuid.begin(), identity.system.uuid.end()),
-                  row.length == 9 ? std::string("Amaker\0Caf\xE9 3000", 16)
-                  : row.uuid      ? "ABCDEFGHIJKLMNOP"
-                                  : std::string(16, '\0'))
-            << row.length;
-        EXPECT_EQ(identity.system.skuNumber, row.sku) << row.length;
-        EXPECT_EQ(identity.system.family, row.family) << row.length;
+        const auto& system = ReadStructures(SystemStructure(row.length) + kEnd).system;
+        EXPECT_EQ(system.productName + L"/" + system.skuNumber + L"/" + system.family, row.texts) << row.length;
+        EXPECT_EQ(Bytes(system.uuid.begin(), system.uuid.end()), row.uuid) << row.length;
     }
 }
 

@@ -20,10 +20,7 @@ TEST_F(ServiceTest, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, 0), L"");
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, -3), L"");
     std::time_t second = 0;
-    std::wstring first;
-    std::wstring again;
-    std::wstring id;
-    std::wstring sameId;
+    std::wstring first, again, id, sameId;
     do {
         second = std::time(nullptr);
         first = UserAuthServiceAccess::Random(*m_service, 2000);

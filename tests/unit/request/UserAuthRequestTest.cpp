@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "ServiceFixture.h"
 
@@ -17,19 +18,22 @@ protected:
         m_request.SetPostRequest(L"https://h/p", {{L"own", L"1"}}, JsonData(body));
     }
 
-    std::vector<std::string> Sent() {
-        std::vector<std::string> journal;
-        journal.swap(Recording().journal);
-        return journal;
-    }
+    Lines Sent() { return std::exchange(Recording().journal, {}); }
 
     UserAuthRequest m_request;
     std::unique_ptr<WebRequestResult> m_result = std::make_unique<WebRequestResult>();
 };
 
-const char kSendHook[] = "UserAuthRequest::SendWebRequest::<lambda_";
-std::string HookLine(const std::string& severity, const std::string& tag, const std::string& text) {
-    return "log 10 " + severity + " " + tag + "::operator () " + text;
+Lines HookLine(const std::string& severity, const std::string& lambda, const std::string& text) {
+    return {"log 10 " + severity + " UserAuthRequest::" + lambda + "::operator () " + text};
+}
+
+const Lines kBegun = {"http SetUrl https://h/p", "http SetLogFunction "};
+
+// What every form with a body tells the library after its log functions.
+Lines Told(int headers, const std::string& body, const std::string& request) {
+    return {"http SetHttpRequestMethod 1", "http SetHeaders " + std::to_string(headers), "http SetCertPath ",
+            "http SetPostData " + body, "http Request " + request};
 }
 
 }  // namespace
@@ -37,12 +41,9 @@ std::string HookLine(const std::string& severity, const std::string& tag, const 
 TEST_F(UserAuthRequestTest, CompactFormTellsTheHttpLibraryInOrder) {
     Recording().replies = {{201, "reply", {}}};
     m_request.SendWebRequest(*m_result);
-    EXPECT_EQ(Sent(),
-              (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ", "http SetErrorLogFunction ",
-                                        "http SetHttpRequestMethod 1", "http SetHeaders 1", "http SetCertPath ",
-                                        "http SetPostData {\"a\":1,\"b\":\"\\u00e9\"}\n", "http Request -1",
-                                        HookLine("0", std::string(kSendHook) + "1>", "progress text"),
-                                        HookLine("5", std::string(kSendHook) + "2>", "error text")}));
+    EXPECT_EQ(Sent(), kBegun + Lines{"http SetErrorLogFunction "} + Told(1, "{\"a\":1,\"b\":\"\\u00e9\"}\n", "-1") +
+                          HookLine("0", "SendWebRequest::<lambda_1>", "progress text") +
+                          HookLine("5", "SendWebRequest::<lambda_2>", "error text"));
     EXPECT_EQ(m_result->nHttpCode, 201);
     EXPECT_STREQ(m_result->szResponse, "reply");
 }
@@ -52,16 +53,11 @@ TEST_F(UserAuthRequestTest, StyledFormsHaveNoErrorHook) {
     Recording().replies = {{200, "", {{"h", "v"}}}, {200, "", {}}};
     UserAuthRequest::ReplyHeaderMap replyHeaders;
     m_request.SendWebRequest(*m_result, replyHeaders);
-    EXPECT_EQ(Sent(), (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ",
-                                                "http SetHttpRequestMethod 1", "http SetHeaders 1", "http SetCertPath ",
-                                                "http SetPostData " + styled, "http Request with reply headers",
-                                                HookLine("0", std::string(kSendHook) + "3>", "progress text")}));
+    EXPECT_EQ(Sent(), kBegun + Told(1, styled, "with reply headers") +
+                          HookLine("0", "SendWebRequest::<lambda_3>", "progress text"));
     EXPECT_EQ(replyHeaders.at("h"), "v");
     m_request.SendWebRequest(*m_result, UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}});
-    EXPECT_EQ(Sent(), (std::vector<std::string>{"http SetUrl https://h/p", "http SetLogFunction ",
-                                                "http SetHttpRequestMethod 1", "http SetHeaders 2", "http SetCertPath ",
-                                                "http SetPostData " + styled, "http Request -1",
-                                                HookLine("0", std::string(kSendHook) + "4>", "progress text")}));
+    EXPECT_EQ(Sent(), kBegun + Told(2, styled, "-1") + HookLine("0", "SendWebRequest::<lambda_4>", "progress text"));
     EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"given", L"2"}, {L"too", L"3"}}));
 }
 
@@ -72,7 +68,7 @@ TEST_F(UserAuthRequestTest, AGetPassesTheNullBody) {
     request.SendWebRequest(*m_result);
     EXPECT_EQ(Recording().url, L"https://h/g");
     EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"old", L"1"}}));
-    EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), std::vector<std::string>{"http SetHttpRequestMethod 0"});
+    EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), Lines{"http SetHttpRequestMethod 0"});
     EXPECT_EQ(Recording().postData, L"null\n");
     EXPECT_EQ(m_result->nHttpCode, kHttpConnectFailed);
     request.SetGetRequest(L"https://h/g", {{L"new", L"2"}});
@@ -89,10 +85,8 @@ TEST_F(UserAuthRequestTest, DownloadSetsNeitherBodyNorCertificatePath) {
         return true;
     });
     EXPECT_EQ(m_request.SendDownRequest(&handler), 206);
-    EXPECT_EQ(Sent(), (std::vector<std::string>{
-                          "http SetUrl https://h/p", "http SetLogFunction ", "http SetHttpRequestMethod 1",
-                          "http SetHeaders 1", "http Request download",
-                          HookLine("0", "UserAuthRequest::SendDownRequest::<lambda_1>", "progress text")}));
+    EXPECT_EQ(Sent(), (kBegun + Lines{"http SetHttpRequestMethod 1", "http SetHeaders 1", "http Request download"} +
+                       HookLine("0", "SendDownRequest::<lambda_1>", "progress text")));
     EXPECT_EQ(received, "bytes");
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <random>
 
 #include "KeyServerPeer.h"
@@ -69,12 +70,7 @@ TEST(Sha256Hex, AgreesWithTheStandard) {
 
 TEST(AesGcm, AgreesWithTheStandard) {
     const struct {
-        const char* source;
-        const char* key;
-        const char* nonce;
-        const char* plaintext;
-        const char* ciphertext;
-        const char* tag;
+        const char *source, *key, *nonce, *plaintext, *ciphertext, *tag;
     } rows[] = {
         {"GCM, McGrew and Viega, test case 2", "00000000000000000000000000000000", "000000000000000000000000",
          "00000000000000000000000000000000", "0388dace60b6a392f328c2b971b2fe78", "ab6e47d42cec13bdf53a67b21257bddf"},
@@ -118,9 +114,7 @@ TEST(AesGcm, SizesThatAreNotTheUsualOnes) {
     const Bytes nonce(12, 3);
     const Bytes zeros(44);
     Bytes p(20);
-    for (std::size_t index = 0; index < p.size(); ++index) {
-        p[index] = static_cast<unsigned char>(index);
-    }
+    std::iota(p.begin(), p.end(), static_cast<unsigned char>(0));
     for (const std::size_t keyBytes : {0U, 1U, 15U, 16U, 17U, 24U, 31U, 32U, 33U, 64U}) {
         const Bytes key(keyBytes, 9);
         const Bytes blob = userauth::AesGcmEncrypt(p, key, nonce);
@@ -156,10 +150,7 @@ TEST(AesGcm, SurvivesRandomBlobs) {
 TEST(KeyAgreement, AgreesWithTheStandard) {
     // NIST CAVS KAS_ECC_CDH_PrimitiveTest, [P-256], counts 0 to 2.
     const struct {
-        const char* peerX;
-        const char* peerY;
-        const char* own;
-        const char* secret;
+        const char *peerX, *peerY, *own, *secret;
     } rows[] = {
         {"700c48f77f56584c5cc632ca65640db91b6bacce3a4df6b42ce7cc838833d287",
          "db71e509e3fd9b060ddb20ba5c51dcc5948d46fbf640dfe0441782cab85fa4ac",

@@ -20,8 +20,6 @@ public:
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 const Bytes kTemporaryKey(16, 0x11);
 const std::string kChecked = "log 10 2 UserSyncKeyService::encodeUserKey check user key sha256 success, keyType:";
 const std::string kRefused = "log 10 5 UserSyncKeyService::encodeUserKey check user key sha256 fail, keyType:";
@@ -34,24 +32,24 @@ std::string Entry(const std::string& keyType, const Bytes& temporaryKey, const B
            R"("})";
 }
 
-std::string Ascii(const std::wstring& wide) {
-    std::string text;
-    std::transform(wide.begin(), wide.end(), std::back_inserter(text), [](wchar_t c) { return static_cast<char>(c); });
-    return text;
+template <typename Record>
+std::size_t Zeros(const Record& record) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(&record);
+    return static_cast<std::size_t>(std::count(bytes, bytes + sizeof(record), 0));
 }
 
 class UserSyncKeyServiceTest : public testing::Test {
 protected:
     UserSyncKeyServiceTest() {
-        std::memset(&m_record, 0, sizeof(m_record));
+        m_record = {};
         Singleton().SetCurrentAT(L"at");
         Singleton().SetCurrrentUserID(L"me");
         Recording() = SuiteRecording();
     }
 
     ~UserSyncKeyServiceTest() override {
-        Recording().duringExchange = nullptr;
-        std::memset(&m_record, 0, sizeof(m_record));
+        Recording() = SuiteRecording();
+        m_record = {};
     }
 
     // Answers the public key and then lists, which lists gives for a data type and the temporary key of the exchange.
@@ -63,17 +61,17 @@ protected:
                     {200, R"({"version":"v\u00e9","publicKey":")" + m_peer.PublicKeyText() + "\"}", {}}};
                 return;
             }
-            const auto key = m_peer.UnwrapTemporaryKey(Ascii(Recording().requestHeaders.at(L"x-zv-tempKey")));
+            const auto key = m_peer.UnwrapTemporaryKey(Narrow(Recording().requestHeaders.at(L"x-zv-tempKey")));
             ASSERT_TRUE(key);
-            m_asked += Ascii(url.substr(url.size() - 2)) + " ";
-            Recording().replies = {{200, lists(Ascii(url.substr(url.size() - 2)), *key), {}}};
+            m_asked += Narrow(url.substr(url.size() - 2)) + " ";
+            Recording().replies = {{200, lists(Narrow(url.substr(url.size() - 2)), *key), {}}};
         };
     }
 
     KeyServerPeer m_peer;
     st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     UserSyncKeyService m_keys;
-    std::map<std::wstring, std::wstring> m_publicKeyHeaders;
+    Headers m_publicKeyHeaders;
     std::string m_asked;  // the data types of the lists
 };
 
@@ -96,7 +94,6 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
     EXPECT_STREQ(m_record.photoKeyUuid3, L"long-12");
     EXPECT_EQ(Recording().TakeOutcome(), (Lines{kChecked + "1", kChecked + "3", kChecked + "1", kChecked + "3",
                                                 "hub SyncDriveKeyOk", "hub CloudPhotoKeyOk"}));
-    using Headers = std::map<std::wstring, std::wstring>;
     const Headers common = {{L"Authorization", L"Bearer at"},
                             {L"unionID", L"me"},
                             {L"userId", L"me"},
@@ -119,33 +116,23 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
     EXPECT_EQ(Recording().TakeOutcome(), Lines{});
     m_keys.ClearUserSyncKey();
     EXPECT_FALSE(m_keys.IsSyncDriveKeyInited() || m_keys.IsCloudPhotoKeyInited());
-    EXPECT_EQ(std::count(m_record.driveKey3, m_record.driveKey3 + 33, 0) +
-                  std::count(m_record.photoKey1, m_record.photoKey1 + 17, 0),
-              50);
+    EXPECT_EQ(Zeros(m_record.driveKey3) + Zeros(m_record.photoKey1), 50U);
     EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11") << "uuids stay";
 }
 
 TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
-    const std::string url = "http SetUrl https://user.example.com/KeCloudUserInformationService/v1/keys";
-    const std::string hook = "log 10 0 UserAuthRequest::SendWebRequest::<lambda_4>::operator () progress text";
-    const auto exchange = [&](const std::string& rest, const char* headers) {
-        return Lines{url + rest,
-                     "http SetLogFunction ",
-                     "http SetHttpRequestMethod 0",
-                     std::string("http SetHeaders ") + headers,
-                     "http SetCertPath ",
-                     "http SetPostData null\n",
-                     "http Request -1",
-                     hook};
+    const auto exchange = [](const std::string& rest, const std::string& headers) {
+        return Lines{"http SetUrl https://user.example.com/KeCloudUserInformationService/v1/keys" + rest} +
+               Lines{"http SetLogFunction ", "http SetHttpRequestMethod 0", "http SetHeaders " + headers,
+                     "http SetCertPath ",    "http SetPostData null\n",     "http Request -1"} +
+               Lines{"log 10 0 UserAuthRequest::SendWebRequest::<lambda_4>::operator () progress text"};
     };
     const struct {
         bool drive;  // is there, in the last byte of its field; the list gives the key that does not count
-        const char* dataType;
-        const char* checked;
-        const char* announced;
+        std::string dataType, checked, announced;
     } rows[] = {{true, "12", "1", "hub SyncDriveKeyOk"}, {false, "11", "3", "hub CloudPhotoKeyOk"}};
     for (const auto& row : rows) {
-        std::memset(&m_record, 0, sizeof(m_record));
+        m_record = {};
         (row.drive ? m_record.driveKey1[16] : m_record.photoKey3[32]) = 1;
         m_asked.clear();
         Recording().journal.clear();
@@ -153,14 +140,11 @@ TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
             return R"({"keys":[)" + Entry(row.checked, temporaryKey, Bytes(row.drive ? 16 : 32, 1), "u") + "]}";
         });
         EXPECT_FALSE(m_keys.InitUserSyncKey());
-        EXPECT_EQ(m_asked, std::string(row.dataType) + " ");
+        EXPECT_EQ(m_asked, row.dataType + " ");
         EXPECT_EQ(m_keys.IsSyncDriveKeyInited(), row.drive);
         EXPECT_EQ(m_keys.IsCloudPhotoKeyInited(), !row.drive);
-        Lines expected = exchange("/publicKey", "6");
-        const Lines list = exchange(std::string("?dataType=") + row.dataType, "10");
-        expected.insert(expected.end(), list.begin(), list.end());
-        expected.insert(expected.end(), {kChecked + row.checked, row.announced});
-        EXPECT_EQ(Recording().journal, expected);
+        EXPECT_EQ(Recording().journal, (exchange("/publicKey", "6") + exchange("?dataType=" + row.dataType, "10") +
+                                        Lines{kChecked + row.checked, row.announced}));
     }
 }
 
@@ -224,7 +208,7 @@ TEST_F(UserSyncKeyServiceTest, WhatAListMayHold) {
          true},
     };
     for (const auto& row : rows) {
-        std::memset(&m_record, 0, sizeof(m_record));
+        m_record = {};
         m_record.photoKey1[0] = 1;
         Recording().journal.clear();
         Serve([&row](const std::string& dataType, const Bytes& temporaryKey) {
@@ -248,54 +232,50 @@ TEST_F(UserSyncKeyServiceTest, AListNearTheLimitOfAReplyWorks) {
 
 TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
     const std::string longestUuid(32, 'u');
+    const Bytes key(16, 1);
     const struct {
         const char* name;
-        Bytes key;
-        Bytes digestOf;
+        Bytes key, digestOf;
         int keyType;
         std::wstring dataType;
         std::string uuid;
         bool result;
         std::size_t changedBytes;  // of the record
     } rows[] = {
-        {"long uuid fits", Bytes(16, 1), Bytes(16, 1), 1, L"11", longestUuid, true, 16 + 32},
+        {"long uuid fits", key, key, 1, L"11", longestUuid, true, 16 + 32},
         {"longer uuid is left out", Bytes(32, 1), Bytes(32, 1), 3, L"12", longestUuid + "u", true, 32},
-        {"uuid ends at its zero", Bytes(16, 1), Bytes(16, 1), 1, L"12", "abc" + std::string(40, '\0') + "d", true,
-         16 + 3},
+        {"uuid ends at its zero", key, key, 1, L"12", "abc" + std::string(40, '\0') + "d", true, 16 + 3},
         {"key beyond its field", Bytes(32, 1), Bytes(32, 1), 1, L"11", "uuid", true, 0},
-        {"short key in the long field", Bytes(16, 1), Bytes(16, 1), 3, L"11", "uuid", true, 16 + 4},
-        {"other key type", Bytes(16, 1), Bytes(16, 1), 2, L"11", "uuid", true, 0},
-        {"other data type", Bytes(16, 1), Bytes(16, 1), 1, L"13", "uuid", true, 0},
-        {"digest of another key", Bytes(16, 1), Bytes(16, 2), 1, L"11", "uuid", false, 0},
+        {"short key in the long field", key, key, 3, L"11", "uuid", true, 16 + 4},
+        {"other key type", key, key, 2, L"11", "uuid", true, 0},
+        {"other data type", key, key, 1, L"13", "uuid", true, 0},
+        {"digest of another key", key, Bytes(16, 2), 1, L"11", "uuid", false, 0},
         {"failed decryption with its digest", {}, {0}, 1, L"11", "uuid", true, 0},
     };
     for (const auto& row : rows) {
-        std::memset(&m_record, 0, sizeof(m_record));
+        m_record = {};
         const std::string encrypted = row.key.empty() ? "AAAA" : KeyServerPeer::Wrap(kTemporaryKey, row.key);
         const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(row.digestOf));
         EXPECT_EQ(
             UserSyncKeyServiceAccess::Encode(encrypted, digest, row.uuid, row.keyType, kTemporaryKey, row.dataType),
             row.result)
             << row.name;
-        const auto* const bytes = reinterpret_cast<const unsigned char*>(&m_record);
-        const auto zeros = std::count(bytes, bytes + sizeof(m_record), 0);
-        EXPECT_EQ(sizeof(m_record) - static_cast<std::size_t>(zeros), row.changedBytes) << row.name;
+        EXPECT_EQ(sizeof(m_record) - Zeros(m_record), row.changedBytes) << row.name;
     }
-    std::memset(&m_record, 0, sizeof(m_record));
-    const std::string encrypted = KeyServerPeer::Wrap(kTemporaryKey, Bytes(16, 1));
-    const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(Bytes(16, 1)));
+    m_record = {};
+    const std::string encrypted = KeyServerPeer::Wrap(kTemporaryKey, key);
+    const std::string digest = KeyServerPeer::Wrap(kTemporaryKey, DigestOf(key));
     // Changed in a bit that counts: the last character before the padding has two that do not.
     const auto changed = [](std::string text, std::size_t at) {
         text[at] = text[at] >= 'A' && text[at] <= 'P' ? 'Q' : 'A';
         return text;
     };
+    const auto refused = [](const std::string& blob, const std::string& itsDigest) {
+        return !UserSyncKeyServiceAccess::Encode(blob, itsDigest, "u", 1, kTemporaryKey, L"11");
+    };
     for (std::size_t at = 0; at < digest.size(); ++at) {
-        EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(encrypted, changed(digest, at), "u", 1, kTemporaryKey, L"11"))
-            << at;
-        if (at < encrypted.size() - 1) {
-            EXPECT_FALSE(UserSyncKeyServiceAccess::Encode(changed(encrypted, at), digest, "u", 1, kTemporaryKey, L"11"))
-                << at;
-        }
+        EXPECT_TRUE(refused(encrypted, changed(digest, at))) << at;
+        EXPECT_TRUE(at + 1 >= encrypted.size() || refused(changed(encrypted, at), digest)) << at;
     }
     EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
 }

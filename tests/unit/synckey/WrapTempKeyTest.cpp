@@ -43,9 +43,6 @@ TEST(WrapTempKey, EveryTokenOpensAtThePeerAndNoNonceRepeats) {
         const auto opened = peer.UnwrapTemporaryKey(token, &secret);
         ASSERT_TRUE(opened) << token;
         EXPECT_EQ(*opened, kTemporaryKey);
-        EXPECT_EQ(token[123], '=');
-        EXPECT_EQ(token[122], '=');
-        EXPECT_EQ(token[184], '=');
         EXPECT_EQ(ClientKeyOf(token).substr(0, 26), header);
         leadingZeros += secret[0] == 0 ? 1 : 0;
         nonces.insert(FromUrlText(token.substr(125)).substr(0, 12));

@@ -4,31 +4,26 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
 
 }  // namespace
 
 TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
-    const std::string tag = " UserAuthService::ReportLoginTime ";
-    for (const int status : {200, 500, static_cast<int>(kHttpConnectFailed)}) {
-        Recording().replies = {{status, "[", {}}};
+    constexpr char kOperation[] = "ReportLoginTime";
+    for (const int code : {200, 500, static_cast<int>(kHttpConnectFailed)}) {
+        const std::string status = std::to_string(code);
+        Recording().replies = {{code, "[", {}}};
         m_service->ReportLoginTime("n\xC3\xA9");
-        EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2" + tag + "ReportLoginTime httpcode:" +
-                                                        std::to_string(status) + "  ReportLoginTime business:n\xC3\xA9",
-                                                    "log 10 0" + tag + "ReportLoginTime\nUrl:" + kBase +
-                                                        "postOpDesc\nHttpCode:" + std::to_string(status)}));
+        EXPECT_EQ(Recording().TakeOutcome(),
+                  Log("2", kOperation, "ReportLoginTime httpcode:" + status + "  ReportLoginTime business:n\xC3\xA9") +
+                      Log("0", kOperation, "ReportLoginTime\nUrl:" + kBase + "postOpDesc\nHttpCode:" + status));
     }
 }
 
 TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     const std::string yes = R"({"result":0,"resultMap":{"clientLogReport":"true"}})";
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
+    constexpr char kOperation[] = "RequestClientLogReport";
+    const struct : ReplyRow {
         bool flag;
     } rows[] = {
         {"server error", 500, yes, false, false},
@@ -50,29 +45,22 @@ TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     };
     for (const auto& row : rows) {
         const std::string status = std::to_string(row.status);
-        const std::string tag = " UserAuthService::RequestClientLogReport ";
-        Recording().journal.clear();
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->RequestClientLogReport(), row.result) << row.name;
-        EXPECT_EQ(m_service->GetClientLogReportStatus(), row.flag) << row.name;
-        EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2" + tag + "requestClientLogReport HttpCode: " + status,
-                                                    "log 10 0" + tag + "RequestClientLogReport\nUrl:" + kBase +
-                                                        "getUserRegister\nHttpCode:" + status}))
+        EXPECT_EQ(
+            Outcome(row, &UserAuthService::RequestClientLogReport),
+            Log("2", kOperation, "requestClientLogReport HttpCode: " + status) +
+                Log("0", kOperation, "RequestClientLogReport\nUrl:" + kBase + "getUserRegister\nHttpCode:" + status))
             << row.name;
+        EXPECT_EQ(m_service->GetClientLogReportStatus(), row.flag) << row.name;
     }
 }
 
 TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
-    const std::string tag = " UserAuthService::GetLoginDevicesHistory ";
+    constexpr char kOperation[] = "GetLoginDevicesHistory";
     const std::string four =
         R"({"opRecordList":[{"aliasName":"é\u0000x","devDisplayName":"d","deviceCategory":"c",)"
         R"("deviceId":"i","lastUpdateTime":"t","opDesc":"o","deviceType":3.7},)"
         R"({"aliasName":null,"deviceType":null,"opDesc":5},{"deviceType":"3"},{"deviceType":3000000000}]})";
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
+    const struct : ReplyRow {
         std::size_t devices;
     } rows[] = {
         {"created is a failure here", 201, four, false, 0},
@@ -87,15 +75,12 @@ TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
     };
     std::vector<DeviceTag> devices;
     for (const auto& row : rows) {
-        Recording().journal.clear();
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->GetLoginDevicesHistory(devices), row.result) << row.name;
-        EXPECT_EQ(devices.size(), row.devices) << row.name;
-        EXPECT_EQ(Recording().TakeOutcome(),
+        EXPECT_EQ(Outcome(row, [&](auto& service) { return service.GetLoginDevicesHistory(devices); }),
                   row.result
-                      ? (Lines{"log 10 0" + tag + row.body, "log 10 2" + tag + "GetLoginDevicesHistory successed!"})
-                      : Lines{"log 10 5" + tag + "Error: GetLoginDevicesHistory failed!"})
+                      ? Log("0", kOperation, row.body) + Log("2", kOperation, "GetLoginDevicesHistory successed!")
+                      : Log("5", kOperation, "Error: GetLoginDevicesHistory failed!"))
             << row.name;
+        EXPECT_EQ(devices.size(), row.devices) << row.name;
     }
     const DeviceTag& full = devices[0];
     EXPECT_EQ(

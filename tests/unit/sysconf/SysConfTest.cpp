@@ -7,7 +7,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
 using Modules = std::vector<std::wstring>;
 
 const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
@@ -29,19 +28,15 @@ const Modules kAll = {L"Contacts", L"Drive", L"FindDevice", L"Gallery", L"Manage
 TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     m_service->SetCurrrentUserID(L"me");
     m_service->SetCurrentAT(L"at");
-    UserAuthServiceAccess::SetCountry(*m_service, L"T\"H");
+    UserAuthServiceAccess::Country(*m_service) = L"T\"H";
     const auto sent = [](const std::string& path, const std::string& operation, const std::string& body, bool sysConf) {
         const std::string hook = " UserAuthService::" + operation + "::<lambda_";
-        Lines lines = {"http SetUrl " + kBase + path,     "http SetHttpRequestMethod 1", "http SetPostData " + body,
-                       "http SetHeaders me 104862915 at", "http SetCertPath ",           "http SetLogFunction "};
-        if (sysConf) {
-            lines.insert(lines.end(), {"http SetErrorLogFunction ", "http GetHeaders ", "http SetHeaders 2"});
-        }
-        lines.insert(lines.end(), {"http Request -1", "log 10 0" + hook + "1>::operator () progress text"});
-        if (sysConf) {
-            lines.push_back("log 10 5" + hook + "2>::operator () error text");
-        }
-        return lines;
+        const auto only = [](bool wanted, const Lines& lines) { return wanted ? lines : Lines(); };
+        return Lines{"http SetUrl " + kBase + path,     "http SetHttpRequestMethod 1", "http SetPostData " + body,
+                     "http SetHeaders me 104862915 at", "http SetCertPath ",           "http SetLogFunction "} +
+               only(sysConf, {"http SetErrorLogFunction ", "http GetHeaders ", "http SetHeaders 2"}) +
+               Lines{"http Request -1", "log 10 0" + hook + "1>::operator () progress text"} +
+               only(sysConf, {"log 10 5" + hook + "2>::operator () error text"});
     };
     const std::string country = R"({"country": "T"H"})";
     const std::string description =
@@ -64,7 +59,6 @@ TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
         Recording().journal.resize(row.sent.size());
         EXPECT_EQ(Recording().journal, row.sent);
     }
-    using Headers = std::map<std::wstring, std::wstring>;
     m_service->InitSysConf();
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"standard", L"set"}, {L"x-zv-active-method", L"manual"}}));
     Recording().standardHeaders = {{L"x-zv-active-method", L"kept"}};
@@ -72,18 +66,15 @@ TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"x-zv-active-method", L"kept"}}));
 }
 
-TEST_F(ServiceTest, BasicServiceRequestsHoldNoLockAndLetNothingOut) {
+TEST_F(ServiceTest, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
     std::vector<DeviceTag> devices;
     const std::pair<std::function<bool()>, std::size_t> operations[] = {
         {[&] { return m_service->InitSysConf(); }, 3},
         {[&] { return m_service->ActiveUser(); }, 2},
         {[&] { return m_service->RequestClientLogReport(); }, 2},
-        {[&] {
-             m_service->ReportLoginTime("b");
-             return false;
-         },
-         2},
+        {[&] { return m_service->ReportLoginTime("b"), false; }, 2},
         {[&] { return m_service->GetLoginDevicesHistory(devices); }, 1},
+        {[&] { return m_service->RequestAT("", "code"); }, 3},
         {[&] { return m_service->ExportContracts(L"https://h/e", L"Z:\\absent\\file", {}); }, 1},
     };
     for (const auto& [operation, lines] : operations) {
@@ -95,18 +86,13 @@ TEST_F(ServiceTest, BasicServiceRequestsHoldNoLockAndLetNothingOut) {
         EXPECT_FALSE(operation());
         EXPECT_EQ(Recording().TakeOutcome().size(), lines) << "the lines of an exchange that did not take place";
     }
-    Recording().duringExchange = nullptr;
 }
 
 TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
     const std::string on = AllSwitches("\"true\"");
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
-        bool available;
-        bool active;
+    const Modules drive = {L"Drive"};
+    const struct : ReplyRow {
+        bool available, active;
         Modules modules;
     } rows[] = {
         {"nothing yet", 500, on, false, false, false, {}},
@@ -118,13 +104,8 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"booleans", 201, AllSwitches("true"), true, true, true, kAll},
         {"capitals", 200, AllSwitches("\"True\""), true, false, true, {}},
         {"mistyped", 200, AllSwitches("{\"true\":true}"), true, false, true, {}},
-        {"refused, activation stays",
-         200,
-         R"({"result":1,"userStatus":0,"params":{"funcfg_drive":"true"}})",
-         true,
-         false,
-         true,
-         {L"Drive"}},
+        {"refused, activation stays", 200, R"({"result":1,"userStatus":0,"params":{"funcfg_drive":"true"}})", true,
+         false, true, drive},
         {"not active", 200, R"({"result":0,"userStatus":0,"params":[]})", true, false, false, {}},
         {"mistyped status", 200, R"({"result":0,"userStatus":"1","params":"true"})", true, false, false, {}},
         {"mistyped result", 200, R"({"result":"0","userStatus":1,"params":null})", true, false, false, {}},
@@ -134,8 +115,7 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"deep", 200, std::string(100'000, '['), false, false, false, {}},
     };
     for (const auto& row : rows) {
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->InitSysConf(), row.result) << row.name;
+        Outcome(row, &UserAuthService::InitSysConf);
         EXPECT_EQ(m_service->IsAvailableCountry(), row.available) << row.name;
         EXPECT_EQ(m_service->IsActiveAccount(), row.active) << row.name;
         EXPECT_EQ(m_service->GetValidModule(), row.modules) << row.name;
@@ -143,29 +123,25 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
 }
 
 TEST_F(ServiceTest, SysConfOperationsLog) {
-    const std::string tag = " UserAuthService::GetSysConfigInfo ";
+    constexpr char kOperation[] = "GetSysConfigInfo";
     Recording().replies = {{204, "", {}}, {503, "", {}}};
     m_service->InitSysConf();
     Lines outcome = Recording().TakeOutcome();
     ASSERT_EQ(outcome.size(), 3U);
     const std::string time = outcome.back();
-    EXPECT_EQ(time.rfind("log 0 2" + tag + "--Request basic use time: ", 0), 0U) << time;
+    EXPECT_EQ(time.rfind("log 0 2 UserAuthService::GetSysConfigInfo --Request basic use time: ", 0), 0U) << time;
     EXPECT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
     outcome.pop_back();
-    EXPECT_EQ(outcome, (Lines{"log 10 2" + tag + "GetSysConfigInfo httpcode:204",
-                              "log 10 0" + tag + "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"}));
+    EXPECT_EQ(outcome, Log("2", kOperation, "GetSysConfigInfo httpcode:204") +
+                           Log("0", kOperation, "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"));
     m_service->ActiveUser();
-    EXPECT_EQ(Recording().TakeOutcome(), (Lines{"log 10 2 UserAuthService::ActiveUser ActiveUser httpcode:503",
-                                                "log 10 0 UserAuthService::ActiveUser ActiveUser\nUrl:" + kBase +
-                                                    "sysConfRefresh\nHttpCode:503"}));
+    EXPECT_EQ(Recording().TakeOutcome(),
+              Log("2", "ActiveUser", "ActiveUser httpcode:503") +
+                  Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBase + "sysConfRefresh\nHttpCode:503"));
 }
 
 TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
-    const struct {
-        const char* name;
-        int status;
-        std::string body;
-        bool result;
+    const struct : ReplyRow {
         bool active;
     } rows[] = {
         {"refused", 403, R"({"result":0,"userStatus":1})", false, false},
@@ -180,8 +156,7 @@ TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
         {"taken back", 200, R"({"result":0,"userStatus":2})", true, false},
     };
     for (const auto& row : rows) {
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->ActiveUser(), row.result) << row.name;
+        Outcome(row, &UserAuthService::ActiveUser);
         EXPECT_TRUE(m_service->GetValidModule().empty()) << row.name;
         EXPECT_EQ(m_service->IsActiveAccount(), row.active) << row.name;
     }

@@ -28,12 +28,13 @@ std::wstring LegacyItem(std::string plaintext) {
 TEST_F(ServiceTest, GetOldVersionUserIdTakesTheLegacySignInOver) {
     std::wstring damaged = LegacyItem(std::string("old") + kStamp);
     damaged[damaged.size() / 2] = damaged[damaged.size() / 2] == L'A' ? L'B' : L'A';
+    const std::string taken = std::string("old3\xC3\xA9") + "abcdefghijklmnopqrs";
+    const ScriptedReply refreshed{200, R"({"result":{},"token":"at"})", {}};
     const struct {
         const char* name;
         std::wstring item;
         std::vector<ScriptedReply> replies;
-        const wchar_t* userId;
-        const wchar_t* refreshToken;
+        const wchar_t *userId, *refreshToken;
         std::size_t requests;
     } rows[] = {
         {"no item", L"", {}, L"", L"", 0},
@@ -45,19 +46,8 @@ TEST_F(ServiceTest, GetOldVersionUserIdTakesTheLegacySignInOver) {
         {"a zero byte ends it", LegacyItem(std::string("a\0", 2) + kStamp), {}, L"", L"", 0},
         {"one byte more, no UTF-8", LegacyItem(std::string("\xFF") + kStamp), {{401, "", {}}}, L"", L"\uFFFD", 1},
         {"refresh refused", LegacyItem(std::string("old1") + kStamp), {{401, "", {}}}, L"", L"old1", 1},
-        {"no user id",
-         LegacyItem(std::string("old2") + kStamp),
-         {{200, R"({"result":{},"token":"at"})", {}}, {403, "", {}}},
-         L"",
-         L"old2",
-         2},
-        {"taken over",
-         LegacyItem("old3\xC3\xA9"
-                    "abcdefghijklmnopqrs"),
-         {{200, R"({"result":{},"token":"at"})", {}}, {200, R"({"uid":"42"})", {}}},
-         L"42",
-         L"old3\u00E9",
-         2},
+        {"no user id", LegacyItem(std::string("old2") + kStamp), {refreshed, {403, "", {}}}, L"", L"old2", 2},
+        {"taken over", LegacyItem(taken), {refreshed, {200, R"({"uid":"42"})", {}}}, L"42", L"old3\u00E9", 2},
     };
     for (const auto& row : rows) {
         m_service->Clear();

@@ -1,41 +1,27 @@
 #include "ServiceFixture.h"
 
 TEST_F(ServiceTest, RequestApplicationATOutcomes) {
-    const std::string tag = " UserAuthService::RequestApplicationAT ";
-    const std::string succeeded = "log 10 2" + tag + "Get ApplyAT successed!";
-    const std::string failed = "log 10 5" + tag + "Get ApplyAT Failed! httpcode = ";
-    const struct {
-        const char* name;
-        int status;
-        const char* body;
-        bool result;
-        std::vector<std::string> outcome;
+    const auto stored = [](const std::string& token) {
+        return Store("SetAppAT", token) + Log("2", "RequestApplicationAT", "Get ApplyAT successed!");
+    };
+    const struct : ReplyRow {
+        Lines stored;
         const char* code;
         int expires;
     } rows[] = {
-        {"good",
-         200,
-         R"({"accessToken":"app","expires":7200,"result":{"code":"0"}})",
-         true,
-         {"store SetAppAT app", succeeded, failed + "200"},
-         "\"0\"\n",
+        {"good", 200, R"({"accessToken":"app","expires":7200,"result":{"code":"0"}})", true, stored("app"), "\"0\"\n",
          7200},
-        {"not found", 404, "{}", false, {failed + "404"}, "\"0\"\n", 7200},
-        {"number as code, ANSI token",
-         200,
-         "{\"accessToken\":\"\xC3\xA9\",\"result\":{\"code\":0}}",
-         true,
-         {"store SetAppAT \xC3\x83\xC2\xA9", succeeded, failed + "200"},
-         "0\n",
-         0},
-        {"nothing usable", 200, "[1]", true, {"store SetAppAT ", succeeded, failed + "200"}, "null\n", 0},
+        {"not found", 404, "{}", false, {}, "\"0\"\n", 7200},
+        {"number as code, ANSI token", 200, "{\"accessToken\":\"\xC3\xA9\",\"result\":{\"code\":0}}", true,
+         stored("\xC3\x83\xC2\xA9"), "0\n", 0},
+        {"nothing usable", 200, "[1]", true, stored(""), "null\n", 0},
     };
     m_service->SetCurrentAT(L"user token");
     for (const auto& row : rows) {
-        Recording().journal.clear();
-        Recording().replies = {{row.status, row.body, {}}};
-        EXPECT_EQ(m_service->RequestApplicationAT(), row.result) << row.name;
-        EXPECT_EQ(Recording().TakeOutcome(), row.outcome) << row.name;
+        EXPECT_EQ(Outcome(row, &UserAuthService::RequestApplicationAT),
+                  row.stored +
+                      Log("5", "RequestApplicationAT", "Get ApplyAT Failed! httpcode = " + std::to_string(row.status)))
+            << row.name << ": the last line comes after a success too";
         EXPECT_EQ(UserAuthServiceAccess::ResultCode(*m_service), row.code) << row.name;
         EXPECT_EQ(UserAuthServiceAccess::ApplicationExpires(*m_service), row.expires) << row.name;
     }

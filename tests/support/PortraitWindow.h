@@ -1,0 +1,32 @@
+#pragma once
+
+#include <ParamStore.h>
+#include <windows.h>
+
+// The client's main window for as long as it lives; it keeps the messages about portraits for its thread.
+class PortraitWindow {
+public:
+    PortraitWindow() { GlobalParamWrapper::GetInstance()->SetMainWnd(m_window); }
+    ~PortraitWindow() {
+        GlobalParamWrapper::GetInstance()->SetMainWnd(nullptr);
+        DestroyWindow(m_window);
+    }
+    PortraitWindow(const PortraitWindow&) = delete;
+    PortraitWindow& operator=(const PortraitWindow&) = delete;
+
+    // Takes one message, for which it waits 15 seconds.
+    bool MessageArrives() {
+        constexpr UINT kPortraitChanged = 0x0C87;
+        MSG message{};
+        for (int tries = 0; tries < 3000; ++tries) {
+            if (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
+                return true;
+            }
+            Sleep(5);
+        }
+        return false;
+    }
+
+private:
+    HWND m_window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+};
