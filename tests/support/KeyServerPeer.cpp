@@ -50,7 +50,7 @@ std::string KeyServerPeer::PublicKeyText() const {
     unsigned char* der = nullptr;
     const int length = i2d_PUBKEY(m_key.get(), &der);
     EXPECT_EQ(length, 91);
-    const std::string text = Encode(Bytes(der, der + length));
+    std::string text = Encode(Bytes(der, der + length));
     OPENSSL_free(der);
     return text;
 }

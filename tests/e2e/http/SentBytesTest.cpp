@@ -13,7 +13,7 @@ TEST(HttpRequest, BytesOnTheWire) {
         std::string notSent;
         BasicHttpLibStrategy::HeaderMap headers = {};
         bool post = false;
-        std::wstring postData = L"";
+        std::wstring postData = {};
         std::wstring path = L"/";
     };
     const std::wstring largeBody(2 * 1024 * 1024, L'x');

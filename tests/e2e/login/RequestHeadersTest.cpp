@@ -1,3 +1,7 @@
+#include <UserSyncKeyService.h>
+
+#include <sstream>
+
 #include "HttpCall.h"
 #include "SandboxSession.h"
 
@@ -14,7 +18,84 @@ namespace {
 
 using HeaderMap = std::map<std::wstring, std::wstring>;
 
+// A request as the sandbox received it, to be sent again.
+struct RecordedRequest {
+    std::string method;
+    std::string target;
+    HeaderMap headers;  // without those that the HTTP library adds by itself
+    std::string body;
+
+    explicit RecordedRequest(const Json::Value& recorded) : body(recorded["body"].asString()) {
+        std::istringstream head(recorded["head"].asString());
+        std::string line;
+        head >> method >> target;
+        std::getline(head, line);
+        while (std::getline(head, line) && line.size() > 1) {
+            const std::size_t colon = line.find(':');
+            const std::string name = line.substr(0, colon);
+            const std::string value = line.size() > colon + 3 ? line.substr(colon + 2, line.size() - colon - 3) : "";
+            if (name != "Content-Length" && value != "*/*" &&
+                (name != "Host" || value.find(':') == std::string::npos)) {
+                headers[Wide(name)] = Wide(value);
+            }
+        }
+    }
+
+    int SendTo(const SandboxServer& sandbox, const HeaderMap& otherHeaders, const std::string& otherBody,
+               const std::string& query = "") const {
+        HttpCall call(sandbox.Url(target + query), otherHeaders);
+        return method == "POST" ? call.Post(Wide(otherBody), 20) : call.Send(20);
+    }
+};
+
 }  // namespace
+
+// The real requests, each with one thing wrong: every header missing or changed, one too many, another query or body.
+TEST_F(SandboxSession, EveryEndpointRefusesWhatIsNotQuiteRight) {
+    SignInWhole();
+    UserSyncKeyService keys;
+    std::vector<DeviceTag> devices;
+    EXPECT_TRUE(keys.InitUserSyncKey() && m_service->RequestUserID() && m_service->RequestUserInfo() &&
+                m_service->UpdateRegistInfo() && m_service->GetAccessTokenByRefrshToken() &&
+                m_service->RequestApplicationAT() && m_service->InitSysConf() && m_service->ActiveUser() &&
+                m_service->RequestClientLogReport() && m_service->GetLoginDevicesHistory(devices))
+        << LogText();
+    m_service->ReportLoginTime("b");
+    EXPECT_TRUE(m_service->ExportContracts(m_sandbox.Url("/contacts/v1/export"), (m_folder / "c").wstring(),
+                                           m_sandbox.PortalCookies()));
+    keys.ClearUserSyncKey();
+    const std::string pc = "/KeCloudUserFoundationService/PC/";
+    const std::string keyService = "/KeCloudUserInformationService/v1/";
+    for (const std::string& endpoint :
+         {std::string("/pcclient/refreshtoken"), std::string("/pcclient/getAppAccessToken"),
+          std::string("/pcclient/getRegisterInfo"), std::string("/gateway"), std::string("/drive/v1/about"),
+          keyService + "users", keyService + "keys/publicKey", keyService + "keys", pc + "sysConfInit",
+          pc + "sysConfRefresh", pc + "getUserRegister", pc + "postOpDesc", pc + "getLastOperationRecord",
+          std::string("/contacts/v1/export")}) {
+        const RecordedRequest request(m_sandbox.Control("/sandbox/last-request?endpoint=" + endpoint));
+        ASSERT_EQ(request.SendTo(m_sandbox, request.headers, request.body), 200) << endpoint << " as it was";
+        HeaderMap more = request.headers;
+        more[L"x-zv-extra"] = L"1";
+        EXPECT_GE(request.SendTo(m_sandbox, more, request.body), 400) << endpoint << " with one more header";
+        const char* const another = request.target.find('?') == std::string::npos ? "?a=b" : "&a=b";
+        EXPECT_GE(request.SendTo(m_sandbox, request.headers, request.body, another), 400) << endpoint << another;
+        if (request.method == "POST") {
+            EXPECT_GE(request.SendTo(m_sandbox, request.headers, request.body + " "), 400)
+                << endpoint << " and a blank";
+            EXPECT_GE(request.SendTo(m_sandbox, request.headers, ""), 400) << endpoint << " without its body";
+        }
+        for (const auto& [name, value] : request.headers) {
+            HeaderMap headers = request.headers;
+            // Any text up to 250 characters is a good device name.
+            headers[name] = name == L"x-zv-device-name" ? std::wstring(251, L'x') : L"x" + value;
+            // A refresh token that nobody issued is answered, without a token: the person has to sign in again.
+            EXPECT_GE(request.SendTo(m_sandbox, headers, request.body), name == L"refreshToken" ? 200 : 400)
+                << endpoint << " x" << Narrow(name);
+            headers.erase(name);
+            EXPECT_GE(request.SendTo(m_sandbox, headers, request.body), 400) << endpoint << " -" << Narrow(name);
+        }
+    }
+}
 
 // The sandbox's checks are what shows in every other test that the requests are right.
 TEST_F(SandboxSession, ThePortalRefusesWhatIsNotQuiteRight) {

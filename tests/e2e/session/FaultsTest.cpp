@@ -143,7 +143,7 @@ TEST_F(Faults, FailTheirOperationOnlyAndAreLogged) {
     }
 }
 
-// All servers at once, so that the 30 seconds are waited for only once, and meanwhile the keys' servers have much to do.
+// All servers at once, so that the 30 seconds are waited for only once; meanwhile the keys' servers have much to do.
 TEST_F(Faults, AStalledServerFailsItsOperationAfterTheStallLimitAndHoldsUpNoOther) {
     constexpr int kRuns = 1000;
     ASSERT_TRUE(m_service->RequestUserIdFromSyncServer());

@@ -217,7 +217,7 @@ private:
 // The short form; "./dev soak" sets the number of operations.
 TEST_F(Soak, SixteenThreadsShareOneSession) {
     const char* const wanted = std::getenv("USERAUTH_SOAK_OPERATIONS");
-    const int operations = wanted == nullptr ? 400 : std::atoi(wanted);
+    const int operations = wanted == nullptr ? 400 : static_cast<int>(std::strtol(wanted, nullptr, 10));
     ASSERT_GT(operations, 0);
     m_cookies = m_sandbox.PortalCookies();
     const DWORD threadsAtRest = Resources::Now().threads;
