@@ -28,7 +28,7 @@ constexpr CommandRow kCommands[] = {
      "look up what goes with the account's registration place"},
     {Command::kModules, "modules", "", Needs::kUserId,
      "fetch the system configuration: is the client available, which modules are on"},
-    {Command::kActivate, "activate", "", Needs::kUserId, "ask the platform to look at the account's activation again"},
+    {Command::kActivate, "activate", "", Needs::kUserId, "have the platform refresh the account's activation"},
     {Command::kReport, "report", "", Needs::kUserId,
      "report that the data of a business is initialised (drive, or that of --business),\n"
      "and ask whether client logs are wanted"},
