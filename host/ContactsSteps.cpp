@@ -1,11 +1,13 @@
 #include <ParamStore.h>
 #include <UserAuthService.h>
+#include <windows.h>
 
 #include <fstream>
 
 #include "FieldText.h"
 #include "GrowingFile.h"
 #include "JsonObject.h"
+#include "RenameOver.h"
 #include "SandboxControl.h"
 #include "Session.h"
 #include "TextEncoding.h"
@@ -49,7 +51,10 @@ ContactsSource SourceOf(const SessionState& state) {
 class PartFile {
 public:
     // Deletes what an earlier try left.
-    explicit PartFile(std::filesystem::path wanted) : m_path(std::move(wanted += L".part")) { Delete(); }
+    explicit PartFile(std::filesystem::path wanted)
+        : m_path(std::move(wanted += L"." + std::to_wstring(GetCurrentProcessId()) + L".part")) {
+        Delete();
+    }
     ~PartFile() { Delete(); }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
@@ -67,8 +72,7 @@ public:
         if (std::filesystem::exists(before) && (before.permissions() & perms::owner_write) == perms::none) {
             return false;
         }
-        std::filesystem::rename(m_path, wanted, error);
-        return !error;
+        return RenameOver(m_path, wanted);
     }
 
 private:
@@ -99,7 +103,7 @@ std::string FaultOf(bool exported, const VcardFile& contacts, const std::filesys
         return SeeLog("the download failed, " + Bytes(contacts.read ? contacts.bytes : 0) + " came");
     }
     if (!contacts.read) {
-        return "PATH.part cannot be written: is its folder writable?";
+        return "the download's file beside PATH cannot be written: is its folder writable?";
     }
     if (IsDiskFull(part)) {
         return "the disk is full, or nearly so: contacts may be missing";
@@ -123,7 +127,7 @@ StepResult Export(SessionState& state, const std::filesystem::path& file) {
     const PartFile part(file);
     const std::vector<std::pair<std::string, std::string>> path = {{"path", ToUtf8(file.wstring())}};
     if (part.Exists()) {
-        return {false, "the file of an earlier try, PATH.part, cannot be deleted", path};
+        return {false, "the file of an earlier try cannot be deleted", path};
     }
     const bool exported = Download(state, source, part.Path());
     const VcardFile contacts = ReadVcardFile(part.Path());

@@ -4,9 +4,11 @@
 
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "ExitCode.h"
 #include "JsonObject.h"
+#include "RenameOver.h"
 #include "SystemError.h"
 #include "TextEncoding.h"
 
@@ -18,26 +20,20 @@ constexpr char kClientId[] = "104862915";
 
 constexpr wchar_t kMutexName[] = L"Local\\UserAuthHostSdkConfiguration";
 constexpr DWORD kLongestTurnMilliseconds = 30000;
-constexpr int kRenameAttempts = 20;
-constexpr DWORD kRenamePauseMilliseconds = 50;
 
+// Nothing when there is no file. Throws when there is one that cannot be read, which must not be taken for absent: it
+// would be lost.
 std::optional<std::string> ReadFile(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error) {
         return std::nullopt;
     }
-    return std::string((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-}
-
-// Somebody else may have the old file open for a moment: the SDK of another program, or a virus scanner.
-bool Replace(const std::filesystem::path& fresh, const std::filesystem::path& file) {
-    std::error_code error;
-    std::filesystem::rename(fresh, file, error);
-    for (int attempt = 1; error && attempt < kRenameAttempts; ++attempt) {
-        Sleep(kRenamePauseMilliseconds);
-        std::filesystem::rename(fresh, file, error);
+    std::ifstream stream(file, std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    if (!stream.is_open() || stream.bad()) {
+        throw HostError(kExitStepFailed, "cannot read " + ToUtf8(file.wstring()));
     }
-    return !error;
+    return text;
 }
 
 // By way of a second file: a reader at the same moment sees the old text or the new one.
@@ -47,7 +43,7 @@ bool WriteFile(const std::filesystem::path& file, const std::string& text) {
     std::ofstream stream(fresh, std::ios::binary | std::ios::trunc);
     stream << text;
     stream.close();
-    const bool replaced = stream && Replace(fresh, file);
+    const bool replaced = stream && RenameOver(fresh, file);
     if (!replaced) {
         std::error_code ignored;
         std::filesystem::remove(fresh, ignored);
@@ -62,7 +58,10 @@ SdkConfiguration::Turn::Turn() : m_mutex(CreateMutexW(nullptr, FALSE, kMutexName
         FailWithSystemError("cannot take turns at the account SDK's configuration", GetLastError());
     }
     const DWORD waited = WaitForSingleObject(m_mutex.get(), kLongestTurnMilliseconds);
-    if (waited != WAIT_OBJECT_0 && waited != WAIT_ABANDONED) {
+    if (waited == WAIT_FAILED) {
+        FailWithSystemError("cannot wait for the account SDK's configuration", GetLastError());
+    }
+    if (waited == WAIT_TIMEOUT) {
         throw HostError(kExitStepFailed, "another userauth keeps the account SDK's configuration for over 30 s");
     }
 }
@@ -89,12 +88,18 @@ SdkConfiguration::SdkConfiguration(std::filesystem::path file, const std::string
 }
 
 SdkConfiguration::~SdkConfiguration() {
-    std::error_code ignored;
-    if (m_changed && m_before) {
-        WriteFile(m_file, *m_before);
-    } else if (m_changed) {
-        std::filesystem::remove(m_file, ignored);
+    try {
+        Restore();
+    } catch (const std::exception&) {  // no memory: the file keeps our URL, as after a program that was killed
     }
+}
+
+bool SdkConfiguration::Restore() {
+    if (!std::exchange(m_changed, false)) {
+        return true;
+    }
+    std::error_code error;
+    return m_before ? WriteFile(m_file, *m_before) : std::filesystem::remove(m_file, error);
 }
 
 }  // namespace host

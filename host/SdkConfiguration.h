@@ -10,13 +10,18 @@ namespace host {
 
 // The account SDK's configuration file with a "platform_url" of ours while this lives: from before the SDK is
 // initialised, which is when it reads the file, until afterwards. A missing "client_id" or file is added; other members
-// and comments stay; at last the file is what it was. Programs started at once share it: each waits for its turn. To be
-// destroyed on the thread that made it.
+// and comments stay; at last the file is what it was, unless the program was killed meanwhile. Programs started at once
+// share it: each waits for its turn. To be destroyed on the thread that made it.
 class SdkConfiguration {
 public:
-    // Throws HostError when the file holds something else or cannot be written, or the turn does not come in 30 s.
+    // Throws HostError when the file holds something else, cannot be read or written, or the turn does not come in 30
+    // s.
     SdkConfiguration(std::filesystem::path file, const std::string& platformUrl);
     ~SdkConfiguration();
+
+    // Puts the file back, once; false when that failed. The destructor does it otherwise.
+    bool Restore();
+
     SdkConfiguration(const SdkConfiguration&) = delete;
     SdkConfiguration& operator=(const SdkConfiguration&) = delete;
 

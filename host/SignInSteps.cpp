@@ -56,9 +56,11 @@ std::string SdkPlatformUrl(const SessionState& state) {
 
 StepResult ConfigureSdk(SessionState& state) {
     const std::string url = SdkPlatformUrl(state);
-    if (url.rfind("https://", 0) == 0) {
-        throw HostError(kExitUsage, "the account SDK speaks http only, not " + url +
-                                        ": give it an http URL of the platform with --sdk-platform");
+    // The sandbox's SDK speaks http only, and what another one wants is its own business.
+    if (state.options.sdkPlatformUrl.empty() && url.rfind("https://", 0) == 0) {
+        return {true,
+                "ZMSCoreConfig.json stays as it is, since the platform is https: --sdk-platform URL puts a URL in",
+                {}};
     }
     state.sdkConfiguration.reset();  // a turn is taken once
     state.sdkConfiguration = std::make_unique<SdkConfiguration>(ServiceFolder() / "ZMSCoreConfig.json", url);
@@ -67,9 +69,14 @@ StepResult ConfigureSdk(SessionState& state) {
 
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
+    const bool restored = !state.sdkConfiguration || state.sdkConfiguration->Restore();
     state.sdkConfiguration.reset();
     state.sdkInitialised = code == 0;
     StepResult result = SdkResult("InitZms", code);
+    if (!restored) {
+        result.ok = false;
+        result.detail += ", ZMSCoreConfig.json could not be put back";
+    }
     const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
     result.ok = result.ok && startSend;
     result.detail += std::string(", start-send flag ") + (startSend ? "set" : "not set");

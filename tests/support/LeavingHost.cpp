@@ -10,7 +10,7 @@
 //
 //   return, exit-process   ends the process, with exit code 42
 //   unload                 unloads the service: 42 when it stays loaded while the download runs and goes away
-// afterwards
+//                          afterwards
 
 class UserAuthService;
 

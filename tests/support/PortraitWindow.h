@@ -18,13 +18,14 @@ public:
     bool MessageArrives() {
         constexpr UINT kPortraitChanged = 0x0C87;
         MSG message{};
-        for (int tries = 0; tries < 3000; ++tries) {
-            if (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
-                return true;
+        const ULONGLONG deadline = GetTickCount64() + 15000;
+        while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) == FALSE) {
+            if (GetTickCount64() > deadline) {
+                return false;
             }
             Sleep(5);
         }
-        return false;
+        return true;
     }
 
 private:

@@ -101,7 +101,10 @@ void RawServer::Run() {
         }
         if (FD_ISSET(m_listener, &readable)) {
             const std::lock_guard<std::mutex> hold(m_lock);
-            m_connections.push_back({accept(m_listener, nullptr, nullptr), {}});
+            const SOCKET accepted = accept(m_listener, nullptr, nullptr);
+            if (accepted != INVALID_SOCKET) {
+                m_connections.push_back({accepted, {}});
+            }
         }
     }
 }

@@ -179,7 +179,7 @@ TEST_F(SessionLife, HostsLeaveDuringADownload) {
         EXPECT_LT(GetTickCount64() - start, 5000U);
     }
     UsePlatform(m_sandbox.m_http);
-    EXPECT_GT(m_sandbox.Requests(kPhoto), kExits / 2) << "most hosts left during the download, not before it";
+    EXPECT_GT(m_sandbox.Requests(kPhoto), kExits / 4) << "hosts left during the download, not before it";
 
     m_sandbox.Fault(kPhoto, R"({"stallAfter":10,"stallMs":1500})");
     ChildProcess unloading(L"leaving-host.exe", arguments(L"unload"));
