@@ -14,8 +14,8 @@ namespace host {
 // share it: each waits for its turn. To be destroyed on the thread that made it.
 class SdkConfiguration {
 public:
-    // Throws HostError when the file holds something else, cannot be read or written, or the turn does not come in 30
-    // s.
+    // Throws HostError when the file holds something else or cannot be read or written, or when the turn does not come
+    // in 30 s.
     SdkConfiguration(std::filesystem::path file, const std::string& platformUrl);
     ~SdkConfiguration();
 
