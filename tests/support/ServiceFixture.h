@@ -112,6 +112,11 @@ protected:
         m_service = UserAuthServiceAccess::Make();
         Recording().journal.clear();
     }
+    // What a test hung in refers to its own variables.
+    ~ServiceTest() override {
+        Recording().duringExchange = nullptr;
+        Recording().duringPush = [] {};
+    }
 
     // What the operation leaves in the journal after the row's reply; see SuiteRecording::TakeOutcome.
     template <typename Operation>
