@@ -2,11 +2,11 @@
 
 #include <exception>
 
-#include "CommandLine.h"
-#include "Console.h"
-#include "ExitCode.h"
-#include "InvalidParameterHandler.h"
-#include "Session.h"
+#include "RunSession.h"
+#include "commandline/CommandLine.h"
+#include "system/HostError.h"
+#include "system/InvalidParameterHandler.h"
+#include "text/Console.h"
 
 namespace host {
 namespace {

@@ -1,5 +1,6 @@
 # Reads the project's C++ files and prints every #include that the plan of rooms does not allow, as FILE:LINE: reason.
-# A room is a folder; arrows between rooms point downwards only. Input: -v files="list of all files", then the files.
+# A room is a folder; arrows between rooms point downwards only, and a room without a floor is an error.
+# Input: -v files="list of all files", then the files.
 
 BEGIN {
   count = split(files, paths, "\n")
@@ -11,10 +12,15 @@ BEGIN {
   sees["suite/include"] = ""
   sees["suite/platform"] = ""
   sees["suite"] = "suite/include suite/platform"
-  sees["src/core"] = "include suite/include"
-  sees["src/request"] = "include suite/include src/core"
-  sees["src/other"] = "include suite/include src/core src/request"
+  sees["src"] = "include suite/include"
   sees["host"] = "include suite/include"
+  sees["sandbox/accountsdk"] = "sandbox"
+  sees["sandbox/server"] = "sandbox"
+
+  # Wing -> its rooms from the ground up, one floor a number. A room sees those of the floors beneath it.
+  floors("src", "core 1, request 2, token 3, profile 3, sysconf 3, accountsdk 3, synckey 3, contacts 3")
+  floors("host", "system 1, text 1, platform 2, commandline 2, session 3, steps 4")
+  floors("sandbox/server", "crypto 1, http 2, state 2, checks 3, token 4, profile 4, sysconf 4, synckey 4, contacts 4")
 
   # Area -> libraries whose headers it may not include, as the start of a header's name in small letters.
   shuns["include"] = "json/ openssl/ curl/ windows.h"
@@ -25,14 +31,27 @@ BEGIN {
   shuns["host"] = "curl/ spdlog/ fmt/ httplib.h openssl/"
 }
 
+function floors(wing, plan,   rooms, words, i) {
+  top[wing] = 99
+  for (i = split(plan, rooms, ", "); i > 0; i--) {
+    split(rooms[i], words, " ")
+    floor[wing "/" words[1]] = words[2]
+  }
+}
+
 function room_of(path, part) {
   split(path, part, "/")
-  if (path ~ /^suite\/include\//) return "suite/include"
-  if (path ~ /^(src|suite)\/[^\/]+\//) return part[1] "/" part[2]
+  if (path ~ /^sandbox\/[^\/]+\/[^\/]+\//) return part[1] "/" part[2] "/" part[3]
+  if (path ~ /^(src|suite|host|sandbox)\/[^\/]+\//) return part[1] "/" part[2]
   return part[1]
 }
 
 function area_of(room) { return room == "suite/include" ? room : substr(room, 1, index(room "/", "/") - 1) }
+
+# The part of the project that is built from one set of floors.
+function wing_of(room) { return room ~ /^sandbox\/server/ ? "sandbox/server" : room ~ /^sandbox\// ? room : area_of(room) }
+
+function floor_of(room) { return room in floor ? floor[room] : room in top ? top[room] : 0 }
 
 function has(list, word) { return index(" " list " ", " " word " ") > 0 }
 
@@ -52,11 +71,10 @@ function resolve(from, name, quoted,   path, found, i) {
 }
 
 function allowed(from, to) {
-  if (from == to || from == "tests" || from == "bench" || from == "src") return 1
-  if (area_of(from) == "sandbox") return area_of(to) == "sandbox"
+  if (from == to || from == "tests" || from == "bench") return 1
+  if (wing_of(from) in top && wing_of(from) == wing_of(to)) return floor_of(to) > 0 && floor_of(to) < floor_of(from)
   if (from in sees) return has(sees[from], to)
-  if (area_of(from) == "src") return has(sees["src/other"], to)
-  return has(sees[area_of(from)], to)
+  return has(sees[wing_of(from)], to)
 }
 
 /^[ \t]*#[ \t]*include[ \t]*[<"]/ {

@@ -1,8 +1,8 @@
 #include "RoutingService.h"
 
-#include "HeaderInspection.h"
-#include "JsonText.h"
-#include "WireConstants.h"
+#include "checks/HeaderInspection.h"
+#include "checks/WireConstants.h"
+#include "http/JsonText.h"
 
 namespace sandbox {
 namespace {

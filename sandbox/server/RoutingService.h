@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EndpointTable.h"
+#include "http/EndpointTable.h"
 
 namespace sandbox {
 

@@ -1,8 +1,8 @@
 #include "SandboxControl.h"
 
 #include "../SignInContract.h"
-#include "ControlEndpoint.h"
-#include "WireConstants.h"
+#include "checks/WireConstants.h"
+#include "http/ControlEndpoint.h"
 
 namespace sandbox {
 namespace {

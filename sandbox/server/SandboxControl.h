@@ -1,9 +1,9 @@
 #pragma once
 
-#include "EndpointTable.h"
-#include "Faults.h"
-#include "PlatformState.h"
-#include "TrafficLog.h"
+#include "http/EndpointTable.h"
+#include "http/Faults.h"
+#include "http/TrafficLog.h"
+#include "state/PlatformState.h"
 
 namespace sandbox {
 

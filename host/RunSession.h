@@ -1,0 +1,11 @@
+#pragma once
+
+#include "commandline/CommandLine.h"
+#include "text/Console.h"
+
+namespace host {
+
+// Runs the commands and shows their steps. Returns an ExitCode; throws HostError.
+int RunSession(const Options& options, Console& console);
+
+}  // namespace host

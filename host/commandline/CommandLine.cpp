@@ -1,0 +1,166 @@
+#include "commandline/CommandLine.h"
+
+#include <windows.h>
+// After windows.h.
+#include <shellapi.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "commandline/ArgumentChecks.h"
+#include "commandline/CommandWords.h"
+#include "system/HostError.h"
+#include "system/LocalMemory.h"
+#include "text/TextEncoding.h"
+
+namespace host {
+namespace {
+
+constexpr char kDescription[] =
+    "Console host of the user-authentication service.\n"
+    "\n"
+    "Commands, run in the given order in one session (the account state lives in the process):\n";
+
+constexpr char kFooter[] =
+    "Examples:\n"
+    "  userauth demo\n"
+    "  userauth demo --https --json\n"
+    "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
+    "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
+    "  userauth migrate status --config client.json\n"
+    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie ticket=12345\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  every step succeeded\n"
+    "  1  a step failed, or no platform answers\n"
+    "  2  the arguments or a configuration file are wrong";
+
+// The texts of the arguments, before they are judged.
+struct RawOptions {
+    std::vector<std::string> commands;
+    std::vector<std::string> cookies;
+    std::string contactsUrl;
+    std::string platform;
+    std::string sdkPlatform;
+    std::string configuration;
+    std::string certificateAuthority;
+    std::string log;
+};
+
+void Describe(CLI::App& app, Options& options, RawOptions& raw) {
+    app.footer(kFooter);
+    app.allow_windows_style_options(false);  // "/" starts a path
+    app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
+    app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
+    app.add_option("--platform", raw.platform,
+                   "Base URL of the portal and all other services (gateway: /gateway below it)")
+        ->type_name("URL");
+    app.add_option("--sdk-platform", raw.sdkPlatform,
+                   "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only")
+        ->type_name("URL");
+    app.add_option("--config", raw.configuration, "Configuration file (JSON) of the parameter store")
+        ->type_name("FILE");
+    app.add_option("--certificate-authority", raw.certificateAuthority,
+                   "Trust the authorities in this PEM file instead of the system's")
+        ->type_name("FILE");
+    app.add_option("--business", options.business, "report: the business, if not drive")->type_name("NAME");
+    app.add_option("--url", raw.contactsUrl, "contacts export: where the portal has the contacts")->type_name("URL");
+    // One text an option, so that the commands after it stay commands.
+    app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
+    app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
+    app.add_option("--log", raw.log, "Write the log to this file, events to FILE.operations.jsonl")->type_name("FILE");
+    app.add_flag("--verbose", options.verbose, "Show the log on standard error");
+}
+
+bool Has(const Options& options, Command command) {
+    return std::any_of(options.commands.begin(), options.commands.end(),
+                       [command](const CommandCall& call) { return call.command == command; });
+}
+
+void JudgeReport(const Options& options) {
+    if (!options.business.empty() && !Has(options, Command::kReport)) {
+        Refuse("--business belongs to report");
+    }
+}
+
+void JudgeContacts(const RawOptions& raw, Options& options) {
+    options.contactsUrl = raw.contactsUrl.empty() ? "" : CheckedUrl(raw.contactsUrl, "--url");
+    for (const std::string& cookie : raw.cookies) {
+        if (!options.cookies.insert(CheckedCookie(cookie, "--cookie")).second) {
+            Refuse("--cookie: a name is given twice");
+        }
+    }
+    const bool exports = Has(options, Command::kContacts);
+    if (!exports && !(options.contactsUrl.empty() && options.cookies.empty())) {
+        Refuse("--url and --cookie belong to contacts export");
+    }
+    if (options.contactsUrl.empty() && !options.cookies.empty()) {
+        Refuse("--cookie needs --url: a sandbox tells its cookies itself");
+    }
+    if (exports && options.contactsUrl.empty() && raw.platform.empty() && raw.configuration.empty()) {
+        Refuse("contacts export: say from where, with --url, or with --platform of a sandbox");
+    }
+}
+
+void JudgeDemo(const RawOptions& raw, const Options& options) {
+    const bool demo = Has(options, Command::kDemo);
+    if (demo && options.commands.size() > 1) {
+        Refuse("demo is a session of its own: give no other command with it");
+    }
+    if (demo && !(raw.platform + raw.sdkPlatform + raw.configuration + raw.certificateAuthority).empty()) {
+        Refuse(
+            "demo brings its own platform: leave out --platform, --sdk-platform, --config and --certificate-authority");
+    }
+    if (!demo && options.https) {
+        Refuse("--https belongs to demo: elsewhere the URL of --platform says it");
+    }
+}
+
+void Judge(const RawOptions& raw, Options& options) {
+    options.commands = ReadCommandWords(raw.commands);
+    options.platformUrl = CheckedBaseUrl(raw.platform, "--platform");
+    options.sdkPlatformUrl = CheckedBaseUrl(raw.sdkPlatform, "--sdk-platform");
+    options.configuration = CheckedFile(raw.configuration, "--config");
+    options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
+    options.log = ToWide(raw.log);
+    JudgeDemo(raw, options);
+    JudgeReport(options);
+    JudgeContacts(raw, options);
+}
+
+}  // namespace
+
+std::vector<std::string> ProcessArguments() {
+    int count = 0;
+    const LocalMemory<wchar_t*> wide(CommandLineToArgvW(GetCommandLineW(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 1; wide && i < count; ++i) {
+        arguments.push_back(ToUtf8(wide.get()[i]));
+    }
+    return arguments;
+}
+
+std::optional<int> ReadCommandLine(std::vector<std::string> arguments, Options& options, Console& console) {
+    CLI::App app(kDescription + CommandHelp(), "userauth");
+    RawOptions raw;
+    Describe(app, options, raw);
+    std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+        console.Write(app.help());
+        return kExitOk;
+    } catch (const CLI::CallForVersion& version) {
+        console.Write(std::string(version.what()) + "\n");
+        return kExitOk;
+    } catch (const CLI::ParseError& error) {
+        Refuse(std::string(error.what()) + " (see userauth --help)");
+    }
+    Judge(raw, options);
+    return std::nullopt;
+}
+
+}  // namespace host

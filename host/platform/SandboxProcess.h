@@ -1,0 +1,36 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "platform/ChildProcess.h"
+
+namespace host {
+
+// Where a sandbox platform can be reached.
+struct SandboxAddress {
+    std::string http;
+    std::string https;
+    std::filesystem::path certificateAuthority;  // PEM file of the authority that it made for https
+};
+
+// A running sandbox-server.exe. It ends when its standard input does, so with this object or with this process.
+class SandboxProcess {
+public:
+    // Starts the program on free ports and waits until it is ready, 20 s at most. It writes its authority to
+    // certificateAuthority; its error texts go to this program's standard error. Throws HostError.
+    SandboxProcess(const std::filesystem::path& program, const std::filesystem::path& certificateAuthority);
+    ~SandboxProcess();
+    SandboxProcess(const SandboxProcess&) = delete;
+    SandboxProcess& operator=(const SandboxProcess&) = delete;
+
+    const SandboxAddress& Address() const { return m_address; }
+
+private:
+    std::string ReadLine();
+
+    ChildProcess m_child;
+    SandboxAddress m_address;
+};
+
+}  // namespace host

@@ -1,0 +1,218 @@
+#include "session/StepReport.h"
+
+#include <Logger.h>
+#include <json/value.h>
+#include <json/writer.h>
+
+#include <cstdio>
+
+#include "commandline/CommandLine.h"
+#include "text/FieldText.h"
+#include "text/TextEncoding.h"
+
+namespace host {
+namespace {
+
+constexpr std::size_t kTitleWidth = 38;
+constexpr std::size_t kFieldIndent = 12;
+constexpr std::size_t kFieldWidth = 22;
+constexpr int kHttpOk = 200;
+constexpr int kHttpCreated = 201;
+constexpr char kGreen[] = "\x1b[32m";
+constexpr char kRed[] = "\x1b[31m";
+constexpr char kPlain[] = "\x1b[0m";
+constexpr int kLongestFlushMilliseconds = 1000;
+
+std::string Padded(std::string text, std::size_t width) {
+    text.resize(text.size() < width ? width : text.size(), ' ');
+    return text;
+}
+
+std::string Milliseconds(double milliseconds) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%9.1f ms", milliseconds);
+    return text;
+}
+
+std::string ExchangeText(const HttpExchange& exchange) {
+    if (exchange.code < 0) {
+        return "no HTTP reply (" + std::to_string(exchange.code) + ")";
+    }
+    const char* const connection = exchange.connectionReused ? ", reused connection" : ", new connection";
+    return "HTTP " + std::to_string(exchange.code) + connection;
+}
+
+// Each followed by "; ", the same ones in a row told once.
+std::string ExchangeTexts(const std::vector<HttpExchange>& exchanges) {
+    std::string texts;
+    for (std::size_t first = 0, next = 0; first < exchanges.size(); first = next) {
+        const std::string text = ExchangeText(exchanges[first]);
+        for (next = first + 1; next < exchanges.size() && ExchangeText(exchanges[next]) == text;) {
+            ++next;
+        }
+        const std::size_t times = next - first;
+        texts += (times == 1 ? "" : std::to_string(times) + " x ") + text + "; ";
+    }
+    return texts;
+}
+
+// "access token" to "accessToken".
+std::string MachineName(const std::string& name) {
+    std::string machineName;
+    bool startsWord = false;
+    for (const char c : name) {
+        const bool lower = c >= 'a' && c <= 'z';
+        if (c != ' ') {
+            machineName += startsWord && lower ? static_cast<char>(c - 'a' + 'A') : c;
+        }
+        startsWord = c == ' ';
+    }
+    return machineName;
+}
+
+Json::Value ExchangeJson(const HttpExchange& exchange) {
+    Json::Value json;
+    json["method"] = ToUtf8(exchange.method);
+    json["url"] = ToUtf8(exchange.url);
+    json["code"] = exchange.code;
+    json["milliseconds"] = exchange.milliseconds;
+    json["connectionReused"] = exchange.connectionReused;
+    return json;
+}
+
+Json::Value RowsJson(const Table& table) {
+    Json::Value rows(Json::arrayValue);
+    for (const std::vector<std::string>& row : table.rows) {
+        Json::Value json(Json::objectValue);
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            json[MachineName(table.columns[column])] = WellFormed(row[column]);
+        }
+        rows.append(json);
+    }
+    return rows;
+}
+
+bool EndedWell(const std::vector<HttpExchange>& exchanges) {
+    return !exchanges.empty() && (exchanges.back().code == kHttpOk || exchanges.back().code == kHttpCreated);
+}
+
+}  // namespace
+
+struct StepReport::Outcome {
+    StepResult result;
+    double milliseconds = 0;
+    std::vector<HttpExchange> exchanges;
+};
+
+bool ShowsRunningStep(const Console& console, const Options& options) {
+    return console.IsTerminal() && !options.json && !options.verbose;
+}
+
+StepReport::StepReport(Console& console, const Options& options)
+    : m_console(console), m_options(options), m_showsRunning(ShowsRunningStep(console, options)) {}
+
+bool StepReport::Run(const Step& step) {
+    Announce(step);
+    m_exchanges.Take();  // what another thread did between two steps belongs to neither
+    const Clock::time_point start = Clock::now();
+    StepResult result;
+    try {
+        result = step.run();
+    } catch (const std::exception& error) {
+        // A terminal shows the text as the program's last line anyway.
+        const bool shown = m_console.IsTerminal() && !m_options.json;
+        Finish(step, start, {false, shown ? "" : error.what(), {}});
+        throw;
+    }
+    return Finish(step, start, std::move(result));
+}
+
+bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult result) {
+    Outcome outcome{std::move(result), std::chrono::duration<double, std::milli>(Clock::now() - start).count(),
+                    m_exchanges.Take()};
+    outcome.result.ok = outcome.result.ok && (!outcome.result.judgedByStatus || EndedWell(outcome.exchanges));
+
+    ++m_count;
+    m_milliseconds += outcome.milliseconds;
+    if (!outcome.result.ok && m_failed.empty()) {
+        m_failed = step.title;
+    }
+    if (m_options.verbose) {
+        Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own
+    }
+    m_options.json ? ShowJson(step, outcome) : ShowLine(step, outcome);
+    return outcome.result.ok;
+}
+
+bool StepReport::RunAll(const std::vector<Step>& steps) {
+    for (const Step& step : steps) {
+        if (!Run(step)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void StepReport::Conclude() {
+    if (m_options.json || m_count == 0) {
+        return;
+    }
+    const std::string steps = std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ");
+    if (AllSucceeded()) {
+        char time[32];
+        std::snprintf(time, sizeof(time), "%.0f ms", m_milliseconds);
+        m_console.Write("\n" + steps + Paint(kGreen, "all succeeded") + ", " + time + "\n");
+    } else {
+        m_console.Write("\n" + steps + Paint(kRed, "failed") + ": " + m_failed + "\n");
+    }
+}
+
+void StepReport::Announce(const Step& step) {
+    if (m_showsRunning) {
+        m_console.Write(std::string(kRunning) + step.title);
+    }
+}
+
+void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
+    std::string line = m_showsRunning ? kRewriteLine : "";
+    line += outcome.result.ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
+    line += Padded(step.title, kTitleWidth) + Milliseconds(outcome.milliseconds) + "  ";
+    line += ExchangeTexts(outcome.exchanges) + Printable(outcome.result.detail);
+    line.erase(line.find_last_not_of("; ") + 1);
+    for (const auto& [name, value] : outcome.result.fields) {
+        line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
+    }
+    m_console.Write(line + TableText(outcome.result.table, kFieldIndent) + "\n");
+}
+
+void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
+    Json::Value json;
+    json["step"] = step.name;
+    json["title"] = step.title;
+    json["ok"] = outcome.result.ok;
+    json["detail"] = WellFormed(outcome.result.detail);
+    json["milliseconds"] = outcome.milliseconds;
+    json["exchanges"] = Json::Value(Json::arrayValue);
+    for (const HttpExchange& exchange : outcome.exchanges) {
+        json["exchanges"].append(ExchangeJson(exchange));
+    }
+    json["fields"] = Json::Value(Json::objectValue);
+    for (const auto& [name, value] : outcome.result.fields) {
+        json["fields"][MachineName(name)] = WellFormed(value);
+    }
+    if (!outcome.result.table.columns.empty()) {
+        json["rows"] = RowsJson(outcome.result.table);
+    }
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    builder["precision"] = 3;
+    builder["precisionType"] = "decimal";
+    m_console.Write(Json::writeString(builder, json) + "\n");
+}
+
+std::string StepReport::Paint(const char* colour, const std::string& text) const {
+    return m_console.HasColour() ? colour + text + kPlain : text;
+}
+
+}  // namespace host

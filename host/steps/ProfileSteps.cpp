@@ -1,0 +1,158 @@
+#include <ParamStore.h>
+#include <UserAuthService.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+
+#include "steps/PortraitFile.h"
+#include "steps/Steps.h"
+#include "system/PortraitWindow.h"
+#include "text/FieldText.h"
+#include "text/TextEncoding.h"
+
+namespace host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kLongestPortrait{20};
+constexpr std::chrono::seconds kLongestFlush{2};
+constexpr char kNoMessage[] = "no message 0x0C87 within 20 s";
+
+// A look-up that stores the user id; an empty one counts as a success to it, but not here.
+StepResult LookUpUserId(SessionState& state, bool (UserAuthService::*lookUp)(), std::wstring& found) {
+    const bool answered = (state.service->*lookUp)();
+    found = answered ? state.service->GetCurrentUserID() : std::wstring();
+    return {!found.empty(), answered ? TextOrNone(found) : SeeLog(), {}};
+}
+
+bool IsAscii(const std::wstring& text) {
+    return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
+}
+
+// Compares it with what the gateway said and with the parameter store.
+StepResult LookUpAtSyncServer(SessionState& state) {
+    StepResult result = LookUpUserId(state, &UserAuthService::RequestUserIdFromSyncServer, state.syncServerUserId);
+    if (!result.ok) {
+        return result;
+    }
+    if (GlobalParamWrapper::GetInstance()->GetUserID() != state.syncServerUserId) {
+        return {false, result.detail + ", but another one in the parameter store", {}};
+    }
+    if (state.gatewayUserId == state.syncServerUserId) {
+        result.detail += ", the same";
+    } else if (IsAscii(state.syncServerUserId)) {
+        return {false, result.detail + ", another user than the gateway's", {}};
+    } else {
+        // The gateway's id is read in the system's code page.
+        result.detail += ", not the gateway's, as with ids beyond ASCII: this is the right one";
+    }
+    return result;
+}
+
+StepResult ShowRegistration(SessionState& state) {
+    UserAuthService& service = *state.service;
+    if (!service.UpdateRegistInfo()) {
+        return {false, SeeLog(), {}};
+    }
+    const std::wstring country = service.GetCurrentCountryCode();
+    return {service.IsChinaAccount() == (country == L"CN"),
+            "",
+            {
+                {"country", TextOrNone(country)},
+                {"registered in China", YesOrNo(service.IsChinaAccount())},
+                {"language type", TextOrNone(ToWide(service.GetLanguageType()))},
+                {"privilege", YesOrNo(service.GetCurrentPriviledge())},
+                {"client logs reported", YesOrNo(service.GetClientLogReportStatus())},
+            }};
+}
+
+// The window that gets the portrait message, as the client's main window would.
+PortraitWindow& MainWindow(SessionState& state) {
+    if (!state.window) {
+        state.window = std::make_unique<PortraitWindow>();
+    }
+    GlobalParamWrapper::GetInstance()->SetMainWnd(state.window->Handle());
+    return *state.window;
+}
+
+std::string MillisecondsSince(Clock::time_point start) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f ms",
+                  std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    return text;
+}
+
+// One step with the wait, so that the portrait's download is among the exchanges that it shows.
+StepResult RequestProfile(SessionState& state) try {
+    UserAuthService& service = *state.service;
+    PortraitWindow& window = MainWindow(state);
+    window.Forget();
+    if (!service.RequestUserInfo()) {
+        return {false, SeeLog(), {}};
+    }
+    const Clock::time_point answered = Clock::now();
+    const bool arrived = window.WaitForMessage(kLongestPortrait);
+    // Every 200 is a success to the operation, also one that names nobody.
+    const bool named = !service.GetCurrentUserID().empty();
+    const std::string message = arrived ? "message 0x0C87 after " + MillisecondsSince(answered) : kNoMessage;
+    return {arrived && named,
+            named ? message : "the reply names no user; " + message,
+            {
+                {"user id", TextOrNone(service.GetCurrentUserID())},
+                {"display name", TextOrNone(service.GetCurrentUserName())},
+                {"account brand", std::to_string(service.GetCurrentUserAccountBrandID())},
+                {"portrait URL", TextOrNone(service.GetCurrentUserHeadImageUrl())},
+            }};
+} catch (const std::system_error& error) {
+    return {false, std::string("the download's thread cannot be started: ") + error.what(), {}};
+}
+
+StepResult ShowPortrait(SessionState& state) {
+    const std::wstring path = state.service->GetCurrentUserHeadImageLocalPath();
+    if (state.service->GetCurrentUserHeadImageUrl().empty()) {
+        return {path.empty(), "no portrait", {}};
+    }
+    if (path.empty()) {
+        return {false, SeeLog("the download failed"), {}};
+    }
+    const PortraitFile portrait = ReadPortraitFile(path, kLongestFlush);
+    if (!portrait.fault.empty()) {
+        return {false, portrait.fault, {{"path", ToUtf8(path)}}};
+    }
+    return {portrait.bytes != 0,
+            portrait.imageType + ", " + std::to_string(portrait.bytes) + " bytes",
+            {{"path", ToUtf8(path)}}};
+}
+
+}  // namespace
+
+std::vector<Step> UserIdSteps(SessionState& state) {
+    return {{"user-id", "user id from sync server", [&state] {
+                 return LookUpUserId(state, &UserAuthService::RequestUserIdFromSyncServer, state.syncServerUserId);
+             }}};
+}
+
+std::vector<Step> WhoAmISteps(SessionState& state) {
+    const auto askGateway = [&state] {
+        return LookUpUserId(state, &UserAuthService::RequestUserID, state.gatewayUserId);
+    };
+    return {
+        {"gateway-user-id", "user id from gateway", askGateway},
+        {"sync-server-user-id", "user id from sync server", [&state] { return LookUpAtSyncServer(state); }},
+    };
+}
+
+std::vector<Step> RegistrationSteps(SessionState& state) {
+    return {{"registration", "registration place", [&state] { return ShowRegistration(state); }}};
+}
+
+std::vector<Step> ProfileSteps(SessionState& state) {
+    return {
+        {"profile", "profile and portrait message", [&state] { return RequestProfile(state); }},
+        {"portrait", "portrait file", [&state] { return ShowPortrait(state); }},
+    };
+}
+
+}  // namespace host

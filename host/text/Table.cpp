@@ -1,0 +1,75 @@
+#include "text/Table.h"
+
+#include <algorithm>
+
+#include "text/FieldText.h"
+#include "text/TextEncoding.h"
+
+namespace host {
+namespace {
+
+constexpr std::size_t kGap = 2;
+
+struct CodeUnits {
+    wchar_t first;
+    wchar_t last;
+};
+
+// What a terminal shows two cells wide: East Asian scripts and forms (UAX 11, in blocks), and beyond the basic plane.
+constexpr CodeUnits kWide[] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF}, {0xAC00, 0xD7A3}, {0xD800, 0xDBFF},
+                               {0xF900, 0xFAFF}, {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}};
+// What adds no cell: second halves, and marks above or below a letter (Latin, Thai).
+constexpr CodeUnits kNoWidth[] = {{0xDC00, 0xDFFF}, {0x0300, 0x036F}, {0x0E31, 0x0E31}, {0x0E34, 0x0E3A},
+                                  {0x0E47, 0x0E4E}, {0x200B, 0x200F}, {0xFE00, 0xFE0F}};
+
+template <std::size_t Count>
+bool IsIn(const CodeUnits (&ranges)[Count], wchar_t c) {
+    return std::any_of(ranges, ranges + Count,
+                       [c](const CodeUnits& range) { return c >= range.first && c <= range.last; });
+}
+
+std::size_t CellsOf(const std::string& text) {
+    std::size_t cells = 0;
+    for (const wchar_t c : ToWide(text)) {
+        cells += IsIn(kNoWidth, c) ? 0 : IsIn(kWide, c) ? 2 : 1;
+    }
+    return cells;
+}
+
+std::vector<std::size_t> WidthsOf(const Table& table) {
+    std::vector<std::size_t> widths;
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        std::size_t width = CellsOf(table.columns[column]);
+        for (const std::vector<std::string>& row : table.rows) {
+            width = std::max(width, CellsOf(Printable(row[column])));
+        }
+        widths.push_back(width);
+    }
+    return widths;
+}
+
+std::string Line(const std::vector<std::string>& row, const std::vector<std::size_t>& widths, std::size_t indent) {
+    std::string line = "\n" + std::string(indent, ' ');
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        const std::string text = Printable(row[column]);
+        line += text + std::string(widths[column] + kGap - CellsOf(text), ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+}  // namespace
+
+std::string TableText(const Table& table, std::size_t indent) {
+    if (table.rows.empty()) {
+        return "";
+    }
+    const std::vector<std::size_t> widths = WidthsOf(table);
+    std::string text = Line(table.columns, widths, indent);
+    for (const std::vector<std::string>& row : table.rows) {
+        text += Line(row, widths, indent);
+    }
+    return text;
+}
+
+}  // namespace host

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "http/RequestHead.h"
+
+namespace sandbox {
+
+// One request as an endpoint sees it.
+struct PlatformRequest {
+    std::string method;
+    std::string path;                                    // without the query, as it stood on the wire
+    std::string query;                                   // as it stood on the wire, without the question mark
+    std::multimap<std::string, std::string> parameters;  // the query, decoded
+    std::string origin;                                  // scheme, address and port of the listener that was asked
+    RequestHead head;
+    std::string body;
+};
+
+inline constexpr const char* kContentTypeJson = "application/json;charset=UTF-8";
+
+// A body that goes out block by block, so that it need not be held as a whole.
+struct StreamedBody {
+    std::size_t size = 0;
+    // The bytes from offset on, at least one of them while offset is below size; they may reach beyond size. Valid as
+    // long as the function.
+    std::function<std::string_view(std::size_t offset)> block;
+};
+
+// bytes in memory; copies of the body share them.
+inline StreamedBody SharedBody(std::string bytes) {
+    const auto shared = std::make_shared<const std::string>(std::move(bytes));
+    return {shared->size(), [shared](std::size_t offset) { return std::string_view(*shared).substr(offset); }};
+}
+
+struct PlatformReply {
+    int status = 200;
+    std::string body;
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::string contentType = kContentTypeJson;
+    std::optional<StreamedBody> stream = std::nullopt;  // instead of body
+    bool chunked = false;                               // sent in chunks, without Content-Length
+};
+
+inline std::size_t BodySize(const PlatformReply& reply) {
+    return reply.stream ? reply.stream->size : reply.body.size();
+}
+
+}  // namespace sandbox

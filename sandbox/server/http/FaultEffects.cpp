@@ -1,0 +1,105 @@
+#include "http/FaultEffects.h"
+
+#include <algorithm>
+
+#include "crypto/RandomText.h"
+#include "http/JsonText.h"
+
+namespace sandbox {
+namespace {
+
+constexpr std::size_t kGarbageBytes = 256;
+constexpr char kNoJsonByte = '\x81';
+
+Json::Value OfAnotherType(const Json::Value& value) {
+    switch (value.type()) {
+        case Json::stringValue: {
+            Json::Value object(Json::objectValue);
+            object["text"] = value;
+            return object;
+        }
+        case Json::objectValue:
+        case Json::booleanValue: {
+            Json::Value array(Json::arrayValue);
+            array.append(value);
+            return array;
+        }
+        case Json::arrayValue:
+            return Json::Value(true);
+        default:
+            return Json::Value("no number");
+    }
+}
+
+// Members change their types; a reply without members becomes an array.
+std::string WithWrongTypes(const std::string& body) {
+    const auto parsed = ParseJsonObject(body);
+    if (!parsed.reason.empty()) {
+        return "[]";
+    }
+    Json::Value spoilt(Json::objectValue);
+    for (const auto& name : parsed.value.getMemberNames()) {
+        spoilt[name] = OfAnotherType(parsed.value[name]);
+    }
+    return JsonLine(spoilt);
+}
+
+std::string Garbage() {
+    auto bytes = RandomBytes(kGarbageBytes);
+    bytes.front() = kNoJsonByte;
+    return bytes;
+}
+
+// Blanks before the closing brace: still the same JSON.
+void Pad(std::string& body, std::size_t size) {
+    if (body.size() < size) {
+        body.insert(body.empty() ? 0 : body.size() - 1, size - body.size(), ' ');
+    }
+}
+
+bool ReplacesBody(const Fault& fault) {
+    return fault.wrongTypes || fault.body || fault.garbage || fault.oversize;
+}
+
+}  // namespace
+
+void SpoilReply(const Fault& fault, PlatformReply& reply) {
+    reply.status = fault.status.value_or(reply.status);
+    if (ReplacesBody(fault)) {
+        reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
+    }
+    if (fault.contentLength) {
+        reply.chunked = false;
+    }
+    if (fault.wrongTypes) {
+        reply.body = WithWrongTypes(reply.body);
+    }
+    if (fault.body) {
+        reply.body = *fault.body;
+    }
+    if (fault.garbage) {
+        reply.body = Garbage();
+    }
+    if (fault.oversize) {
+        Pad(reply.body, *fault.oversize);
+    }
+}
+
+bool ShapesDelivery(const Fault& fault) {
+    return fault.cutAfter || fault.contentLength || fault.stall > std::chrono::milliseconds::zero();
+}
+
+Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
+    Delivery delivery;
+    const auto sent = std::min(fault.cutAfter.value_or(bodySize), bodySize);
+    const bool stalls = fault.stall > std::chrono::milliseconds::zero();
+    delivery.firstPart = stalls ? std::min(fault.stallAfter.value_or(sent / 2), sent) : sent;
+    delivery.secondPart = sent - delivery.firstPart;
+    delivery.pause = fault.stall;
+    // A cut is visible, unless the fault itself announces a length that fits: more is announced than is sent.
+    delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
+    delivery.close = delivery.announced != sent;
+    return delivery;
+}
+
+}  // namespace sandbox
