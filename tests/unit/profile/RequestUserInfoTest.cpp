@@ -30,7 +30,7 @@ protected:
     }
 
     static std::filesystem::path Portrait() {
-        return std::filesystem::path(Recording().appDataFolder) / "HeadPortrait";
+        return std::filesystem::path(Recording().appDataFolder + L"\\HeadPortrait");
     }
 
     void LeaveAnOldPortrait() {
@@ -57,7 +57,7 @@ protected:
 
     // Whether nobody has the portrait open.
     static bool IsClosed() {
-        const HANDLE file = CreateFileW(Portrait().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE file = CreateFileW(Portrait().wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         if (file == INVALID_HANDLE_VALUE) {
             EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
             return false;
@@ -145,7 +145,7 @@ TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
 // overwritten.
 TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
     const std::filesystem::path link = Portrait().parent_path() / "link";
-    ASSERT_TRUE(CreateHardLinkW(link.c_str(), Portrait().c_str(), nullptr));
+    ASSERT_TRUE(CreateHardLinkW(link.wstring().c_str(), Portrait().wstring().c_str(), nullptr));
     bool openAtMessage = false;
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};

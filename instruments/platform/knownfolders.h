@@ -1,0 +1,3 @@
+#pragma once
+
+constexpr int FOLDERID_LocalAppData = 28;

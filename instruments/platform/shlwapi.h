@@ -1,0 +1,6 @@
+#pragma once
+
+#include <windows.h>
+
+BOOL PathAppendW(wchar_t* path, LPCWSTR more);
+BOOL PathMatchSpecW(LPCWSTR text, LPCWSTR patterns);
