@@ -144,7 +144,7 @@ TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
 // A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only
 // overwritten.
 TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
-    const std::filesystem::path link = Portrait().parent_path() / "link";
+    const std::filesystem::path link = Portrait().wstring() + L".link";
     ASSERT_TRUE(CreateHardLinkW(link.wstring().c_str(), Portrait().wstring().c_str(), nullptr));
     bool openAtMessage = false;
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
