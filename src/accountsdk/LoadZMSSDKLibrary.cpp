@@ -2,7 +2,7 @@
 
 #include "UserAuthService.h"
 #include "core/BoundedFormat.h"
-#include "core/ModulePath.h"
+#include "core/Modules.h"
 #include "core/ServiceLog.h"
 
 namespace {

@@ -20,7 +20,7 @@ std::wstring CookieText(const std::map<std::wstring, std::wstring>& cookies) {
     return text;
 }
 
-UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::wstring>& cookies) {
+userauth::UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::wstring>& cookies) {
     return {
         {L"Accept", L"application/json, text/plain, */*"},
         {L"Accept-Encoding", L"gzip, deflate, br"},
@@ -46,7 +46,7 @@ bool Keep(userauth::DownloadBuffer& content, const char* data, std::size_t size)
 
 bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
                                       std::map<std::wstring, std::wstring> cookies) try {
-    UserAuthRequest::HeaderMap headers = Headers(cookies);
+    userauth::UserAuthRequest::HeaderMap headers = Headers(cookies);
     // Whether the file can be written is not checked: the download runs for the count anyway, and only its status
     // decides.
     std::ofstream file(std::filesystem::path(filePath), std::ios::binary | std::ios::trunc);
@@ -62,7 +62,7 @@ bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
         file.seekp(static_cast<std::streamoff>(total));
         return true;
     });
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(std::move(url), std::move(headers));
     if (request.SendDownRequest(&handler) != userauth::kHttpOk) {
         userauth::WriteLog(kSeverityFailure, __LINE__, kTag, L"Error: ExportContracts failed!");

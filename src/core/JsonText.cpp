@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "UserAuthService.h"
+
 namespace userauth {
 namespace {
 
@@ -68,3 +70,7 @@ std::string WriteStyledDocument(const Json::Value& value) {
 #endif
 
 }  // namespace userauth
+
+Json::Value UserAuthService::StringToJson(std::string text) try { return userauth::ParseLeniently(text); } catch (...) {
+    return {};
+}

@@ -4,16 +4,16 @@
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 bool UserAuthService::RequestUserID() try {
     const std::wstring url = GlobalParamWrapper::GetInstance()->GetGWUrl() + L"?access_token=" +
                              userauth::UrlEncode(GetCurrentAT()) +
                              L"&nsp_fmt=JSON&nsp_svc=zorvan.oauth2.user.getTokenInfo&open_id=OPENID";
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(url);
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
 
     // The URL carries the access token, and so does the line; the logger's sinks mask it.

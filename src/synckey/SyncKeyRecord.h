@@ -10,13 +10,6 @@
 
 namespace userauth {
 
-// The two services that have keys, as the server numbers them.
-inline constexpr wchar_t kDriveDataType[] = L"11";
-inline constexpr wchar_t kPhotoDataType[] = L"12";
-
-inline constexpr int kShortKeyType = 1;  // 16 bytes
-inline constexpr int kLongKeyType = 3;   // 32 bytes
-
 // Whether a key field of the user record holds a key: any byte that is not zero.
 template <std::size_t Bytes>
 bool HoldsKey(const std::uint8_t (&field)[Bytes]) {

@@ -3,8 +3,9 @@
 #include "UserAuthService.h"
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
-#include "request/SummaryLine.h"
-#include "sysconf/SysConfRequest.h"
+#include "request/Reply.h"
+#include "request/RequestLog.h"
+#include "sysconf/BasicServiceRequest.h"
 
 namespace {
 
@@ -13,6 +14,9 @@ using userauth::WriteLog;
 constexpr char kTag[] = "UserAuthService::ActiveUser";
 constexpr char kLogHook[] = "UserAuthService::ActiveUser::<lambda_1>::operator ()";
 constexpr char kErrorLogHook[] = "UserAuthService::ActiveUser::<lambda_2>::operator ()";
+
+constexpr std::int32_t kResultSuccess = 0;
+constexpr std::int32_t kUserStatusActive = 1;
 
 }  // namespace
 
@@ -31,4 +35,16 @@ bool UserAuthService::ActiveUser() try {
     return userauth::IsBasicServiceSuccess(code) && userauth::ParseDocument(reply, root) && InitActiveAccount(root);
 } catch (...) {
     return false;
+}
+
+// Takes the activation from a document of the basic service: "result" must be there and 0, "userStatus" an integer, 1
+// for an active account. Otherwise the flag stays, so that no failed reply takes an activation back. Whether it was
+// told.
+bool UserAuthService::InitActiveAccount(Json::Value& root) {
+    const userauth::Reply reply = userauth::Reply::Of(root);
+    if (!reply.HasInteger("result") || reply.Integer("result") != kResultSuccess || !reply.HasInteger("userStatus")) {
+        return false;
+    }
+    m_bActiveAccount = reply.Integer("userStatus") == kUserStatusActive;
+    return true;
 }

@@ -4,8 +4,7 @@
 
 #include "core/AccountStateHold.h"
 #include "core/DeploymentConstants.h"
-#include "request/CertificatePath.h"
-#include "request/HttpLogHook.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 namespace userauth {
@@ -24,7 +23,7 @@ void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy
     strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
     strategy.SetPostData(request.body);
     strategy.SetHeaders(request.userId, kApplicationId, request.accessToken);
-    strategy.SetCertPath(CertificatePath());
+    strategy.SetCertPath(kCertificatePath);
     strategy.SetLogFunction(HttpLogHook(kSeveritySummary, request.logHook));
     if (request.errorLogHook != nullptr) {
         strategy.SetErrorLogFunction(HttpLogHook(kSeverityFailure, request.errorLogHook));
@@ -41,6 +40,13 @@ void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy
 BasicServiceRequest::BasicServiceRequest(AccountStateLock& lock, const std::wstring& currentUserId,
                                          const std::wstring& currentToken)
     : userId(Copy(lock, currentUserId)), accessToken(Copy(lock, currentToken)) {}
+
+void AskForSysConf(BasicServiceRequest& request, const std::wstring& countryCode) {
+    // Deliberately not escaped: the server compares the text, one blank after the colon. A country code with a quote in
+    // it makes it refuse the request.
+    request.body = L"{\"country\": \"" + countryCode + L"\"}";
+    request.extraHeaders = {{L"x-zv-active-method", L"manual"}};
+}
 
 std::wstring BasicServiceUrl(const wchar_t* operation) {
     return GlobalParamWrapper::GetInstance()->GetBasicUrl() + L"/KeCloudUserFoundationService/PC/" + operation;

@@ -2,7 +2,7 @@
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "sysconf/BasicServiceRequest.h"
 
 namespace {

@@ -18,10 +18,10 @@ constexpr char kTag[] = "UserAuthService::RequestApplicationAT";
 bool UserAuthService::RequestApplicationAT() try {
     const std::wstring traceId = GetTraceID(BaseCmd::kRequestAccessToken);
     GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetPostRequest(store->GetPortalUrl() + L"/pcclient/getAppAccessToken?traceId=" + traceId,
-                           BuildHeaders(HeadType::kAccessToken, traceId), JsonData());
-    WebRequestResult result;
+                           BuildHeaders(HeadType::kAccessToken, traceId), userauth::JsonData());
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
 
     bool succeeded = false;
