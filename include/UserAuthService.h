@@ -31,12 +31,16 @@ public:
 
 // The user-authentication service: one object per process that holds the account state and runs every operation.
 //
-// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for
-// RequestUserInfo (no thread to be had) and std::bad_alloc from an accessor whose copy finds no memory. Several may run
-// at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a callback.
+// Operations are synchronous: they run on the caller's thread and block for the whole exchange. Several may run at once.
+// Each stores what its own reply said; the last one wins. No lock is held during an exchange or a callback.
 //
-// A reply text has room for 40959 bytes, but for the system configuration, the reports and downloads. A longer one
-// raises the C runtime's invalid-parameter condition, which ends the process unless the host's handler returns.
+// Operations throw nothing, with one exception: RequestUserInfo, when no thread can be started. The accessors,
+// GetTraceID and BuildHeaders throw std::bad_alloc when there is no memory for what they return.
+//
+// A reply text has room for 40959 bytes. A longer one raises the C runtime's invalid-parameter condition, which ends the
+// process unless the host's handler returns. InitSysConf, ActiveUser, ReportLoginTime, RequestClientLogReport and the
+// two downloads have no such limit.
+//
 // Wide texts are UTF-16. A reply's member that is missing or of the wrong type reads as empty text or 0.
 class USERAUTH_API UserAuthService {
 public:
@@ -135,6 +139,9 @@ public:
     // with "_" between them. Two calls for one command within a second give the same id.
     std::wstring GetTraceID(BaseCmd command);
 
+    // The headers of one request, by the set that it carries: name to value.
+    std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
+
     // == Identity and profile ==
 
     // What arrives after a Clear on another thread is stored here too, as with the refresh.
@@ -227,7 +234,6 @@ private:
     bool LoadZMSSDKLibrary();
     void UpdateAppIdConfig();
     std::wstring GetRandom(int length);
-    std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
     std::string GetAuthorizationContents();
     Json::Value StringToJson(std::string text);
     int GetSysConfigInfo(std::string& reply);

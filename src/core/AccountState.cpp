@@ -132,8 +132,7 @@ std::vector<std::wstring> UserAuthService::GetValidModule() {
 }
 
 void UserAuthService::SetRealUserKey(std::vector<std::uint8_t> key) {
-    OPENSSL_cleanse(m_vecRealUserKey.data(), m_vecRealUserKey.size());
-    m_vecRealUserKey = key;
+    m_vecRealUserKey.swap(key);  // needs no memory: the stored key is never lost
     OPENSSL_cleanse(key.data(), key.size());
 }
 

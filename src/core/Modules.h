@@ -23,7 +23,7 @@ public:
     ModuleReference(ModuleReference&&) = default;
 
     // Gives the reference back once the calling thread has ended: code of this library still runs after its last
-    // statement. When that cannot be arranged the library stays loaded. docs/decisions/0008-portrait-thread.md.
+    // statement. When that cannot be arranged the library stays loaded. docs/decisions/0007-portrait-thread.md.
     void ReleaseWhenThisThreadHasEnded();
 
 private:

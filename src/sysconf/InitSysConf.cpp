@@ -1,14 +1,13 @@
 #include <json/value.h>
 
 #include <algorithm>
+#include <charconv>
 #include <ctime>
 #include <iterator>
 
 #include "UserAuthService.h"
-#include "core/BoundedFormat.h"
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
-#include "core/TextEncoding.h"
 #include "request/Reply.h"
 #include "request/RequestLog.h"
 #include "sysconf/BasicServiceRequest.h"
@@ -22,10 +21,14 @@ constexpr char kLogHook[] = "UserAuthService::GetSysConfigInfo::<lambda_1>::oper
 constexpr char kErrorLogHook[] = "UserAuthService::GetSysConfigInfo::<lambda_2>::operator ()";
 
 // Seconds by clock(), which counts milliseconds on the platform; the divisor is fixed, whatever CLOCKS_PER_SEC says.
+// Written as "%f" writes them, but with a point whatever locale the host has set.
 std::wstring SecondsSince(std::clock_t start) {
-    char seconds[64] = {};
-    userauth::FormatString(seconds, sizeof(seconds), "%f", static_cast<double>(std::clock() - start) / 1000.0);
-    return userauth::MultiByteToWide(seconds, userauth::kAnsiCodePage);
+    constexpr int kDecimals = 6;
+    char text[64] = {};
+    const double seconds = static_cast<double>(std::clock() - start) / 1000.0;
+    const std::to_chars_result end =
+        std::to_chars(std::begin(text), std::end(text), seconds, std::chars_format::fixed, kDecimals);
+    return {std::begin(text), end.ptr};
 }
 
 struct Module {
