@@ -35,7 +35,7 @@ ZvIdErrorType UserAuthService::InitializeSDK() try {
         return ZvIdErrorType::kEntryPointMissing;
     }
     if (m_sdk.init() != 0) {
-        // Uninit's code deliberately replaces Init's, and "Uninit" is not tested for null: one library has both.
+        // Uninit's code replaces Init's, and "Uninit" is not tested for null: kept as it is. One library exports both.
         return static_cast<ZvIdErrorType>(m_sdk.uninit());
     }
     userauth::WriteLog(kSeverityProgress, __LINE__, "UserAuthService::InitializeSDK", L"ZMS Init OK!");

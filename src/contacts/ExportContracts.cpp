@@ -25,8 +25,8 @@ userauth::UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::w
         {L"Accept", L"application/json, text/plain, */*"},
         {L"Accept-Encoding", L"gzip, deflate, br"},
         {L"Accept-Language", L"zh-CN"},
-        {L"Cache-Control", L"application/json, text/plain, */*"},  // deliberately the text of "Accept"
-        {L"ContentType", L"application/force-download"},           // deliberately without a hyphen
+        {L"Cache-Control", L"application/json, text/plain, */*"},  // the text of "Accept": kept as it is
+        {L"ContentType", L"application/force-download"},           // without a hyphen: kept as it is
         {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
         {L"Cookie", CookieText(cookies)},
     };
@@ -47,7 +47,7 @@ bool Keep(userauth::DownloadBuffer& content, const char* data, std::size_t size)
 bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
                                       std::map<std::wstring, std::wstring> cookies) try {
     userauth::UserAuthRequest::HeaderMap headers = Headers(cookies);
-    // Whether the file can be written is not checked: the download runs for the count anyway, and only its status
+    // Nobody checks whether the file can be written: the download runs for the count anyway, and its status alone
     // decides.
     std::ofstream file(std::filesystem::path(filePath), std::ios::binary | std::ios::trunc);
     userauth::DownloadBuffer content;

@@ -5,8 +5,8 @@
 
 namespace userauth {
 
-// Two alphabets (RFC 4648): the standard one (section 4) and the URL-safe one (section 5). One cannot read the other. The
-// key exchange takes both, on purpose: the key server sends the standard one and wants the URL-safe one. The
+// Two alphabets (RFC 4648): the standard one (section 4) and the URL-safe one (section 5). One cannot read the other.
+// The key exchange takes both, on purpose: the key server sends the standard one and wants the URL-safe one. The
 // authorization header is in the standard one.
 
 // URL-safe base64 of length bytes, padded with "=", without line breaks; empty for a length of 0.

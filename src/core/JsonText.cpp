@@ -35,9 +35,9 @@ std::size_t BehindComment(const std::string& text, std::size_t slash) {
     return end == std::string::npos ? text.size() : end + (block ? 2 : 1);
 }
 
-// The C runtime reads a number of n digits in n * n steps: a megabyte of digits takes minutes. Digits within strings and
-// comments are not converted and do not count. Strings and comments are found as both readers find them, up to the first
-// error in the text; behind an error no number is converted.
+// The C runtime reads a number of n digits in n * n steps: a megabyte of digits takes minutes. Digits within strings
+// and comments are not converted and do not count. Strings and comments are found as both readers find them, up to the
+// first error in the text; behind an error no number is converted.
 bool HasEndlessNumber(const std::string& text) {
     int digits = 0;
     for (std::size_t at = 0; at < text.size();) {

@@ -22,7 +22,7 @@ bool UserAuthService::RequestUserID() try {
     if (result.nHttpCode != userauth::kHttpOk) {
         return false;
     }
-    // The gateway's id is read in the ANSI code page, the sync server's in UTF-8: deliberately different.
+    // The gateway's id is read in the ANSI code page, the sync server's in UTF-8: kept as it is.
     const userauth::Reply reply(result.szResponse);
     SetCurrrentUserID(userauth::MultiByteToWide(reply.Text("uid"), userauth::kAnsiCodePage));
     return true;

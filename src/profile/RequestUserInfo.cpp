@@ -56,7 +56,7 @@ bool UserAuthService::RequestUserInfo() try {
     } else {
         WriteLog(kSeverityProgress, __LINE__, kTag, L"GetprofilePhotoLink start");
         DeleteFileW(portraitPath.c_str());
-        // Deliberately decoded in the ANSI code page for the download, while the stored link below is decoded as UTF-8.
+        // The download takes the link in the ANSI code page, the account state below in UTF-8: kept as it is.
         userauth::StartPortraitDownload({portraitPath, MultiByteToWide(photoLink, userauth::kAnsiCodePage), this});
     }
     const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);

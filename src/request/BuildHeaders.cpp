@@ -66,7 +66,7 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
             headers.emplace(L"x-zv-os", userauth::OsVersionText());
             headers.emplace(L"AuthType",
                             MultiByteToWide(userauth::EncodeStandardBase64(userauth::kPackageName), kAnsiCodePage));
-            // A deliberate leftover without effect: the common "Host" stays.
+            // A leftover without effect: the common "Host" stays. Kept as it is.
             headers.emplace(L"Host", userauth::kAccountTestHost);
             break;
         case HeadType::kCodeExchange:

@@ -32,8 +32,8 @@ std::wstring UserAuthService::GetTraceID(BaseCmd command) {
     return Format(L"%05d_", static_cast<int>(command)) + m_strTraceIdCode + Format(L"_%u_", time) + random;
 }
 
-// Deliberately no 9 anywhere and no 8 in front, and the generator is seeded on every call: servers and logs know this
-// alphabet.
+// No digit is 9, the first is below 8, and the generator is seeded on every call. Kept as it is: servers and logs see
+// exactly this alphabet.
 std::wstring UserAuthService::GetRandom(int length) {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     if (length < 1) {

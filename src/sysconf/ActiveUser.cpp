@@ -23,7 +23,7 @@ constexpr std::int32_t kUserStatusActive = 1;
 bool UserAuthService::ActiveUser() try {
     userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"sysConfRefresh");
-    userauth::AskForSysConf(request, m_strCountryCode);  // read without the lock, by design
+    userauth::AskForSysConf(request, m_strCountryCode);  // without the lock: see UserAuthService.h
     request.logHook = kLogHook;
     request.errorLogHook = kErrorLogHook;
     std::string reply;
@@ -37,9 +37,9 @@ bool UserAuthService::ActiveUser() try {
     return false;
 }
 
-// Takes the activation from a document of the basic service: "result" must be there and 0, "userStatus" an integer, 1
-// for an active account. Otherwise the flag stays, so that no failed reply takes an activation back. Whether it was
-// told.
+// Takes the activation from a document of the basic service. The document tells it when "result" is there and 0 and
+// "userStatus" is an integer: 1 is an active account, any other number is not. A document that does not tell leaves the
+// flag as it is, so that no failed reply takes an activation back. Returns whether it was told.
 bool UserAuthService::InitActiveAccount(Json::Value& root) {
     const userauth::Reply reply = userauth::Reply::Of(root);
     if (!reply.HasInteger("result") || reply.Integer("result") != kResultSuccess || !reply.HasInteger("userStatus")) {

@@ -17,7 +17,7 @@ std::wstring Copy(AccountStateLock& lock, const std::wstring& field) {
     return field;
 }
 
-// Kept in this order: the extra headers join a standard set that has been made before.
+// The extra headers join the standard set, so that one is made before.
 void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy) {
     strategy.SetUrl(request.url);
     strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
@@ -42,8 +42,8 @@ BasicServiceRequest::BasicServiceRequest(AccountStateLock& lock, const std::wstr
     : userId(Copy(lock, currentUserId)), accessToken(Copy(lock, currentToken)) {}
 
 void AskForSysConf(BasicServiceRequest& request, const std::wstring& countryCode) {
-    // Deliberately not escaped: the server compares the text, one blank after the colon. A country code with a quote in
-    // it makes it refuse the request.
+    // One blank after the colon, and the code is not escaped: kept as it is. A code with a quote in it makes a body
+    // that is no JSON, and the server refuses it.
     request.body = L"{\"country\": \"" + countryCode + L"\"}";
     request.extraHeaders = {{L"x-zv-active-method", L"manual"}};
 }

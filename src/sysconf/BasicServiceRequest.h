@@ -9,7 +9,7 @@
 namespace userauth {
 
 // What all requests to the basic service have in common: a POST with the suite's three-value header set, on the
-// caller's thread, whose reply text has no fixed limit but the HTTP library's.
+// caller's thread. Its reply text may be as long as the HTTP library allows.
 
 struct BasicServiceRequest {
     // Copies the user id and the access token out of the account state, each in a short exclusive hold of its own.

@@ -68,7 +68,7 @@ int UserAuthService::GetSysConfigInfo(std::string& reply) {
     const std::clock_t start = std::clock();
     userauth::BasicServiceRequest request(m_lock, m_strCurrentUserID, m_strCurrentAT);
     request.url = userauth::BasicServiceUrl(L"sysConfInit");
-    userauth::AskForSysConf(request, m_strCountryCode);  // read without the lock, by design
+    userauth::AskForSysConf(request, m_strCountryCode);  // without the lock: see UserAuthService.h
     request.logHook = kLogHook;
     request.errorLogHook = kErrorLogHook;
     const int code = userauth::SendBasicServiceRequest(request, reply);

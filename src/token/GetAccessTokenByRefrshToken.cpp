@@ -90,7 +90,8 @@ const bool UserAuthService::GetAccessTokenByRefrshToken() try {
             GlobalParamWrapper::GetInstance()->SetAtIsExpired(false);
             return true;
         }
-        // Only here, deliberately: a transport or server error says nothing about the refresh token.
+        // Only here: a transport error or another status says nothing about the refresh token, and nobody is to sign in
+        // again for it.
         RunAtExpireCallback(m_atExpireCallback);
     }
     WriteLog(kSeverityFailure, __LINE__, kTag, L"refresh AT error statusCode: " + std::to_wstring(result.nHttpCode));

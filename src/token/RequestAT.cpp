@@ -86,12 +86,12 @@ CodeExchangeReply ReadReply(const char* text) {
     read.resultCode = result.StyledText("code");
     ReplaceAllIgnoringCase(read.resultCode, "\"", "");
     ReplaceAllIgnoringCase(read.resultCode, "\n", "");
-    read.resultDescription = result.StyledText("desc");  // deliberately keeps its quotes and its line feed
+    read.resultDescription = result.StyledText("desc");  // keeps its quotes and its line feed, as it always has
     return read;
 }
 
 void LogSummary(const std::wstring& url, int httpCode, const std::string& resultCode) {
-    // The description is deliberately not appended after its label.
+    // The line ends with the label of the description: kept as it is.
     WriteLog(kSeveritySummary, __LINE__, kTag,
              userauth::SummaryLine("RequestAT", url, httpCode) + L"\nResultCode:" +
                  MultiByteToWide(resultCode, userauth::kUtf8CodePage) + L"\nDescription:");
@@ -99,7 +99,7 @@ void LogSummary(const std::wstring& url, int httpCode, const std::string& result
 
 }  // namespace
 
-// The first argument is deliberately not used: the code that goes to the server is the second one.
+// The first argument is not used: kept as it is. The second one goes to the server.
 bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationCode) try {
     const std::wstring traceId = GetTraceID(BaseCmd::kRequestAccessToken);
     const std::map<std::wstring, std::wstring> headers = BuildHeaders(HeadType::kCodeExchange, traceId);
@@ -119,7 +119,7 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
             m_strCountryCode = reply.countryCode;
         }
         if (reply.countryCode.empty() || reply.accessToken.empty()) {
-            // This outcome deliberately has neither the summary nor the operation log.
+            // This outcome has neither the summary nor the operation log: kept as it is.
             WriteLog(kSeverityFailure, __LINE__, kTag, L"Get registerCountryCode from portal fail");
             return false;
         }
@@ -133,7 +133,7 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
             m_strResultDesc = reply.resultDescription;
         }
         succeeded = reply.resultCode == "0";
-        // Written whatever the result code is.
+        // Written whatever the result code is: kept as it is.
         WriteLog(kSeverityProgress, __LINE__, kTag, L"Get AT successed!");
     }
 

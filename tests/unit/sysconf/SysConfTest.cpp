@@ -102,7 +102,7 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"no exchange", kHttpTimeout, "", false, true, true, kAll},
         {"not JSON", 200, "{", false, true, true, kAll},
         {"plus sign", 200, R"({"a":+5})", false, true, true, kAll},
-        {"a megabyte of digits", 200, "[" + std::string(1024 * 1024, '7') + "]", false, true, true, kAll},
+        {"a megabyte of digits", 200, "[0." + std::string(1024 * 1024, '7') + "]", false, true, true, kAll},
         {"trailing text is JSON to this reader", 201, "{} x", true, false, true, {}},
         {"booleans", 201, AllSwitches("true"), true, true, true, kAll},
         {"capitals", 200, AllSwitches("\"True\""), true, false, true, {}},
