@@ -3,6 +3,8 @@
 #include <ParamStore.h>
 #include <windows.h>
 
+#include "UserAuthTypes.h"
+
 // The client's main window for as long as it lives; it keeps the messages about portraits for its thread.
 class PortraitWindow {
 public:
@@ -16,10 +18,9 @@ public:
 
     // Takes one message, for which it waits 15 seconds.
     bool MessageArrives() {
-        constexpr UINT kPortraitChanged = 0x0C87;
         MSG message{};
         const ULONGLONG deadline = GetTickCount64() + 15000;
-        while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) == FALSE) {
+        while (PeekMessageW(&message, m_window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) == FALSE) {
             if (GetTickCount64() > deadline) {
                 return false;
             }

@@ -7,7 +7,7 @@
 
 #include "ServiceFixture.h"
 #include "core/AccountBrandText.h"
-#include "core/SuiteWindowMessages.h"
+#include "core/WindowMessages.h"
 
 // While a push runs no reader may get in: it would see a value that the store may not have yet.
 TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr UINT kPortraitChanged = 0x0C87;
+static_assert(kPortraitChangedMessage == 3207, "hosts have the number compiled in");
 
 constexpr char kOperation[] = "RequestUserInfo";
 const std::string kOldPortrait = "old portrait, longer than any below";
@@ -45,7 +45,8 @@ protected:
         const ULONGLONG deadline = GetTickCount64() + 10000;
         do {
             MSG message{};
-            while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
+            while (PeekMessageW(&message, m_window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) !=
+                   FALSE) {
                 EXPECT_EQ(message.wParam, 0U);
                 EXPECT_EQ(message.lParam, 0);
                 ++count;
@@ -181,5 +182,5 @@ TEST_F(RequestUserInfoTest, WithoutAWindowNothingIsPosted) {
     Recording().replies = {{200, "{}", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
     MSG message{};
-    EXPECT_FALSE(PeekMessageW(&message, nullptr, kPortraitChanged, kPortraitChanged, PM_REMOVE));
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE));
 }

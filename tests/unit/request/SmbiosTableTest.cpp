@@ -91,7 +91,7 @@ TEST(SmbiosTable, ReadsEveryStructureItKnows) {
     EXPECT_EQ(identity.bios.release + L" " + identity.bios.embeddedControllerRelease, L"4.7 1.02");
     EXPECT_EQ(identity.baseboard.manufacturer + identity.baseboard.assetTag, L"bf");
     EXPECT_EQ(identity.enclosure.version + identity.enclosure.assetTag, L"hj");
-    EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2", L""}));
+    EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
     EXPECT_EQ(identity.system.manufacturer + identity.system.version + identity.system.serialNumber, L"makerv1sn");
     EXPECT_EQ(identity.system.family, L"family");
 }
@@ -118,6 +118,10 @@ TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
         {"number past the set", Table(Structure(1, 8, "\1\x09", Strings({"x"})), 500), L""},
         {"no strings at all", Table(Structure(1, 8, product, ""), 500), L""},
         {"string number 0", Table(Structure(1, 8, Bytes("\1\0", 2), Strings({"x"})), 500), L""},
+        {"second structure without a number",
+         Table(system + Structure(1, 8, Bytes("\1\0", 2), Strings({"x"})) + Structure(1, 4, "", Strings({})), 500),
+         L"Caf\u00E9 3000"},
+        {"second structure with a number", Table(system + Structure(1, 8, product, Strings({"x", "y"})), 500), L"y"},
         {"garbage behind the end", Table(system + kEnd + Structure(1, 8, product, Strings({"a", "b"})), 500),
          L"Caf\u00E9 3000"},
     };
@@ -139,10 +143,21 @@ TEST(SmbiosTable, EveryTruncationAndEveryLengthByteIsSurvived) {
     EXPECT_EQ(Read(whole).system.productName, L"Caf\u00E9 3000");
 }
 
+// 4 MB of nothing for each kilobyte of the table, were the counts believed.
+TEST(SmbiosTable, OemStringsEndWithTheirSet) {
+    Bytes structures = Structure(11, 5, "\xFF", Strings({"o1", "o2"}));
+    while (structures.size() < 4000) {
+        structures += Structure(11, 5, "\xFF", Strings({}));
+    }
+    EXPECT_EQ(ReadStructures(structures).oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
+}
+
 TEST(DeviceIdentityTest, NameHeaderHasADefaultAndALimit) {
     DeviceIdentity identity;
     EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
     identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');
     EXPECT_EQ(userauth::DeviceNameHeader(identity), std::wstring(249, L'a') + L"b");
+    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x7F\x80\x9F\xA0\u00E9", 13);
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d   \xA0\u00E9") << "control characters as blanks";
     EXPECT_EQ(&userauth::CurrentDeviceIdentity(), &userauth::CurrentDeviceIdentity());
 }

@@ -6,6 +6,10 @@
 
 #include "ServiceFixture.h"
 
+using userauth::JsonData;
+using userauth::UserAuthRequest;
+using userauth::WebRequestResult;
+
 namespace {
 
 class UserAuthRequestTest : public testing::Test {

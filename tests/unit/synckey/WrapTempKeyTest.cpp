@@ -6,7 +6,6 @@
 
 #include "KeyServerPeer.h"
 #include "core/Base64.h"
-#include "request/StandardBase64.h"
 #include "synckey/AesGcm.h"
 #include "synckey/WrapTempKey.h"
 

@@ -1,5 +1,6 @@
 #include <HttpLib.h>
 
+#include <clocale>
 #include <stdexcept>
 #include <thread>
 
@@ -100,6 +101,8 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"no content", 204, AllSwitches("false"), false, true, true, kAll},
         {"no exchange", kHttpTimeout, "", false, true, true, kAll},
         {"not JSON", 200, "{", false, true, true, kAll},
+        {"plus sign", 200, R"({"a":+5})", false, true, true, kAll},
+        {"a megabyte of digits", 200, "[0." + std::string(1024 * 1024, '7') + "]", false, true, true, kAll},
         {"trailing text is JSON to this reader", 201, "{} x", true, false, true, {}},
         {"booleans", 201, AllSwitches("true"), true, true, true, kAll},
         {"capitals", 200, AllSwitches("\"True\""), true, false, true, {}},
@@ -125,12 +128,16 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
 TEST_F(ServiceTest, SysConfOperationsLog) {
     constexpr char kOperation[] = "GetSysConfigInfo";
     Recording().replies = {{204, "", {}}, {503, "", {}}};
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",") << "or the time below would prove nothing";
     m_service->InitSysConf();
+    std::setlocale(LC_NUMERIC, "C");
     Lines outcome = Recording().TakeOutcome();
     ASSERT_EQ(outcome.size(), 3U);
     const std::string time = outcome.back();
     EXPECT_EQ(time.rfind("log 0 2 UserAuthService::GetSysConfigInfo --Request basic use time: ", 0), 0U) << time;
-    EXPECT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
+    ASSERT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
+    EXPECT_EQ(time[time.size() - 7], '.') << time;
     outcome.pop_back();
     EXPECT_EQ(outcome, Log("2", kOperation, "GetSysConfigInfo httpcode:204") +
                            Log("0", kOperation, "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"));

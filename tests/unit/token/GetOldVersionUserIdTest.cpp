@@ -7,7 +7,7 @@
 // clang-format on
 
 #include "ServiceFixture.h"
-#include "request/StandardBase64.h"
+#include "core/Base64.h"
 
 namespace {
 

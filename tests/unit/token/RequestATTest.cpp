@@ -1,7 +1,6 @@
 #include <HttpLib.h>
 
 #include "ServiceFixture.h"
-#include "token/ReplaceAllIgnoringCase.h"
 
 namespace {
 
@@ -61,6 +60,8 @@ TEST_F(ServiceTest, RequestATOutcomes) {
          "{}\n"},
         {"other code", 200, kGood + R"("result":{"code":"00","desc":"x"}})", false, tokens + Ending("200", "00"), "00",
          "\"x\"\n"},
+        {"code of many lines and quotes", 200, kGood + R"("result":{"code":{"A":"b"},"desc":""}})", false,
+         tokens + Ending("200", "{\tA : b}"), "{\tA : b}", "\"\"\n"},
         {"result of another type", 200, kGood + R"("result":["0"]})", false, tokens + Ending("200", "null"), "null",
          "null\n"},
         {"ANSI decoding", 200,
@@ -106,18 +107,4 @@ TEST_F(ServiceTest, RequestATKeepsWhatAFailingPathDoesNotReach) {
     EXPECT_EQ(UserAuthServiceAccess::Expires(*m_service), 3600);
     EXPECT_EQ(UserAuthServiceAccess::OauthStatus(*m_service), 201);
     EXPECT_EQ(UserAuthServiceAccess::OauthSubError(*m_service), 7);
-}
-
-TEST(ReplaceAllIgnoringCase, ReplacesEveryOccurrenceWhateverItsCase) {
-    const struct {
-        const char *subject, *pattern, *replacement, *expected;
-    } rows[] = {{"\"0\"\n", "\"", "", "0\n"}, {"aXbxc", "x", "--", "a--b--c"},
-                {"aaa", "aa", "b", "ba"},     {"abc", "", "x", "abc"},
-                {"", "a", "x", ""},           {"ab", "abc", "x", "ab"},
-                {"AbAB", "ab", "ab", "abab"}};
-    for (const auto& row : rows) {
-        std::string subject = row.subject;
-        userauth::ReplaceAllIgnoringCase(subject, row.pattern, row.replacement);
-        EXPECT_EQ(subject, row.expected) << row.subject;
-    }
 }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-struct HINSTANCE__;
+#include "OwnedModule.h"
 
 namespace userauth {
 
@@ -15,5 +15,19 @@ bool GetParentDirectory(const std::wstring& path, std::wstring& directory);
 
 // Folder of this library's own file, with its trailing separator; empty on failure.
 std::wstring GetCurrentModuleDirectory();
+
+// Keeps this library in memory for a thread that runs its code.
+class ModuleReference {
+public:
+    ModuleReference();
+    ModuleReference(ModuleReference&&) = default;
+
+    // Gives the reference back once the calling thread has ended: code of this library still runs after its last
+    // statement. When that cannot be arranged the library stays loaded. docs/decisions/0007-portrait-thread.md.
+    void ReleaseWhenThisThreadHasEnded();
+
+private:
+    OwnedModule m_module;
+};
 
 }  // namespace userauth
