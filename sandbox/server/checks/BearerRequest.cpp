@@ -6,36 +6,60 @@
 #include "checks/WireConstants.h"
 
 namespace sandbox {
-namespace {
 
-std::string RequestFault(const PlatformRequest& request, std::string_view query) {
-    HeaderInspection inspection(request.head);
-    inspection.Allow("Authorization");
-    inspection.ExpectNoBody();
-    inspection.RefuseOtherFields();
-    if (!inspection.Reason().empty()) {
-        return inspection.Reason();
+Account AccountOf(const std::string& accessToken, const PlatformState& state) {
+    auto check = state.CheckAccessToken(accessToken);
+    if (!check.account) {
+        throw Refusal(Wrong::kAccessToken, check.refusal);
     }
-    return request.query == query ? "" : "the query is not " + std::string(query);
+    return *std::move(check.account);
 }
 
-}  // namespace
-
-TokenCheck CheckBearer(const RequestHead& head, const PlatformState& state) {
+Account BearerAccount(const RequestHead& head, const PlatformState& state) {
     const auto value = head.OnlyValue("Authorization");
     if (value.compare(0, kBearerPrefix.size(), kBearerPrefix) != 0) {
-        return {std::nullopt, "Authorization is not one bearer token"};
+        throw Refusal(Wrong::kAccessToken, "Authorization is not one bearer token");
     }
-    return state.CheckAccessToken(value.substr(kBearerPrefix.size()));
+    return AccountOf(value.substr(kBearerPrefix.size()), state);
+}
+
+void RequireQuery(const PlatformRequest& request, std::string_view query) {
+    if (request.query != query) {
+        throw Refusal(Wrong::kQuery,
+                      query.empty() ? "the query is not empty" : "the query is not " + std::string(query));
+    }
 }
 
 EndpointHandler BearerQuery(std::string_view query, const PlatformState& state, AccountAnswer answer) {
     return [query, &state, answer = std::move(answer)](const PlatformRequest& request) {
-        if (const auto fault = RequestFault(request, query); !fault.empty()) {
-            return ErrorReply(400, fault);
+        HeaderInspection inspection(request.head);
+        inspection.Allow("Authorization");
+        inspection.ExpectNoBody();
+        inspection.RefuseOtherFields();
+        RequireQuery(request, query);
+        return answer(request, BearerAccount(request.head, state));
+    };
+}
+
+EndpointHandler BasicServicePost(ExtraField extra, const PlatformState& state, AccountAnswer answer) {
+    return [extra, &state, answer = std::move(answer)](const PlatformRequest& request) {
+        HeaderInspection inspection(request.head);
+        const auto userId = inspection.ExpectPresent("userId");
+        inspection.Expect("appId", kApplicationId);
+        inspection.Allow("Authorization");
+        inspection.Expect("Content-Type", kJsonContentType);
+        if (extra == ExtraField::kActiveMethod) {
+            inspection.Expect("x-zv-active-method", kManualActivation);
         }
-        const auto check = CheckBearer(request.head, state);
-        return check.account ? answer(request, *check.account) : ErrorReply(401, check.refusal);
+        inspection.ExpectContentLength(request.body.size());
+        inspection.RefuseOtherFields();
+        RequireQuery(request, "");
+        const auto account = BearerAccount(request.head, state);
+        // Empty before the client knows who signed in.
+        if (!userId.empty() && userId != account.userId) {
+            throw Refusal(Wrong::kHeader, "userId is not that of the access token's account");
+        }
+        return answer(request, account);
     };
 }
 

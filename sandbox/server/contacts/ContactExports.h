@@ -14,12 +14,6 @@ struct PortalLogin {
     std::string ticket;
 };
 
-// The owner of a pair of cookies.
-struct LoginCheck {
-    std::string userId;
-    std::string refusal;  // why the cookies are nobody's; empty when they are somebody's
-};
-
 // Logins of the contacts portal and what it serves to whom. All operations may be called from any thread.
 class ContactExports {
 public:
@@ -27,7 +21,8 @@ public:
 
     // The account's login, made when it is asked for first.
     PortalLogin LoginOf(const std::string& userId);
-    LoginCheck CheckLogin(const PortalLogin& login) const;
+    // The user id of the account that the login is of. Throws Refusal when it is nobody's.
+    std::string OwnerOf(const PortalLogin& login) const;
 
     // What the account gets from now on.
     void Put(const std::string& userId, PlatformReply reply);

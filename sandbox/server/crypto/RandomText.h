@@ -14,4 +14,7 @@ std::string RandomToken();
 // A random authorization code of letters, digits, '-' and '_'.
 std::string RandomCode();
 
+// 32 random hexadecimal digits.
+std::string RandomUuid();
+
 }  // namespace sandbox

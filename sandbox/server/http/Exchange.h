@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,5 +54,20 @@ struct PlatformReply {
 inline std::size_t BodySize(const PlatformReply& reply) {
     return reply.stream ? reply.stream->size : reply.body.size();
 }
+
+// What is wrong with a request that is refused.
+enum class Wrong { kHeader, kQuery, kBody, kAccessToken, kLogin };
+
+// Thrown by whoever finds that a request must be refused. what() is the reason, in one line.
+class Refusal : public std::runtime_error {
+public:
+    Refusal(Wrong part, const std::string& reason) : std::runtime_error(reason), m_part(part) {}
+
+    Wrong Part() const { return m_part; }
+    int Status() const { return m_part == Wrong::kAccessToken ? 401 : m_part == Wrong::kLogin ? 403 : 400; }
+
+private:
+    Wrong m_part;
+};
 
 }  // namespace sandbox

@@ -13,11 +13,8 @@ constexpr char kNoJsonByte = '\x81';
 
 Json::Value OfAnotherType(const Json::Value& value) {
     switch (value.type()) {
-        case Json::stringValue: {
-            Json::Value object(Json::objectValue);
-            object["text"] = value;
-            return object;
-        }
+        case Json::stringValue:
+            return JsonObject({{"text", value}});
         case Json::objectValue:
         case Json::booleanValue: {
             Json::Value array(Json::arrayValue);
@@ -33,15 +30,15 @@ Json::Value OfAnotherType(const Json::Value& value) {
 
 // Members change their types; a reply without members becomes an array.
 std::string WithWrongTypes(const std::string& body) {
-    const auto parsed = ParseJsonObject(body);
-    if (!parsed.reason.empty()) {
+    try {
+        auto members = ParseJsonBody(body);
+        for (auto& member : members) {
+            member = OfAnotherType(member);
+        }
+        return JsonLine(members);
+    } catch (const Refusal&) {
         return "[]";
     }
-    Json::Value spoilt(Json::objectValue);
-    for (const auto& name : parsed.value.getMemberNames()) {
-        spoilt[name] = OfAnotherType(parsed.value[name]);
-    }
-    return JsonLine(spoilt);
 }
 
 std::string Garbage() {
@@ -64,7 +61,9 @@ bool ReplacesBody(const Fault& fault) {
 }  // namespace
 
 void SpoilReply(const Fault& fault, PlatformReply& reply) {
-    reply.status = fault.status.value_or(reply.status);
+    if (fault.status) {
+        reply.status = static_cast<int>(*fault.status);
+    }
     if (ReplacesBody(fault)) {
         reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
     }

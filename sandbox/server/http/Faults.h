@@ -14,7 +14,7 @@ namespace sandbox {
 // What goes wrong with the replies of one endpoint. The endpoint still does its work; only its reply suffers.
 struct Fault {
     std::string endpoint;
-    std::optional<int> status;                 // instead of the endpoint's own
+    std::optional<unsigned> status;            // instead of the endpoint's own
     std::chrono::milliseconds delay{};         // before anything is sent
     std::chrono::milliseconds stall{};         // after the head and part of the body
     std::optional<std::size_t> stallAfter;     // bytes of the body that go before a stall; half of it without this
@@ -28,12 +28,8 @@ struct Fault {
 };
 
 // A fault described in JSON: {"endpoint": path} and at least one of the members of Fault, named alike, times of delay
-// and stall as "delayMs" and "stallMs".
-struct ParsedFault {
-    Fault fault;
-    std::string reason;  // why the description is refused, naming the member; empty when it is good
-};
-ParsedFault ParseFault(const Json::Value& description);
+// and stall as "delayMs" and "stallMs". Throws Refusal when the description is another one.
+Fault ReadFault(const Json::Value& description);
 
 // The faults in force, at most one an endpoint. All operations may be called from any thread.
 class FaultTable {

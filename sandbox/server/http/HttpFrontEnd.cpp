@@ -58,12 +58,8 @@ httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request,
 
 // An exclusive port: the library's own choice lets another program listen on it as well.
 void TakePortExclusively(socket_t socket) {
-#ifdef _WIN32
     const int on = 1;
     setsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, reinterpret_cast<const char*>(&on), sizeof(on));
-#else
-    static_cast<void>(socket);
-#endif
 }
 
 }  // namespace
