@@ -1,5 +1,5 @@
 #include "Endpoints.h"
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"

@@ -107,7 +107,7 @@ HANDLE EndEvent() {
 BOOL WINAPI OnConsoleEvent(DWORD kind) {
     SetEvent(EndEvent());
     if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) {
-        Sleep(INFINITE);  // the system ends the process on return; it is to end by itself
+        Sleep(INFINITE);  // the system ends the process when this returns; main is to return first
     }
     return TRUE;
 }
@@ -155,7 +155,7 @@ Platform::Platform() {
     AddContactsControl(endpoints, state, contacts);
 }
 
-// Until it is told to end. False when a listener failed meanwhile, which has been reported.
+// Serves until it is told to end. False when a listener failed meanwhile, which has been reported.
 bool Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
     Platform platform;
@@ -179,7 +179,7 @@ bool Serve(const Options& options) {
     RunningServer<RecordingHttpServer> runningHttp(http);
     RunningServer<RecordingHttpsServer> runningHttps(https);
     if (!options.endWithInput) {
-        SetConsoleCtrlHandler(OnConsoleEvent, TRUE);  // else Ctrl-C ends the process at once, as the system has it
+        SetConsoleCtrlHandler(OnConsoleEvent, TRUE);  // without it Ctrl-C ends the process at once
     }
     AnnounceReady(httpPort, httpsPort, options.authorityFile);
     WaitForEnd(options.endWithInput);

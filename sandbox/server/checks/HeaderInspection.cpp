@@ -24,8 +24,8 @@ constexpr FixedField kFixedFields[] = {
     {"x-zv-os-brand", kOsBrand},          {"Host", kAccountHost},
 };
 
-// What HTTP libraries add to any request. The value is one that only the client gives the field, and no library; empty
-// when there is none.
+// Fields that HTTP libraries add by themselves. No library sets a field to the value beside it, only the client does;
+// an empty one stands for none.
 constexpr FixedField kLibraryFields[] = {
     {"Host", kAccountHost}, {"User-Agent", kUserAgent}, {"Accept", ""}, {"Accept-Encoding", ""}, {"Connection", ""},
 };

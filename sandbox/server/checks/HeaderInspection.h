@@ -17,8 +17,8 @@ public:
 
     // The fourteen fields that every account request carries; the trace id must be one of traceCommand.
     void ExpectCommonFields(unsigned traceCommand);
-    // The whole set of a signed-in request with a JSON body and nothing else of the client's; the value of
-    // Authorization is the caller's to judge.
+    // The common fields, Authorization, Content-Type of JSON and Content-Length, and no others. Authorization may have
+    // any value: the caller checks it.
     void ExpectAuthorizedFields(unsigned traceCommand, std::size_t bodySize);
     void Expect(std::string_view name, std::string_view value);
     // With any value, an empty one included; returns it.
@@ -31,8 +31,8 @@ public:
     void ExpectContentLength(std::size_t bodySize);
     void ExpectNoBody() const;
     // Refuses every field that no check asked for so far, but for those that an HTTP library adds by itself: Host,
-    // User-Agent, Accept, Accept-Encoding and Connection. A Host or User-Agent with the value that the client's own
-    // header sets give it is refused as well: such a value means that the client sent a set of another request.
+    // User-Agent, Accept, Accept-Encoding and Connection. A Host or User-Agent with the client's own value is refused
+    // as well, because no library sets it.
     void RefuseOtherFields() const;
 
 private:

@@ -25,7 +25,7 @@ std::string_view CodeOf(Wrong part) {
     }
 }
 
-// A member as it stands in the text that object was parsed from: no way of escaping is preferred.
+// A member as it is written in text, from which object was parsed: it may be escaped in any way that JSON allows.
 std::string Written(const Json::Value& object, const char* name, const std::string& text) {
     const auto start = static_cast<std::size_t>(object[name].getOffsetStart());
     const auto end = static_cast<std::size_t>(object[name].getOffsetLimit());

@@ -13,15 +13,15 @@ namespace sandbox {
 // {"code", "desc"}, the member "result" of every reply.
 Json::Value PortalResult(std::string_view code, const std::string& description);
 
-// An endpoint that reports a Refusal of answer as the portal does: with a result, whose code says what is wrong. answer
-// looks at the header first, so that what is wrong there is named even when query and body are wrong too.
+// An endpoint that calls answer and reports its Refusal as the portal does: in a result, whose code says what is wrong.
+// answer checks header, query and body in this order: the portal names the first fault only.
 EndpointHandler PortalEndpoint(EndpointHandler answer);
 
-// These throw Refusal.
-// The trace id of the header is the only thing in the query.
+// The following throw Refusal when the request is not like this:
+// The query is the header's trace id and nothing else.
 void CheckTraceQuery(const PlatformRequest& request);
-// The body is one compact line of the string member of that name, which is returned, and the header's trace id, in this
-// order.
+// The body is one compact line of two members, in this order: the text of that name, which is returned, and the trace
+// id of the header.
 std::string TracedMember(const PlatformRequest& request, const char* member);
 // The body is a null value in one line.
 void CheckNullBody(const PlatformRequest& request);

@@ -21,7 +21,7 @@ PlatformReply Cards(unsigned count, const std::string& note, const std::string& 
     return ContactsReply(*std::move(coded), coding);
 }
 
-// So many bytes of cards, of which not all need be in memory.
+// Cards of that size in all, never held in memory as a whole.
 PlatformReply Bytes(unsigned size) {
     auto reply = ContactsReply({}, "identity");
     reply.stream = RepeatedCard(size);

@@ -1,6 +1,6 @@
 #include <optional>
 
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
 #include "contacts/Endpoints.h"
@@ -15,7 +15,7 @@ std::string CheckHeader(const RequestHead& head) {
     inspection.Expect("Accept", kAccept);
     inspection.Expect("Accept-Encoding", "gzip, deflate, br");
     inspection.Expect("Accept-Language", kAcceptLanguage);
-    // The portal's clients send the text of Accept here, and ContentType without a hyphen.
+    // The portal's clients send the text of Accept in Cache-Control as well, and write ContentType without a hyphen.
     inspection.Expect("Cache-Control", kAccept);
     inspection.Expect("ContentType", "application/force-download");
     inspection.Expect("Content-Disposition", "attachment; filename='contacts.vcf'");

@@ -22,7 +22,7 @@ struct ParsedPublicKey {
     KeyPtr key;
     std::string fault;  // why there is no key
 };
-// The point's place on the curve is checked.
+// Takes only a point that is on the curve.
 ParsedPublicKey ParseP256PublicKey(const std::string& der);
 
 // The X coordinate of the shared point as it is, without a key derivation: always 32 bytes, leading zeros kept.

@@ -50,7 +50,7 @@ std::optional<std::string> UnwrapSecret(const std::string& blob, const std::stri
     const auto context = NewContext();
     std::string secret(blob.size() - kBlobNonceSize - kBlobTagSize, '\0');
     const char* ciphertext = blob.data() + kBlobNonceSize;
-    std::string tag = blob.substr(blob.size() - kBlobTagSize);  // the library takes it as if it wrote to it
+    std::string tag = blob.substr(blob.size() - kBlobTagSize);  // a copy: the library takes no constant
     int written = 0;
     int rest = 0;
     RequireOpenSsl(

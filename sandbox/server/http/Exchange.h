@@ -31,12 +31,12 @@ inline constexpr const char* kContentTypeJson = "application/json;charset=UTF-8"
 // A body that goes out block by block, so that it need not be held as a whole.
 struct StreamedBody {
     std::size_t size = 0;
-    // The bytes from offset on, at least one of them while offset is below size; they may reach beyond size. Valid as
-    // long as the function.
+    // Returns bytes from offset on: at least one while offset is below size, perhaps more than are left. They stay
+    // valid as long as the function lives.
     std::function<std::string_view(std::size_t offset)> block;
 };
 
-// bytes in memory; copies of the body share them.
+// A body of bytes in memory. Copies of the body share them.
 inline StreamedBody SharedBody(std::string bytes) {
     const auto shared = std::make_shared<const std::string>(std::move(bytes));
     return {shared->size(), [shared](std::size_t offset) { return std::string_view(*shared).substr(offset); }};
@@ -55,7 +55,7 @@ inline std::size_t BodySize(const PlatformReply& reply) {
     return reply.stream ? reply.stream->size : reply.body.size();
 }
 
-// What is wrong with a request that is refused.
+// Which part of a refused request is wrong.
 enum class Wrong { kHeader, kQuery, kBody, kAccessToken, kLogin };
 
 // Thrown by whoever finds that a request must be refused. what() is the reason, in one line.

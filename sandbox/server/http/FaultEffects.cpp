@@ -65,7 +65,7 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
         reply.status = static_cast<int>(*fault.status);
     }
     if (ReplacesBody(fault)) {
-        reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
+        reply.stream.reset();  // reply.body, which is empty then, is what changes below
     }
     if (fault.contentLength) {
         reply.chunked = false;
@@ -95,7 +95,7 @@ Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     delivery.firstPart = stalls ? std::min(fault.stallAfter.value_or(sent / 2), sent) : sent;
     delivery.secondPart = sent - delivery.firstPart;
     delivery.pause = fault.stall;
-    // A cut is visible, unless the fault itself announces a length that fits: more is announced than is sent.
+    // A reply that is cut announces more than is sent, so that the peer sees the cut. The fault's own length wins.
     delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
     delivery.close = delivery.announced != sent;
     return delivery;

@@ -27,8 +27,8 @@ struct Fault {
     std::optional<unsigned> times;             // how many requests are hit; all of them without it
 };
 
-// A fault described in JSON: {"endpoint": path} and at least one of the members of Fault, named alike, times of delay
-// and stall as "delayMs" and "stallMs". Throws Refusal when the description is another one.
+// Reads a fault from {"endpoint": PATH} with at least one member more. The members are called as those of Fault, but
+// for "delayMs" and "stallMs", which are numbers of milliseconds. Throws Refusal on any other description.
 Fault ReadFault(const Json::Value& description);
 
 // The faults in force, at most one an endpoint. All operations may be called from any thread.
@@ -37,7 +37,7 @@ public:
     // Replaces the fault of that endpoint.
     void Put(Fault fault);
     void Clear();
-    // The fault that hits this request, if any; counts it.
+    // The fault that hits a request of that endpoint, if there is one; counts the request.
     std::optional<Fault> Take(const std::string& endpoint);
 
 private:

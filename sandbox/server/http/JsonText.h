@@ -8,8 +8,8 @@
 
 namespace sandbox {
 
-// Strict JSON with an object at its root. Throws Refusal on anything else, and on comments, repeated names, text behind
-// the object and nesting beyond 64 levels.
+// Reads strict JSON with an object at its root. Throws Refusal on anything else: also on comments, repeated names, text
+// behind the object and more than 64 levels of nesting.
 Json::Value ParseJsonBody(const std::string& body);
 
 // An object of these members.

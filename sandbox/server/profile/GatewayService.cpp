@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
 #include "http/FormText.h"

@@ -43,7 +43,7 @@ struct Photo {
     const char* contentType;
 };
 
-// A JPEG when the name ends in .jpg, else one of the PNG: people beside each other get different ones.
+// A JPEG when the name ends in .jpg, else one of the two PNG.
 Photo PhotoOf(const std::string& name, bool odd) {
     if (name.substr(name.find_last_of('.') + 1) == "jpg") {
         return {{std::begin(kJpeg), std::end(kJpeg)}, "image/jpeg"};
@@ -55,7 +55,7 @@ Photo PhotoOf(const std::string& name, bool odd) {
 
 EndpointHandler PhotoEndpoint(const Photo& photo) {
     return [photo](const PlatformRequest& request) {
-        // A host of its own in real life: what a client tells the account platform about itself must not reach it.
+        // In real life this is another host. A client must not send it what it tells the account platform of itself.
         HeaderInspection inspection(request.head);
         inspection.ExpectNoBody();
         inspection.RefuseOtherFields();

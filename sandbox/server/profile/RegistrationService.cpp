@@ -1,5 +1,4 @@
-#include "checks/BearerRequest.h"
-#include "checks/EncodedAuthorization.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/PortalRequest.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"
@@ -13,7 +12,7 @@ PlatformReply Registration(const PlatformRequest& request, const PlatformState& 
     CheckTraceQuery(request);
     const auto country = TracedMember(request, "registerCountryCode");
     const auto account = AccountOf(accessToken, state);
-    // Empty while the client does not know its country, as after a sign-in without an authorization code.
+    // Empty before the client knows its country: it learns that in exchange for an authorization code only.
     if (!country.empty() && country != account.countryCode) {
         throw Refusal(Wrong::kBody, "registerCountryCode is neither empty nor " + account.countryCode);
     }

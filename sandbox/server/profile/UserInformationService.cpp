@@ -1,4 +1,4 @@
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"
 #include "profile/Endpoints.h"
@@ -6,7 +6,7 @@
 namespace sandbox {
 namespace {
 
-// On the listener that was asked, so that a client that came by TLS stays with it.
+// The link names the listener that was asked, so that a client that came by TLS stays with TLS.
 std::string PhotoLink(const PlatformRequest& request, const Account& account) {
     return account.photoName.empty() ? std::string() : request.origin + std::string(kPathPhotos) + account.photoName;
 }

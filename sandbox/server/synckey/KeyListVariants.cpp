@@ -35,7 +35,7 @@ Json::Value Entry(const UserKey& key, const KeyListOrder& order) {
                        {"keySHA256", WrappedText(Sha256(key.bytes), order)}});
 }
 
-// Of a type that no client knows, with a digest that does not fit: whoever takes it for a key must give up there.
+// An entry of a type that no client knows. Its digest does not fit, so that a client that takes it for a key fails.
 Json::Value ForeignEntry(const Json::Value& type, const KeyListOrder& order) {
     auto entry = Entry({kForeignType, RandomUuid(), RandomBytes(16)}, order);
     entry["keyType"] = type;

@@ -33,7 +33,7 @@ PlatformReply DescribeKeys(const PlatformState& state, const UserKeyPlatform& us
                                    {"leadingZeroSecrets", static_cast<Json::UInt64>(counts.leadingZeroSecrets)}})}}));
 }
 
-// Of both data types, or of the one that the member "dataType" names.
+// Chooses it for both data types, or for the one that the member "dataType" names.
 PlatformReply ChooseVariant(const Json::Value& body, KeyListChoice& lists) {
     OrderReader order(body);
     const auto* variant = FindKeyListVariant(order.Text("variant").value_or(""));

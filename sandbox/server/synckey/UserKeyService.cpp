@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"
@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kTokenField = "x-zv-tempKey";
 constexpr const char* kUserIdFields[] = {"unionID", "userId"};
 
-// The fields that both requests have in common; inspection has seen the others.
+// The fields that both requests have in common. The caller has had the others inspected.
 void CheckCommonFields(HeaderInspection& inspection) {
     inspection.ExpectPresent("Authorization");
     for (const auto* name : kUserIdFields) {

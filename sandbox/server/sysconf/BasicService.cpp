@@ -1,4 +1,4 @@
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"
 #include "sysconf/Endpoints.h"

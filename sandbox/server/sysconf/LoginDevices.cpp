@@ -1,8 +1,7 @@
 #include <optional>
 #include <vector>
 
-#include "checks/BearerRequest.h"
-#include "checks/EncodedAuthorization.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/WireConstants.h"
 #include "crypto/Sha256.h"
 #include "http/JsonText.h"
@@ -20,7 +19,8 @@ struct Device {
     std::optional<int> type;
 };
 
-// Every account has these beside its PC, newest first. Names beyond ASCII on purpose, one beyond the basic plane.
+// Every account has these beside its PC, newest first. Names are beyond ASCII, one of them beyond the basic plane: a
+// client that loses characters shows itself.
 std::vector<Device> OtherDevices() {
     return {
         {"\u624B\u673A \U0001F4F1", "Nimba 9 Pro", "PHONE", "2024-11-05T21:40:12Z",

@@ -1,4 +1,4 @@
-#include "checks/BearerRequest.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/PortalRequest.h"
 #include "checks/WireConstants.h"
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kLifetimeSeconds = 7200;
 
-// Nobody of this platform takes an application token, so none is remembered.
+// No service of this platform takes an application token, so none is remembered.
 PlatformReply IssueToken(const PlatformRequest& request, const PlatformState& state) {
     HeaderInspection(request.head).ExpectAuthorizedFields(kCommandApplicationToken, request.body.size());
     CheckTraceQuery(request);

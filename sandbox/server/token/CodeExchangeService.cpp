@@ -27,7 +27,7 @@ Json::Value GrantedReply(const TokenGrant& grant) {
                        {"result", PortalResult(kResultSuccess, "success")}});
 }
 
-// Status 200 on purpose: the portal reports a refused code in the reply only, without tokens and country.
+// The portal answers a refused code with status 200 as well. Only the reply tells, by having no tokens and no country.
 Json::Value RefusedCodeReply(const std::string& reason) {
     return JsonObject({{"oauthHttpStatusCode", kOauthStatusRefused},
                        {"oauthSubErrorCode", kOauthSubErrorCodeRefused},

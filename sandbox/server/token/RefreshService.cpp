@@ -8,7 +8,7 @@
 namespace sandbox {
 namespace {
 
-// These and nothing else of the client's.
+// The client may add no other field.
 void CheckHeader(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
     inspection.ExpectPresent("refreshToken");
@@ -41,7 +41,7 @@ PlatformReply Refresh(const PlatformRequest& request, PlatformState& state) {
     if (exchange.wrongClaim != nullptr) {
         throw Refusal(Wrong::kHeader, exchange.wrongClaim + (": " + exchange.refusal));
     }
-    // A refused token has status 200 as well, on purpose: its reply only lacks the new one.
+    // The portal answers a refused token with status 200 as well. Its reply only lacks the new token.
     return JsonReply(
         exchange.accessToken
             ? JsonObject({{"token", *exchange.accessToken}, {"result", PortalResult(kResultSuccess, "success")}})
