@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <atomic>
 #include <chrono>
 #include <filesystem>
