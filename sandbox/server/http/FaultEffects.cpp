@@ -9,6 +9,8 @@ namespace sandbox {
 namespace {
 
 constexpr std::size_t kGarbageBytes = 256;
+// A reply with this status ends with its head (RFC 9110, 6.4.1). A client would take a body for the next reply.
+constexpr int kNoContent = 204;
 constexpr char kNoJsonByte = '\x81';
 
 Json::Value OfAnotherType(const Json::Value& value) {
@@ -81,6 +83,10 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
     }
     if (fault.oversize) {
         Pad(reply.body, *fault.oversize);
+    }
+    if (reply.status == kNoContent) {
+        reply.stream.reset();
+        reply.body.clear();
     }
 }
 
