@@ -20,7 +20,7 @@ std::wstring CommandLine(const std::filesystem::path& program, const std::filesy
     if (!std::filesystem::exists(program)) {
         throw HostError(kExitStepFailed, "there is no " + ToUtf8(program.wstring()) + ": it belongs to this program");
     }
-    return L"\"" + program.wstring() + L"\" --http-port 0 --https-port 0 --ca-file \"" +
+    return L"\"" + program.wstring() + L"\" --end-with-input --http-port 0 --https-port 0 --ca-file \"" +
            certificateAuthority.wstring() + L"\"";
 }
 

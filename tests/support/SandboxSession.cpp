@@ -59,7 +59,8 @@ extern "C" __declspec(dllexport) _invalid_parameter_handler UserAuthInvalidParam
     return [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {};
 }
 
-SandboxServer::SandboxServer(const std::wstring& arguments) : m_process(L"sandbox-server.exe", arguments) {
+SandboxServer::SandboxServer(const std::wstring& arguments)
+    : m_process(L"sandbox-server.exe", L"--end-with-input " + arguments) {
     const Json::Value ready = Parse(m_process.ReadLine());
     m_http = ready["http"].asString();
     m_https = ready["https"].asString();

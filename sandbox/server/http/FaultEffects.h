@@ -8,7 +8,7 @@
 
 namespace sandbox {
 
-// Changes status and body as the fault says. A length to announce ends the sending in chunks.
+// Changes status and body as the fault says. A reply whose announced length is the fault's does not go out in chunks.
 void SpoilReply(const Fault& fault, PlatformReply& reply);
 
 // How a spoilt reply goes out: the announced length, then the first and the second part of the body with a pause

@@ -4,10 +4,12 @@
 #include "http/EndpointTable.h"
 #include "state/PlatformState.h"
 
+// The contacts portal. The arguments must outlive the table.
 namespace sandbox {
 
-// The endpoints under /sandbox for the contacts portal: the current account's login and what it is served.
-// The arguments must outlive the table.
+// An account's contacts as a download.
+void AddContactsEndpoint(EndpointTable& endpoints, const ContactExports& exports);
+// Under /sandbox: the current account's login and what it is served.
 void AddContactsControl(EndpointTable& endpoints, const PlatformState& state, ContactExports& exports);
 
 }  // namespace sandbox

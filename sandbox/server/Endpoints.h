@@ -7,8 +7,10 @@
 
 namespace sandbox {
 
-// The endpoints under /sandbox: sign-in for the account SDK, the device's session, clock and tokens, faults and a look
-// at the traffic. The arguments must outlive the table.
+// The routing service: tells a client which hosts serve its region.
+void AddRoutingEndpoints(EndpointTable& endpoints);
+// Under /sandbox: sign-in for the account SDK, the device's session, clock and tokens, faults and a look at the
+// traffic. The arguments must outlive the table.
 void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, FaultTable& faults, const TrafficLog& traffic);
 
 }  // namespace sandbox

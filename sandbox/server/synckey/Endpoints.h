@@ -5,7 +5,7 @@
 #include "http/EndpointTable.h"
 #include "state/PlatformState.h"
 #include "synckey/KeyExchange.h"
-#include "synckey/KeyListChoice.h"
+#include "synckey/KeyListVariants.h"
 #include "synckey/UserKeys.h"
 
 namespace sandbox {
@@ -19,8 +19,10 @@ struct UserKeyPlatform {
     KeyListChoice lists;
 };
 
-// The user-information service: the server's public key and the key lists of an account. state and userKeys must
-// outlive the table.
+// The arguments of both must outlive the table.
+// The user-information service: the server's public key and the key lists of an account.
 void AddUserKeyEndpoints(EndpointTable& endpoints, const PlatformState& state, UserKeyPlatform& userKeys);
+// Under /sandbox: what the current account's keys are, how key lists are made, what is served for the server's key.
+void AddUserKeyControl(EndpointTable& endpoints, const PlatformState& state, UserKeyPlatform& userKeys);
 
 }  // namespace sandbox
