@@ -8,6 +8,7 @@
 #include "ProcessState.h"
 #include "SystemUuid.h"
 
+namespace suite {
 namespace {
 
 constexpr wchar_t kDefaultStateFolderName[] = L"\\UserAuthService";
@@ -20,7 +21,7 @@ SettingsStore& SettingsStore::Instance() {
     return *instance;
 }
 
-bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
+bool SettingsStore::Load(ConfigurationText text, std::string& error) try {
     if (ProcessIsEnding()) {
         error = "the process is ending";
         return false;
@@ -31,7 +32,7 @@ bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
         const std::lock_guard<std::mutex> lock(m_mutex);
         base = m_configuration;
     }
-    std::optional<ClientConfiguration> configuration = ReadClientConfiguration(file, std::move(base), error);
+    std::optional<ClientConfiguration> configuration = ReadClientConfiguration(text, std::move(base), error);
     if (!configuration) {
         return false;
     }
@@ -85,3 +86,5 @@ std::wstring SettingsStore::SystemUuid() {
     }
     return m_uuid;
 }
+
+}  // namespace suite

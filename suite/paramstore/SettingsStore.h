@@ -4,6 +4,9 @@
 #include <string>
 
 #include "ClientConfiguration.h"
+#include "ConfigurationText.h"
+
+namespace suite {
 
 // The process's deployment settings and the identity of this installation. Any thread.
 class SettingsStore {
@@ -11,7 +14,7 @@ public:
     static SettingsStore& Instance();
 
     // GlobalParamWrapper::LoadConfiguration.
-    bool Load(const std::wstring& file, std::string& error);
+    bool Load(ConfigurationText text, std::string& error);
 
     std::wstring Text(std::wstring ClientConfiguration::*setting) const;
     std::wstring LegacyItem(int number) const;  // empty when there is none
@@ -28,3 +31,5 @@ private:
     std::wstring m_uuidFolder;
     std::wstring m_uuid;  // the identity of m_uuidFolder; empty until asked for
 };
+
+}  // namespace suite

@@ -11,6 +11,7 @@
 #include <memory>
 #include <system_error>
 
+namespace suite {
 namespace {
 
 constexpr std::size_t kUuidBytes = 16;
@@ -123,3 +124,5 @@ std::wstring LoadOrCreateSystemUuid(const std::wstring& stateFolder) {
     }
     return std::wstring(digits.begin(), digits.end());
 }
+
+}  // namespace suite
