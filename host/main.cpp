@@ -24,7 +24,7 @@ void OpenLog(const Options& options) {
 
 int Run(Console& console) {
     Options options;
-    if (const std::optional<int> done = ReadCommandLine(ProcessArguments(), options, console)) {
+    if (const std::optional<int> done = ReadCommandLine(ProcessArguments(), Commands(), options, console)) {
         return *done;
     }
     OpenLog(options);

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "system/SystemError.h"
+#include "system/HostError.h"
 #include "text/TextEncoding.h"
 
 namespace host {

@@ -8,7 +8,6 @@
 
 #include "system/HostError.h"
 #include "system/RenameOver.h"
-#include "system/SystemError.h"
 #include "text/JsonObject.h"
 #include "text/TextEncoding.h"
 

@@ -2,12 +2,10 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "commandline/CommandLine.h"
 #include "platform/SandboxProcess.h"
 #include "platform/SdkConfiguration.h"
-#include "session/StepReport.h"
 #include "system/PortraitWindow.h"
 #include "system/TemporaryFolder.h"
 #include "text/Console.h"
@@ -24,7 +22,8 @@ struct SessionState {
     SessionState& operator=(const SessionState&) = delete;
 
     const Options& options;
-    Console& console;  // for what a step shows while it runs
+    Console& console;
+    const CommandCall* call = nullptr;  // the command whose steps run; null before the first
     TemporaryFolder folder;
     std::unique_ptr<SandboxProcess> sandbox;  // null without demo; after the folder, which holds its file
     std::string platformUrl;                  // empty until the set-up has run

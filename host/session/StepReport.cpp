@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-#include "commandline/CommandLine.h"
+#include "session/SessionState.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -104,12 +104,11 @@ struct StepReport::Outcome {
     std::vector<HttpExchange> exchanges;
 };
 
-bool ShowsRunningStep(const Console& console, const Options& options) {
-    return console.IsTerminal() && !options.json && !options.verbose;
+bool ShowsRunningStep(const SessionState& state) {
+    return state.console.IsTerminal() && !state.options.json && !state.options.verbose;
 }
 
-StepReport::StepReport(Console& console, const Options& options)
-    : m_console(console), m_options(options), m_showsRunning(ShowsRunningStep(console, options)) {}
+StepReport::StepReport(SessionState& state) : m_state(state), m_showsRunning(ShowsRunningStep(state)) {}
 
 bool StepReport::Run(const Step& step) {
     Announce(step);
@@ -117,11 +116,11 @@ bool StepReport::Run(const Step& step) {
     const Clock::time_point start = Clock::now();
     StepResult result;
     try {
-        result = step.run();
+        result = step.run(m_state);
     } catch (const std::exception& error) {
         // A terminal shows the text as the program's last line anyway.
-        const bool shown = m_console.IsTerminal() && !m_options.json;
-        Finish(step, start, {false, shown ? "" : error.what(), {}});
+        const bool shown = m_state.console.IsTerminal() && !m_state.options.json;
+        Finish(step, start, {false, shown ? "" : error.what()});
         throw;
     }
     return Finish(step, start, std::move(result));
@@ -137,10 +136,10 @@ bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult re
     if (!outcome.result.ok && m_failed.empty()) {
         m_failed = step.title;
     }
-    if (m_options.verbose) {
+    if (m_state.options.verbose) {
         Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own
     }
-    m_options.json ? ShowJson(step, outcome) : ShowLine(step, outcome);
+    m_state.options.json ? ShowJson(step, outcome) : ShowLine(step, outcome);
     return outcome.result.ok;
 }
 
@@ -154,22 +153,22 @@ bool StepReport::RunAll(const std::vector<Step>& steps) {
 }
 
 void StepReport::Conclude() {
-    if (m_options.json || m_count == 0) {
+    if (m_state.options.json || m_count == 0) {
         return;
     }
     const std::string steps = std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ");
     if (AllSucceeded()) {
         char time[32];
         std::snprintf(time, sizeof(time), "%.0f ms", m_milliseconds);
-        m_console.Write("\n" + steps + Paint(kGreen, "all succeeded") + ", " + time + "\n");
+        m_state.console.Write("\n" + steps + Paint(kGreen, "all succeeded") + ", " + time + "\n");
     } else {
-        m_console.Write("\n" + steps + Paint(kRed, "failed") + ": " + m_failed + "\n");
+        m_state.console.Write("\n" + steps + Paint(kRed, "failed") + ": " + m_failed + "\n");
     }
 }
 
 void StepReport::Announce(const Step& step) {
     if (m_showsRunning) {
-        m_console.Write(std::string(kRunning) + step.title);
+        m_state.console.Write(std::string(kRunning) + step.title);
     }
 }
 
@@ -182,7 +181,7 @@ void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
     for (const auto& [name, value] : outcome.result.fields) {
         line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
     }
-    m_console.Write(line + TableText(outcome.result.table, kFieldIndent) + "\n");
+    m_state.console.Write(line + TableText(outcome.result.table, kFieldIndent) + "\n");
 }
 
 void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
@@ -208,11 +207,11 @@ void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
     builder["emitUTF8"] = true;
     builder["precision"] = 3;
     builder["precisionType"] = "decimal";
-    m_console.Write(Json::writeString(builder, json) + "\n");
+    m_state.console.Write(Json::writeString(builder, json) + "\n");
 }
 
 std::string StepReport::Paint(const char* colour, const std::string& text) const {
-    return m_console.HasColour() ? colour + text + kPlain : text;
+    return m_state.console.HasColour() ? colour + text + kPlain : text;
 }
 
 }  // namespace host

@@ -23,7 +23,7 @@ constexpr char kDemoContacts[] = "{\"cards\":500,\"coding\":\"br\",\"chunked\":t
 
 struct ContactsSource {
     std::wstring url;  // empty when there is none
-    std::map<std::wstring, std::wstring> cookies;
+    std::map<std::wstring, std::wstring> cookies = {};
 };
 
 // What a client has from the portal's web login: a sandbox hands it out at its platform's URL.
@@ -33,7 +33,7 @@ ContactsSource SandboxSource(const std::string& platformUrl) {
     if (path.empty() || !(*login)["cookies"].isObject()) {
         return {};
     }
-    ContactsSource source{ToWide(platformUrl + path), {}};
+    ContactsSource source{ToWide(platformUrl + path)};
     const Json::Value& cookies = (*login)["cookies"];
     for (const std::string& name : cookies.getMemberNames()) {
         source.cookies.emplace(ToWide(name), ToWide(TextMember(cookies, name.c_str())));
@@ -113,16 +113,15 @@ std::string FaultOf(bool exported, const VcardFile& contacts, const std::filesys
 
 bool Download(SessionState& state, const ContactsSource& source, const std::filesystem::path& file) {
     const std::unique_ptr<GrowingFile> progress =
-        ShowsRunningStep(state.console, state.options)
-            ? std::make_unique<GrowingFile>(state.console, std::string(kRunning) + kTitle, file)
-            : nullptr;
+        ShowsRunningStep(state) ? std::make_unique<GrowingFile>(state.console, std::string(kRunning) + kTitle, file)
+                                : nullptr;
     return state.service->ExportContracts(source.url, file.wstring(), source.cookies);
 }
 
 StepResult Export(SessionState& state, const std::filesystem::path& file) {
     const ContactsSource source = SourceOf(state);
     if (source.url.empty()) {
-        return {false, "no sandbox answers at --platform: give --url, and --cookie for the login of its portal", {}};
+        return {false, "no sandbox answers at --platform: give --url, and --cookie for the login of its portal"};
     }
     const PartFile part(file);
     const std::vector<std::pair<std::string, std::string>> path = {{"path", ToUtf8(file.wstring())}};
@@ -144,21 +143,25 @@ StepResult Export(SessionState& state, const std::filesystem::path& file) {
         path};
 }
 
+StepResult ExportToFile(SessionState& state) {
+    return Export(state, ToWide(state.call->argument));
+}
+
 StepResult ExportDemoContacts(SessionState& state) {
     if (!TellSandbox(state.sandbox->Address().http, "/sandbox/contacts", kDemoContacts)) {
-        return {false, "the sandbox does not take the contacts", {}};
+        return {false, "the sandbox does not take the contacts"};
     }
     return Export(state, GlobalParamWrapper::GetInstance()->GetAppDataLocalPath() + L"\\contacts.vcf");
 }
 
 }  // namespace
 
-std::vector<Step> ContactsSteps(SessionState& state, const std::string& file) {
-    return {{"contacts", kTitle, [&state, file] { return Export(state, ToWide(file)); }}};
+std::vector<Step> ContactsSteps() {
+    return {{"contacts", kTitle, ExportToFile}};
 }
 
-std::vector<Step> DemoContactsSteps(SessionState& state) {
-    return {{"contacts", kTitle, [&state] { return ExportDemoContacts(state); }}};
+std::vector<Step> DemoContactsSteps() {
+    return {{"contacts", kTitle, ExportDemoContacts}};
 }
 
 }  // namespace host

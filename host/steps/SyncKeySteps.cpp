@@ -48,7 +48,7 @@ std::vector<SyncKey> StoredKeys() {
 }
 
 Table KeyTable() {
-    Table table{{"key", "uuid", "fingerprint"}, {}};
+    Table table{{"key", "uuid", "fingerprint"}};
     for (const SyncKey& key : StoredKeys()) {
         table.rows.push_back(
             {key.name, TextOrNone(ToWide(key.uuid)), key.fingerprint.empty() ? "none" : key.fingerprint});
@@ -56,7 +56,7 @@ Table KeyTable() {
     return table;
 }
 
-StepResult RetrieveKeys() {
+StepResult RetrieveKeys(SessionState&) {
     UserSyncKeyService service;
     const bool before = service.IsSyncDriveKeyInited() && service.IsCloudPhotoKeyInited();
     const KeyEvents events;
@@ -78,7 +78,7 @@ bool IsSandboxKey(const Json::Value& entry, const SyncKey& key) {
 StepResult CompareKeys(SessionState& state) {
     const std::optional<Json::Value> reply = AskSandbox(state.sandbox->Address().http, "/sandbox/user-keys");
     if (!reply || !(*reply)["keys"].isArray()) {
-        return {false, "the sandbox does not tell its keys", {}};
+        return {false, "the sandbox does not tell its keys"};
     }
     const Json::Value& theirs = (*reply)["keys"];
     const std::vector<SyncKey> ours = StoredKeys();
@@ -87,11 +87,10 @@ StepResult CompareKeys(SessionState& state) {
                            [&key](const Json::Value& entry) { return IsSandboxKey(entry, key); });
     }));
     return {same == ours.size() && same == theirs.size(),
-            "uuid and fingerprint of " + std::to_string(same) + " out of " + std::to_string(theirs.size()) + " agree",
-            {}};
+            "uuid and fingerprint of " + std::to_string(same) + " out of " + std::to_string(theirs.size()) + " agree"};
 }
 
-StepResult ClearKeys() {
+StepResult ClearKeys(SessionState&) {
     const std::vector<SyncKey> before = StoredKeys();
     UserSyncKeyService service;
     service.ClearUserSyncKey();
@@ -102,20 +101,19 @@ StepResult ClearKeys() {
                                  [](const SyncKey& left, const SyncKey& right) { return left.uuid == right.uuid; });
     return {gone && kept && !service.IsSyncDriveKeyInited() && !service.IsCloudPhotoKeyInited(),
             std::string(gone ? "all keys are gone" : "some keys are left") + ", their uuids " +
-                (kept ? "stay" : "do not stay"),
-            {}};
+                (kept ? "stay" : "do not stay")};
 }
 
 }  // namespace
 
-std::vector<Step> SyncKeySteps(SessionState&) {
-    return {{"sync-keys", "sync keys retrieved", [] { return RetrieveKeys(); }}};
+std::vector<Step> SyncKeySteps() {
+    return {{"sync-keys", "sync keys retrieved", RetrieveKeys}};
 }
 
-std::vector<Step> ComparedKeySteps(SessionState& state) {
+std::vector<Step> ComparedKeySteps() {
     return {
-        {"compare-sync-keys", "sync keys compared with the sandbox's", [&state] { return CompareKeys(state); }},
-        {"clear-sync-keys", "sync keys cleared", [] { return ClearKeys(); }},
+        {"compare-sync-keys", "sync keys compared with the sandbox's", CompareKeys},
+        {"clear-sync-keys", "sync keys cleared", ClearKeys},
     };
 }
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "system/SystemError.h"
+#include "system/HostError.h"
 
 namespace host {
 namespace {
