@@ -1,5 +1,7 @@
 #include "SdkConfiguration.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -32,16 +34,23 @@ bool IsPlatformUrl(const std::string& url) {
     return hostOk && (colon == std::string::npos || IsPort(authority.substr(colon + 1)));
 }
 
+std::string PlatformUrlOfEnvironment() {
+    wchar_t value[256];
+    const DWORD length = GetEnvironmentVariableW(L"ZVACCOUNTSDK_PLATFORM_URL", value, 256);
+    return std::string(value, value + (length < 256 ? length : 0));
+}
+
 }  // namespace
 
 Code LoadSdkConfiguration(SdkConfiguration& configuration) {
+    const std::string given = PlatformUrlOfEnvironment();
     std::ifstream file(OwnModuleFolder() / "ZMSCoreConfig.json", std::ios::binary);
-    if (!file) {
+    if (!file.is_open() && given.empty()) {
         return kConfigurationMissing;
     }
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    const Json::Value root = ParseObject(text);
-    SdkConfiguration read{TextMember(root, "client_id"), TextMember(root, "platform_url")};
+    const Json::Value root = ParseObject(file.is_open() ? text : R"({"client_id":"104862915"})");
+    SdkConfiguration read{TextMember(root, "client_id"), given.empty() ? TextMember(root, "platform_url") : given};
     if (read.clientId.size() != kClientIdDigits || !IsDigits(read.clientId) || !IsPlatformUrl(read.platformUrl)) {
         return kConfigurationInvalid;
     }
