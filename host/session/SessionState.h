@@ -5,7 +5,6 @@
 
 #include "commandline/CommandLine.h"
 #include "platform/SandboxProcess.h"
-#include "platform/SdkConfiguration.h"
 #include "system/PortraitWindow.h"
 #include "system/TemporaryFolder.h"
 #include "text/Console.h"
@@ -32,8 +31,7 @@ struct SessionState {
     std::unique_ptr<PortraitWindow> window;   // null until a profile is requested
     std::wstring gatewayUserId;               // what the two look-ups found last
     std::wstring syncServerUserId;
-    std::string reportedBusiness;                        // what was reported last; UTF-8
-    std::unique_ptr<SdkConfiguration> sdkConfiguration;  // until the SDK has read it
+    std::string reportedBusiness;  // what was reported last; UTF-8
     bool sdkInitialised = false;
     bool madeLegacyItem = false;  // the earlier client's sign-in in the store is of this session's making
 };

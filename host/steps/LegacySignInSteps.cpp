@@ -82,7 +82,7 @@ StepResult ProvideItem(SessionState& state) {
         return {false, "no item \"0\" in the \"legacyItems\" of --config, and no session to make one of"};
     }
     state.madeLegacyItem = true;
-    StoreLegacyItem(MakeLegacySignIn(refreshToken), state.folder.Path());
+    StoreLegacyItem(MakeLegacySignIn(refreshToken));
     const std::wstring item = StoredItem();
     return {!item.empty(), "made of the session's refresh token, protected, " + Characters(item.size())};
 }

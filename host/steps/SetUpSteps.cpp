@@ -47,7 +47,7 @@ StepResult ConfigureParameterStore(SessionState& state) {
     const std::string url = sandbox ? sandboxUrl : options.platformUrl;
     const StoreFolders folders = sandbox ? DemoFolders(state) : StoreFolders();
     if (!url.empty()) {
-        PointParameterStoreTo(url, state.folder.Path(), folders);
+        PointParameterStoreTo(url, folders);
     }
     const bool trustsSandbox = sandbox && options.https;
     CurlHttpLibContext::SetDefaultCertPath(

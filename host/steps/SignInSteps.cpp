@@ -2,6 +2,7 @@
 #include <UserAuthService.h>
 #include <windows.h>
 
+#include "platform/PlatformUrlForSdk.h"
 #include "steps/SignInOutcome.h"
 #include "steps/Steps.h"
 #include "system/HostError.h"
@@ -25,10 +26,11 @@ std::string MeaningOf(int sdkCode) {
         case static_cast<int>(ZvIdErrorType::kEntryPointMissing):
             return ", it lacks the entry point";
         case kSdkConfigurationMissing:
-            return ", with the sandbox's SDK: no readable ZMSCoreConfig.json beside ZVAccountSdk.dll";
+            return ", with the sandbox's SDK: no platform given and no readable ZMSCoreConfig.json beside "
+                   "ZVAccountSdk.dll";
         case kSdkConfigurationInvalid:
-            return ", with the sandbox's SDK: \"client_id\" (nine digits) or \"platform_url\" (http://HOST:PORT) in "
-                   "ZMSCoreConfig.json is missing or malformed";
+            return ", with the sandbox's SDK: the platform is no http URL, or \"client_id\" (nine digits) or "
+                   "\"platform_url\" in ZMSCoreConfig.json is missing or malformed";
         default:
             return ", a code of its own";
     }
@@ -49,24 +51,17 @@ StepResult ConfigureSdk(SessionState& state) {
     const std::string url = SdkPlatformUrl(state);
     // The sandbox's SDK speaks http only, and what another one wants is its own business.
     if (state.options.sdkPlatformUrl.empty() && url.rfind("https://", 0) == 0) {
-        return {true,
-                "ZMSCoreConfig.json stays as it is, since the platform is https: --sdk-platform URL puts a URL in"};
+        SetPlatformUrlForSdk("");
+        return {true, "by its own file, since the platform is https: --sdk-platform URL names another URL"};
     }
-    state.sdkConfiguration.reset();  // a turn is taken once
-    state.sdkConfiguration = std::make_unique<SdkConfiguration>(ServiceFolder() / "ZMSCoreConfig.json", url);
-    return {true, "platform_url " + url};
+    SetPlatformUrlForSdk(url);
+    return {true, "platform " + url};
 }
 
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
-    const bool restored = !state.sdkConfiguration || state.sdkConfiguration->Restore();
-    state.sdkConfiguration.reset();
     state.sdkInitialised = code == 0;
     StepResult result = SdkResult("InitZms", code);
-    if (!restored) {
-        result.ok = false;
-        result.detail += ", ZMSCoreConfig.json could not be put back";
-    }
     const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
     result.ok = result.ok && startSend;
     result.detail += std::string(", start-send flag ") + (startSend ? "set" : "not set");

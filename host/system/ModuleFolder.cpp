@@ -22,10 +22,6 @@ std::filesystem::path ProgramFolder() {
     return FileOf(nullptr).parent_path();
 }
 
-std::filesystem::path ServiceFolder() {
-    return FileOf(GetModuleHandleW(L"UserAuthService.dll")).parent_path();
-}
-
 std::filesystem::path LoadedAccountSdk() {
     const HMODULE module = GetModuleHandleW(L"ZVAccountSdk.dll");
     return module ? FileOf(module) : std::filesystem::path();

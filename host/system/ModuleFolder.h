@@ -7,9 +7,6 @@ namespace host {
 // Folder of this program's file.
 std::filesystem::path ProgramFolder();
 
-// Folder of the service's library, where it looks for the account SDK.
-std::filesystem::path ServiceFolder();
-
 // File of the account SDK that the service loaded; empty when it did not.
 std::filesystem::path LoadedAccountSdk();
 
