@@ -16,9 +16,6 @@ namespace host {
 // What the steps of one session share.
 struct SessionState {
     SessionState(const Options& given, Console& shownOn) : options(given), console(shownOn) {}
-    ~SessionState();
-    SessionState(const SessionState&) = delete;
-    SessionState& operator=(const SessionState&) = delete;
 
     const Options& options;
     Console& console;

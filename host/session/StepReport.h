@@ -55,19 +55,15 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    struct Outcome;
 
-    void Announce(const Step& step);
     bool Finish(const Step& step, Clock::time_point start, StepResult result);
-    void ShowLine(const Step& step, const Outcome& outcome);
-    void ShowJson(const Step& step, const Outcome& outcome);
     std::string Paint(const char* colour, const std::string& text) const;
 
     SessionState& m_state;
     const bool m_showsRunning;
     ExchangeLog m_exchanges;
     int m_count = 0;
-    double m_milliseconds = 0;
+    Clock::duration m_time{};
     std::string m_failed;  // title of the first step that failed
 };
 

@@ -1,14 +1,10 @@
 #include <ParamStore.h>
 #include <UserAuthService.h>
-#include <windows.h>
-
-#include <fstream>
 
 #include "platform/SandboxClient.h"
+#include "steps/ContactsFile.h"
 #include "steps/GrowingFile.h"
 #include "steps/Steps.h"
-#include "steps/VcardFile.h"
-#include "system/RenameOver.h"
 #include "text/FieldText.h"
 #include "text/JsonObject.h"
 #include "text/TextEncoding.h"
@@ -47,65 +43,15 @@ ContactsSource SourceOf(const SessionState& state) {
                                        : ContactsSource{ToWide(options.contactsUrl), options.cookies};
 }
 
-// Where the download goes: beside the wanted file, which is replaced at last. Deleted unless it was.
-class PartFile {
-public:
-    // Deletes what an earlier try left.
-    explicit PartFile(std::filesystem::path wanted)
-        : m_path(std::move(wanted += L"." + std::to_wstring(GetCurrentProcessId()) + L".part")) {
-        Delete();
-    }
-    ~PartFile() { Delete(); }
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
-
-    const std::filesystem::path& Path() const { return m_path; }
-    bool Exists() const {
-        std::error_code error;
-        return std::filesystem::exists(m_path, error) || error;
-    }
-    // Not one that is read-only, which the system's rename takes under Wine.
-    bool Replace(const std::filesystem::path& wanted) const {
-        using std::filesystem::perms;
-        std::error_code error;
-        const std::filesystem::file_status before = std::filesystem::status(wanted, error);
-        if (std::filesystem::exists(before) && (before.permissions() & perms::owner_write) == perms::none) {
-            return false;
-        }
-        return RenameOver(m_path, wanted);
-    }
-
-private:
-    void Delete() const {
-        std::error_code ignored;
-        std::filesystem::remove(m_path, ignored);
-    }
-
-    const std::filesystem::path m_path;
-};
-
-// The service does not look whether all could be written. Where one of its blocks did not fit, this one does not
-// either.
-bool IsDiskFull(const std::filesystem::path& file) {
-    constexpr std::size_t kLargestBlock = 128 * 1024;
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(file, error);
-    std::ofstream stream(file, std::ios::binary | std::ios::app);
-    stream << std::string(kLargestBlock, ' ');
-    stream.close();
-    std::filesystem::resize_file(file, size, error);
-    return !stream || error;
-}
-
 // What is wrong with a download; empty when it may take the wanted file's place.
-std::string FaultOf(bool exported, const VcardFile& contacts, const std::filesystem::path& part) {
+std::string FaultOf(bool exported, const VcardFile& contacts, const PartFile& part) {
     if (!exported) {
         return SeeLog("the download failed, " + Bytes(contacts.read ? contacts.bytes : 0) + " came");
     }
     if (!contacts.read) {
         return "the download's file beside PATH cannot be written: is its folder writable?";
     }
-    if (IsDiskFull(part)) {
+    if (part.IsDiskFull()) {
         return "the disk is full, or nearly so: contacts may be missing";
     }
     return contacts.whole ? "" : "what came, " + Bytes(contacts.bytes) + ", does not end with a whole contact";
@@ -130,7 +76,7 @@ StepResult Export(SessionState& state, const std::filesystem::path& file) {
     }
     const bool exported = Download(state, source, part.Path());
     const VcardFile contacts = ReadVcardFile(part.Path());
-    if (const std::string fault = FaultOf(exported, contacts, part.Path()); !fault.empty()) {
+    if (const std::string fault = FaultOf(exported, contacts, part); !fault.empty()) {
         return {false, fault + "; PATH is what it was", path};
     }
     if (!part.Replace(file)) {

@@ -2,7 +2,6 @@
 #include <UserAuthService.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <system_error>
 
 #include "steps/PortraitFile.h"
@@ -76,35 +75,21 @@ StepResult ShowRegistration(SessionState& state) {
             }};
 }
 
-// The window that gets the portrait message, as the client's main window would.
-PortraitWindow& MainWindow(SessionState& state) {
-    if (!state.window) {
-        state.window = std::make_unique<PortraitWindow>();
-    }
-    GlobalParamWrapper::GetInstance()->SetMainWnd(state.window->Handle());
-    return *state.window;
-}
-
-std::string MillisecondsSince(Clock::time_point start) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f ms",
-                  std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-    return text;
-}
-
 // One step with the wait, so that the portrait's download is among the exchanges that it shows.
 StepResult RequestProfile(SessionState& state) try {
     UserAuthService& service = *state.service;
-    PortraitWindow& window = MainWindow(state);
-    window.Forget();
+    if (!state.window) {
+        state.window = std::make_unique<PortraitWindow>();
+    }
+    state.window->Forget();
     if (!service.RequestUserInfo()) {
         return {false, SeeLog()};
     }
     const Clock::time_point answered = Clock::now();
-    const bool arrived = window.WaitForMessage(kLongestPortrait);
+    const bool arrived = state.window->WaitForMessage(kLongestPortrait);
     // Every 200 is a success to the operation, also one that names nobody.
     const bool named = !service.GetCurrentUserID().empty();
-    const std::string message = arrived ? "message 0x0C87 after " + MillisecondsSince(answered) : kNoMessage;
+    const std::string message = arrived ? "message 0x0C87 after " + Milliseconds(Clock::now() - answered) : kNoMessage;
     return {arrived && named,
             named ? message : "the reply names no user; " + message,
             {

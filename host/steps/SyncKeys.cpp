@@ -1,20 +1,35 @@
 #include "steps/SyncKeys.h"
 
 #include <ParamStore.h>
+#include <windows.h>
+// After windows.h.
+#include <wincrypt.h>
 
 #include <algorithm>
 
-#include "system/Sha256.h"
+#include "system/HostError.h"
 #include "text/TextEncoding.h"
 
 namespace host {
 namespace {
 
-// A field is one byte longer than its key.
+// SHA-256 of the key, 64 lower-case hexadecimal digits, by the system's own cryptography; empty when there is no key. A
+// field is one byte longer than its key.
 template <std::size_t FieldBytes>
 std::string Fingerprint(const std::uint8_t (&field)[FieldBytes]) {
-    const bool present = std::any_of(field, field + FieldBytes, [](std::uint8_t byte) { return byte != 0; });
-    return present ? Sha256Hex(field, FieldBytes - 1) : "";
+    if (std::all_of(field, field + FieldBytes, [](std::uint8_t byte) { return byte == 0; })) {
+        return "";
+    }
+    BYTE digest[32] = {};
+    DWORD size = sizeof(digest);
+    if (!CryptHashCertificate2(L"SHA256", 0, nullptr, field, FieldBytes - 1, digest, &size)) {
+        FailWithSystemError("the system gives no SHA-256", GetLastError());
+    }
+    std::string hex;
+    for (const unsigned byte : digest) {
+        hex += {"0123456789abcdef"[byte >> 4U], "0123456789abcdef"[byte & 0xFU]};
+    }
+    return hex;
 }
 
 }  // namespace

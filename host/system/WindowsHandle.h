@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <memory>
 
 namespace host {
@@ -12,6 +13,14 @@ struct HandleClose {
 
 // An owned kernel handle; null when there is none.
 using WindowsHandle = std::unique_ptr<void, HandleClose>;
+
+// Opens a file that exists; null, and the cause in GetLastError, when that fails. share: what others may do meanwhile,
+// FILE_SHARE_*.
+inline WindowsHandle OpenFile(const std::filesystem::path& file, DWORD access, DWORD share) {
+    const HANDLE handle =
+        CreateFileW(file.c_str(), access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return WindowsHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
 
 struct LocalMemoryFree {
     void operator()(void* memory) const noexcept { LocalFree(memory); }
