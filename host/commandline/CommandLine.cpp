@@ -44,31 +44,29 @@ struct RawOptions {
 };
 
 void Describe(CLI::App& app, Options& options, RawOptions& raw) {
+    const auto addText = [&app](const char* name, const char* type, std::string& text, const char* description) {
+        app.add_option(name, text, description)->type_name(type);
+    };
     app.footer(kFooter);
     app.allow_windows_style_options(false);  // "/" starts a path
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
     app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
-    app.add_option("--platform", options.platformUrl,
-                   "Base URL of the portal and all other services (gateway: /gateway below it)")
-        ->type_name("URL");
-    app.add_option("--sdk-platform", options.sdkPlatformUrl,
-                   "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only")
-        ->type_name("URL");
-    app.add_option("--config", raw.configuration, "Configuration file (JSON) of the parameter store")
-        ->type_name("FILE");
-    app.add_option("--certificate-authority", raw.certificateAuthority,
-                   "Trust the authorities in this PEM file instead of the system's")
-        ->type_name("FILE");
-    app.add_option("--business", options.business, "report: the business, if not drive")->type_name("NAME");
-    app.add_option("--url", options.contactsUrl, "contacts export: where the portal has the contacts")
-        ->type_name("URL");
+    addText("--platform", "URL", options.platformUrl,
+            "Base URL of the portal and all other services (gateway: /gateway below it)");
+    addText("--sdk-platform", "URL", options.sdkPlatformUrl,
+            "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only");
+    addText("--config", "FILE", raw.configuration, "Configuration file (JSON) of the parameter store");
+    addText("--certificate-authority", "FILE", raw.certificateAuthority,
+            "Trust the authorities in this PEM file instead of the system's");
+    addText("--business", "NAME", options.business, "report: the business, if not drive");
+    addText("--url", "URL", options.contactsUrl, "contacts export: where the portal has the contacts");
     // One text an option, so that the commands after it stay commands.
     app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
-    app.add_option("--log", raw.log, "Write the log to this file, events to FILE.operations.jsonl")->type_name("FILE");
+    addText("--log", "FILE", raw.log, "Write the log to this file, events to FILE.operations.jsonl");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
 }
 

@@ -5,8 +5,8 @@
 
 #include "commandline/CommandLine.h"
 #include "platform/SandboxProcess.h"
+#include "system/Folders.h"
 #include "system/PortraitWindow.h"
-#include "system/TemporaryFolder.h"
 #include "text/Console.h"
 
 class UserAuthService;

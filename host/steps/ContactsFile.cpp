@@ -47,14 +47,9 @@ bool PartFile::Replace(const std::filesystem::path& wanted) const {
 }
 
 bool PartFile::IsDiskFull() const {
-    constexpr std::size_t kLargestBlock = 128 * 1024;
+    constexpr std::uintmax_t kLargestBlock = 128 * 1024;
     std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(m_path, error);
-    std::ofstream stream(m_path, std::ios::binary | std::ios::app);
-    stream << std::string(kLargestBlock, ' ');
-    stream.close();
-    std::filesystem::resize_file(m_path, size, error);
-    return !stream || error;
+    return std::filesystem::space(std::filesystem::absolute(m_path).parent_path(), error).available < kLargestBlock;
 }
 
 VcardFile ReadVcardFile(const std::filesystem::path& file) {

@@ -20,8 +20,7 @@ public:
     // False, and nothing is changed, when the wanted file cannot be replaced: it is read-only, or open elsewhere for
     // more than a second.
     bool Replace(const std::filesystem::path& wanted) const;
-    // The service does not look whether all could be written. Where one of its blocks did not fit, one more does not
-    // either.
+    // Whether there is no room for one more of the service's blocks: it does not look whether all could be written.
     bool IsDiskFull() const;
 
 private:

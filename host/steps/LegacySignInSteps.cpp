@@ -6,9 +6,10 @@
 // After wincrypt.h.
 #include <dpapi.h>
 
+#include <ctime>
+
 #include "platform/ParameterStoreSetup.h"
 #include "steps/Steps.h"
-#include "system/HostError.h"
 #include "system/WindowsHandle.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
@@ -17,22 +18,19 @@ namespace host {
 namespace {
 
 std::string LocalTimeText() {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    char text[32];
-    std::snprintf(text, sizeof(text), "%04u-%02u-%02u %02u:%02u:%02u", static_cast<unsigned>(now.wYear),
-                  static_cast<unsigned>(now.wMonth), static_cast<unsigned>(now.wDay), static_cast<unsigned>(now.wHour),
-                  static_cast<unsigned>(now.wMinute), static_cast<unsigned>(now.wSecond));
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    localtime_s(&local, &now);
+    char text[32] = {};
+    std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
     return text;
 }
 
 std::string Protect(std::string& plaintext) {
     DATA_BLOB input{static_cast<DWORD>(plaintext.size()), reinterpret_cast<BYTE*>(plaintext.data())};
     DATA_BLOB output{};
-    const BOOL made = CryptProtectData(&input, nullptr, nullptr, nullptr, nullptr, 0, &output);
-    if (!made) {
-        FailWithSystemError("the refresh token cannot be protected", GetLastError());
-    }
+    RequireDone(CryptProtectData(&input, nullptr, nullptr, nullptr, nullptr, 0, &output),
+                "the refresh token cannot be protected");
     const LocalMemory<BYTE> owned(output.pbData);
     return {reinterpret_cast<const char*>(output.pbData), output.cbData};
 }
@@ -40,16 +38,13 @@ std::string Protect(std::string& plaintext) {
 // Without line breaks: the reader of the item takes one for the end of the text.
 std::wstring Base64(const std::string& bytes) {
     constexpr DWORD kForm = CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF;
+    constexpr char kFailure[] = "the protected refresh token cannot be written as text";
     const auto* const data = reinterpret_cast<const BYTE*>(bytes.data());
     const auto size = static_cast<DWORD>(bytes.size());
     DWORD length = 0;  // with the terminating zero at first, without it at last
-    if (!CryptBinaryToStringW(data, size, kForm, nullptr, &length)) {
-        FailWithSystemError("the protected refresh token cannot be written as text", GetLastError());
-    }
+    RequireDone(CryptBinaryToStringW(data, size, kForm, nullptr, &length), kFailure);
     std::wstring text(length, L'\0');
-    if (!CryptBinaryToStringW(data, size, kForm, text.data(), &length)) {
-        FailWithSystemError("the protected refresh token cannot be written as text", GetLastError());
-    }
+    RequireDone(CryptBinaryToStringW(data, size, kForm, text.data(), &length), kFailure);
     text.resize(length);
     return text;
 }

@@ -1,12 +1,12 @@
 #include <HttpLib.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
+#include <windows.h>
 
 #include "platform/ParameterStoreSetup.h"
 #include "platform/PlatformProbe.h"
 #include "steps/Steps.h"
 #include "system/HostError.h"
-#include "system/ModuleFolder.h"
 #include "text/TextEncoding.h"
 
 namespace host {
@@ -19,9 +19,13 @@ constexpr wchar_t kDemoUserFolder[] =
 // Instead of it where the system cannot make such a name: Wine cannot without a UTF-8 locale.
 constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
 
+// PEM file of the authority that the sandbox makes for https.
+std::filesystem::path SandboxAuthority(const SessionState& state) {
+    return state.folder.Path() / "sandbox-authority.pem";
+}
+
 StepResult StartSandbox(SessionState& state) {
-    state.sandbox = std::make_unique<SandboxProcess>(ProgramFolder() / "sandbox-server.exe",
-                                                     state.folder.Path() / "sandbox-authority.pem");
+    state.sandbox = std::make_unique<SandboxProcess>(ProgramFolder() / "sandbox-server.exe", SandboxAuthority(state));
     const SandboxAddress& address = state.sandbox->Address();
     return {true, address.http + " and " + address.https};
 }
@@ -51,7 +55,7 @@ StepResult ConfigureParameterStore(SessionState& state) {
     }
     const bool trustsSandbox = sandbox && options.https;
     CurlHttpLibContext::SetDefaultCertPath(
-        (trustsSandbox ? sandbox->Address().certificateAuthority : options.certificateAuthority).wstring());
+        (trustsSandbox ? SandboxAuthority(state) : options.certificateAuthority).wstring());
     const std::wstring portal = GlobalParamWrapper::GetInstance()->GetPortalUrl();
     state.platformUrl = ToUtf8(portal);
     const std::string files = sandbox ? ", files in " + ToUtf8(folders.user.filename().wstring()) : "";
@@ -68,11 +72,11 @@ StepResult ReachPlatform(SessionState& state) {
 
 StepResult CreateService(SessionState& state) {
     state.service = UserAuthService::GetInstance();
-    const std::filesystem::path sdk = LoadedAccountSdk();
-    if (sdk.empty()) {
-        return {false, "ZVAccountSdk.dll did not load: it belongs beside UserAuthService.dll"};
+    constexpr wchar_t kSdk[] = L"ZVAccountSdk.dll";
+    if (!GetModuleHandleW(kSdk)) {
+        return {false, ToUtf8(kSdk) + " did not load: it belongs beside UserAuthService.dll"};
     }
-    return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(sdk.filename().wstring())};
+    return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(kSdk)};
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 #include "platform/PlatformUrlForSdk.h"
 #include "steps/SignInOutcome.h"
 #include "steps/Steps.h"
-#include "system/HostError.h"
-#include "system/ModuleFolder.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 

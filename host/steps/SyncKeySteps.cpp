@@ -3,7 +3,6 @@
 #include <UserSyncKeyService.h>
 
 #include <algorithm>
-#include <array>
 
 #include "platform/SandboxClient.h"
 #include "steps/Steps.h"
@@ -14,34 +13,6 @@
 
 namespace host {
 namespace {
-
-// Counts the two events of the sync keys while it lives. The hub runs listeners on the raising thread, which is ours.
-class KeyEvents {
-public:
-    KeyEvents() {
-        EventAdminModule& hub = *EventAdminModule::GetInstance();
-        m_subscriptions = {hub.Subscribe(SuiteEvent::kSyncDriveKeyOk, [this](SuiteEvent) { ++m_drive; }),
-                           hub.Subscribe(SuiteEvent::kCloudPhotoKeyOk, [this](SuiteEvent) { ++m_photo; })};
-    }
-    ~KeyEvents() {
-        for (const EventAdminModule::SubscriptionId id : m_subscriptions) {
-            EventAdminModule::GetInstance()->Unsubscribe(id);
-        }
-    }
-    KeyEvents(const KeyEvents&) = delete;
-    KeyEvents& operator=(const KeyEvents&) = delete;
-
-    // Whether each came as often as given.
-    bool Each(int count) const { return m_drive == count && m_photo == count; }
-    std::string Text() const {
-        return "events SyncDriveKeyOk " + std::to_string(m_drive) + ", CloudPhotoKeyOk " + std::to_string(m_photo);
-    }
-
-private:
-    int m_drive = 0;
-    int m_photo = 0;
-    std::array<EventAdminModule::SubscriptionId, 2> m_subscriptions{};
-};
 
 std::vector<SyncKey> StoredKeys() {
     return SyncKeysOf(GlobalParamWrapper::GetInstance()->GetUserInfo());
@@ -56,16 +27,26 @@ Table KeyTable() {
     return table;
 }
 
+// Counts the two events meanwhile. The hub runs listeners on the raising thread, which is ours.
 StepResult RetrieveKeys(SessionState&) {
     UserSyncKeyService service;
     const bool before = service.IsSyncDriveKeyInited() && service.IsCloudPhotoKeyInited();
-    const KeyEvents events;
+    int drive = 0;
+    int photo = 0;
+    EventAdminModule& hub = *EventAdminModule::GetInstance();
+    const auto driveId = hub.Subscribe(SuiteEvent::kSyncDriveKeyOk, [&drive](SuiteEvent) { ++drive; });
+    const auto photoId = hub.Subscribe(SuiteEvent::kCloudPhotoKeyOk, [&photo](SuiteEvent) { ++photo; });
     const bool complete = service.InitUserSyncKey();
-    const bool told = events.Each(before ? 0 : 1);
+    hub.Unsubscribe(driveId);
+    hub.Unsubscribe(photoId);
+    const int expected = before ? 0 : 1;
     const std::string detail = !complete ? SeeLog("not all keys came") + "; "
                                : before  ? "both were there, nothing was asked; "
                                          : "";
-    return {complete && told, detail + events.Text(), {}, KeyTable()};
+    return {complete && drive == expected && photo == expected,
+            detail + "events SyncDriveKeyOk " + std::to_string(drive) + ", CloudPhotoKeyOk " + std::to_string(photo),
+            {},
+            KeyTable()};
 }
 
 bool IsSandboxKey(const Json::Value& entry, const SyncKey& key) {

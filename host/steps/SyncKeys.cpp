@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "system/HostError.h"
+#include "system/WindowsHandle.h"
 #include "text/TextEncoding.h"
 
 namespace host {
@@ -22,9 +22,8 @@ std::string Fingerprint(const std::uint8_t (&field)[FieldBytes]) {
     }
     BYTE digest[32] = {};
     DWORD size = sizeof(digest);
-    if (!CryptHashCertificate2(L"SHA256", 0, nullptr, field, FieldBytes - 1, digest, &size)) {
-        FailWithSystemError("the system gives no SHA-256", GetLastError());
-    }
+    RequireDone(CryptHashCertificate2(L"SHA256", 0, nullptr, field, FieldBytes - 1, digest, &size),
+                "the system gives no SHA-256");
     std::string hex;
     for (const unsigned byte : digest) {
         hex += {"0123456789abcdef"[byte >> 4U], "0123456789abcdef"[byte & 0xFU]};

@@ -23,9 +23,4 @@ private:
     ExitCode m_code;
 };
 
-// Throws HostError with kExitStepFailed: what failed, and the system's error code (GetLastError).
-[[noreturn]] inline void FailWithSystemError(const std::string& what, unsigned long code) {
-    throw HostError(kExitStepFailed, what + ": system error " + std::to_string(code));
-}
-
 }  // namespace host

@@ -3,7 +3,7 @@
 #include <ParamStore.h>
 #include <windows.h>
 
-#include "system/HostError.h"
+#include "system/WindowsHandle.h"
 
 namespace host {
 namespace {
@@ -22,9 +22,7 @@ HWND MakeWindow() {
         // A class of the system's serves, since the message is taken from the queue and not dispatched.
         window = CreateWindowExW(0, L"STATIC", L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     }
-    if (!window) {
-        FailWithSystemError("cannot make a window", GetLastError());
-    }
+    RequireDone(window, "cannot make a window");
     return window;
 }
 

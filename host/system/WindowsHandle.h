@@ -4,6 +4,9 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+
+#include "system/HostError.h"
 
 namespace host {
 
@@ -20,6 +23,13 @@ inline WindowsHandle OpenFile(const std::filesystem::path& file, DWORD access, D
     const HANDLE handle =
         CreateFileW(file.c_str(), access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     return WindowsHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
+// Throws HostError with kExitStepFailed, what failed and the system's error code, unless the call was done.
+inline void RequireDone(bool done, const std::string& failure) {
+    if (!done) {
+        throw HostError(kExitStepFailed, failure + ": system error " + std::to_string(GetLastError()));
+    }
 }
 
 struct LocalMemoryFree {
