@@ -17,7 +17,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLongestPortrait{20};
 constexpr std::chrono::seconds kLongestFlush{2};
-constexpr char kNoMessage[] = "no message 0x0C87 within 20 s";
 
 // A look-up that stores the user id; an empty one counts as a success to it, but not here.
 StepResult LookUpUserId(SessionState& state, bool (UserAuthService::*lookUp)(), std::wstring& found) {
@@ -89,7 +88,8 @@ StepResult RequestProfile(SessionState& state) try {
     const bool arrived = state.window->WaitForMessage(kLongestPortrait);
     // Every 200 is a success to the operation, also one that names nobody.
     const bool named = !service.GetCurrentUserID().empty();
-    const std::string message = arrived ? "message 0x0C87 after " + Milliseconds(Clock::now() - answered) : kNoMessage;
+    const std::string message =
+        arrived ? "portrait message after " + Milliseconds(Clock::now() - answered) : "no portrait message within 20 s";
     return {arrived && named,
             named ? message : "the reply names no user; " + message,
             {

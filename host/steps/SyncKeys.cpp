@@ -1,6 +1,7 @@
 #include "steps/SyncKeys.h"
 
 #include <ParamStore.h>
+#include <UserAuthTypes.h>
 #include <windows.h>
 // After windows.h.
 #include <wincrypt.h>
@@ -34,11 +35,13 @@ std::string Fingerprint(const std::uint8_t (&field)[FieldBytes]) {
 }  // namespace
 
 std::vector<SyncKey> SyncKeysOf(const st_UserInfo& record) {
+    const std::string drive = ToUtf8(kSyncDriveDataType);
+    const std::string photo = ToUtf8(kCloudPhotoDataType);
     return {
-        {"drive 1", "11", 1, ToUtf8(record.driveKeyUuid1), Fingerprint(record.driveKey1)},
-        {"drive 3", "11", 3, ToUtf8(record.driveKeyUuid3), Fingerprint(record.driveKey3)},
-        {"photo 1", "12", 1, ToUtf8(record.photoKeyUuid1), Fingerprint(record.photoKey1)},
-        {"photo 3", "12", 3, ToUtf8(record.photoKeyUuid3), Fingerprint(record.photoKey3)},
+        {"drive 1", drive, kKeyType1, ToUtf8(record.driveKeyUuid1), Fingerprint(record.driveKey1)},
+        {"drive 3", drive, kKeyType3, ToUtf8(record.driveKeyUuid3), Fingerprint(record.driveKey3)},
+        {"photo 1", photo, kKeyType1, ToUtf8(record.photoKeyUuid1), Fingerprint(record.photoKey1)},
+        {"photo 3", photo, kKeyType3, ToUtf8(record.photoKeyUuid3), Fingerprint(record.photoKey3)},
     };
 }
 

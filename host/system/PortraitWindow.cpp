@@ -1,6 +1,7 @@
 #include "system/PortraitWindow.h"
 
 #include <ParamStore.h>
+#include <UserAuthTypes.h>
 #include <windows.h>
 
 #include "system/WindowsHandle.h"
@@ -13,7 +14,6 @@ using Clock = std::chrono::steady_clock;
 // Wine ends its desktop with the last program that has a window: one that starts at that moment gets none.
 constexpr int kAttempts = 5;
 constexpr DWORD kPauseMilliseconds = 200;
-constexpr UINT kPortraitChanged = 0x0C87;  // the service's number; both parameters are 0
 
 HWND MakeWindow() {
     HWND window = nullptr;
@@ -28,8 +28,8 @@ HWND MakeWindow() {
 
 bool TakeMessage(HWND window) {
     MSG message;
-    return PeekMessageW(&message, window, kPortraitChanged, kPortraitChanged, PM_REMOVE) && message.wParam == 0 &&
-           message.lParam == 0;
+    return PeekMessageW(&message, window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) &&
+           message.wParam == 0 && message.lParam == 0;
 }
 
 }  // namespace
