@@ -65,8 +65,13 @@ public:
     std::wstring GetBasicUrl() const;
 
     // Identity of this installation: 32 lower-case hexadecimal digits, made from the system's random source on first
-    // use and kept in the state folder. When it cannot be written it lasts for the process.
+    // use and kept in the state folder. It is made only when there is none, or when its file can be read and holds
+    // anything else. A file that another program holds is waited for, two seconds at most. When it still cannot be read
+    // it is left as it is, and this process has an identity of its own; likewise when it cannot be written.
     std::wstring GetSystemUUid() const;
+    // Why that is an identity of this process only, UTF-8, with the file and the system's error code; empty when it is
+    // the stored one.
+    std::string GetSystemUUidFault() const;
     std::wstring GetCountryCode() const;
     std::wstring GetZvClientMode() const;
     // Folder for per-user files of this machine, without trailing separator: a drive's root is "C:".

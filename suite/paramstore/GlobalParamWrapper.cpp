@@ -98,7 +98,11 @@ std::wstring GlobalParamWrapper::GetBasicUrl() const {
 }
 
 std::wstring GlobalParamWrapper::GetSystemUUid() const {
-    return SettingsStore::Instance().SystemUuid();
+    return SettingsStore::Instance().SystemUuid().uuid;
+}
+
+std::string GlobalParamWrapper::GetSystemUUidFault() const {
+    return SettingsStore::Instance().SystemUuid().fault;
 }
 
 std::wstring GlobalParamWrapper::GetCountryCode() const {

@@ -6,7 +6,6 @@
 
 #include "LocalFolders.h"
 #include "ProcessState.h"
-#include "SystemUuid.h"
 
 namespace suite {
 namespace {
@@ -69,9 +68,9 @@ std::wstring SettingsStore::AppDataFolder() const {
     return folder.empty() ? LocalAppDataFolder() : folder;
 }
 
-std::wstring SettingsStore::SystemUuid() {
+SystemIdentity SettingsStore::SystemUuid() {
     if (ProcessIsEnding()) {
-        return std::wstring();
+        return {};
     }
     std::wstring folder = Text(&ClientConfiguration::stateFolder);
     if (folder.empty()) {
@@ -80,11 +79,11 @@ std::wstring SettingsStore::SystemUuid() {
             folder.empty() ? L"" : kDefaultStateFolderName;  // no folder at all: the identity lasts for the process
     }
     const std::lock_guard<std::mutex> lock(m_uuidMutex);
-    if (m_uuid.empty() || folder != m_uuidFolder) {
-        m_uuid = LoadOrCreateSystemUuid(folder);
+    if (m_identity.uuid.empty() || folder != m_uuidFolder) {
+        m_identity = LoadOrCreateSystemUuid(folder);
         m_uuidFolder = std::move(folder);
     }
-    return m_uuid;
+    return m_identity;
 }
 
 }  // namespace suite

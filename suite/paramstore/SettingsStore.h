@@ -5,6 +5,7 @@
 
 #include "ClientConfiguration.h"
 #include "ConfigurationText.h"
+#include "SystemUuid.h"
 
 namespace suite {
 
@@ -20,7 +21,7 @@ public:
     std::wstring LegacyItem(int number) const;  // empty when there is none
 
     std::wstring AppDataFolder() const;
-    std::wstring SystemUuid();
+    SystemIdentity SystemUuid();
 
 private:
     std::mutex m_loadMutex;  // one Load at a time: each builds on what the one before stored
@@ -29,7 +30,7 @@ private:
 
     std::mutex m_uuidMutex;  // held while the file is read and written; apart, so that no other getter waits for a disk
     std::wstring m_uuidFolder;
-    std::wstring m_uuid;  // the identity of m_uuidFolder; empty until asked for
+    SystemIdentity m_identity;  // of m_uuidFolder; empty until asked for
 };
 
 }  // namespace suite

@@ -1,7 +1,12 @@
 #include "ParamStore.h"
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
 #include <json/value.h>
+
+#include <chrono>
+#include <thread>
 
 #include "TextFile.h"
 
@@ -176,4 +181,33 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
     const std::wstring unwritable = UuidIn(Written(L"file", "") / "sub");
     EXPECT_EQ(unwritable.size(), 32U);
     EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);
+    EXPECT_NE(GlobalParamWrapper::GetInstance()->GetSystemUUidFault(), "");
+}
+
+TEST(ParamStoreSystemUuid, AFileThatAnotherProgramHoldsIsNeverReplaced) {
+    fs::remove_all(Folder());
+    const std::wstring kept = UuidIn(Folder() / "held");
+    const fs::path file = Folder() / "held" / "device-uuid";
+    const struct {
+        const char* name;
+        std::chrono::milliseconds held;
+        bool read;
+    } rows[] = {{"for a moment", std::chrono::milliseconds(300), true},
+                {"for longer than anybody waits", std::chrono::milliseconds(4000), false}};
+    for (const auto& row : rows) {
+        UuidIn(Folder() / "other");
+        const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(handle, INVALID_HANDLE_VALUE) << row.name;
+        std::thread holder([&] {
+            std::this_thread::sleep_for(row.held);
+            CloseHandle(handle);
+        });
+        const std::wstring uuid = UuidIn(Folder() / "held");
+        const std::string fault = GlobalParamWrapper::GetInstance()->GetSystemUUidFault();
+        holder.join();
+        EXPECT_EQ(uuid == kept, row.read) << row.name;
+        EXPECT_EQ(uuid.size(), 32U) << row.name;
+        EXPECT_EQ(fault.find("device-uuid: cannot be read: system error 32") == std::string::npos, row.read) << fault;
+        EXPECT_EQ(ReadFile(file), Narrow(kept)) << row.name;
+    }
 }
