@@ -11,10 +11,10 @@ namespace host {
 
 [[noreturn]] void Refuse(const std::string& text);
 
-// A base URL, http(s)://HOST[:PORT], without the slashes at its end. Empty stays empty.
-std::string CheckedBaseUrl(std::string url, const std::string& what);
-// An http or https URL with anything behind the host.
-std::string CheckedUrl(const std::string& url, const std::string& what);
+// A base URL, as the parameter store takes one; or empty.
+void CheckBaseUrl(const std::string& url, const std::string& what);
+// A base URL with anything behind it.
+void CheckUrl(const std::string& url, const std::string& what);
 // A file that exists. Empty stays empty.
 std::filesystem::path CheckedFile(const std::string& file, const std::string& what);
 // A file that can be made or replaced, as far as its folder tells.

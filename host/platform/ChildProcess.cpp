@@ -4,7 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "system/SystemError.h"
 #include "text/TextEncoding.h"
 
 namespace host {
@@ -18,13 +17,10 @@ struct Pipe {
 Pipe MakePipe(bool theyRead) {
     HANDLE read = nullptr;
     HANDLE write = nullptr;
-    if (!CreatePipe(&read, &write, nullptr, 0)) {
-        FailWithSystemError("cannot make a pipe", GetLastError());
-    }
+    RequireDone(CreatePipe(&read, &write, nullptr, 0), "cannot make a pipe");
     Pipe pipe{WindowsHandle(theyRead ? write : read), WindowsHandle(theyRead ? read : write)};
-    if (!SetHandleInformation(pipe.theirs.get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT)) {
-        FailWithSystemError("cannot share a pipe", GetLastError());
-    }
+    RequireDone(SetHandleInformation(pipe.theirs.get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT),
+                "cannot share a pipe");
     return pipe;
 }
 
@@ -43,24 +39,24 @@ public:
         SIZE_T size = 0;
         InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         m_storage.resize(size);
-        if (!InitializeProcThreadAttributeList(List(), 1, 0, &size)) {
-            FailWithSystemError("cannot prepare a process", GetLastError());
-        }
-        if (!UpdateProcThreadAttribute(List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
-                                       handles.size() * sizeof(HANDLE), nullptr, nullptr)) {
-            const DWORD error = GetLastError();
-            DeleteProcThreadAttributeList(List());
-            FailWithSystemError("cannot prepare a process", error);
-        }
+        const auto list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_storage.data());
+        RequireDone(InitializeProcThreadAttributeList(list, 1, 0, &size), "cannot prepare a process");
+        m_list.reset(list);
+        RequireDone(UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles.data(),
+                                              handles.size() * sizeof(HANDLE), nullptr, nullptr),
+                    "cannot prepare a process");
     }
-    ~InheritedHandles() { DeleteProcThreadAttributeList(List()); }
-    InheritedHandles(const InheritedHandles&) = delete;
-    InheritedHandles& operator=(const InheritedHandles&) = delete;
 
-    LPPROC_THREAD_ATTRIBUTE_LIST List() { return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_storage.data()); }
+    LPPROC_THREAD_ATTRIBUTE_LIST List() const { return m_list.get(); }
 
 private:
+    struct Delete {
+        using pointer = LPPROC_THREAD_ATTRIBUTE_LIST;
+        void operator()(pointer list) const noexcept { DeleteProcThreadAttributeList(list); }
+    };
+
     std::vector<std::byte> m_storage;
+    std::unique_ptr<void, Delete> m_list;  // in the storage
 };
 
 // A job that ends its processes when it is closed, which the system does for us when this process is killed.
@@ -82,7 +78,7 @@ ChildProcess StartChildProcess(std::wstring commandLine) {
     if (error) {
         handles.push_back(error.get());
     }
-    InheritedHandles inherited(handles);
+    const InheritedHandles inherited(handles);
 
     STARTUPINFOEXW startup = {};
     startup.StartupInfo.cb = sizeof(startup);
@@ -95,10 +91,9 @@ ChildProcess StartChildProcess(std::wstring commandLine) {
     // Suspended until it belongs to the job, so that it cannot escape it.
     const DWORD flags = EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED;
     PROCESS_INFORMATION started = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
-                        &startup.StartupInfo, &started)) {
-        FailWithSystemError("cannot start " + ToUtf8(commandLine), GetLastError());
-    }
+    RequireDone(CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr,
+                               &startup.StartupInfo, &started),
+                "cannot start " + ToUtf8(commandLine));
     const WindowsHandle thread(started.hThread);
     ChildProcess child{MakeKillingJob(), WindowsHandle(started.hProcess), std::move(input.ours),
                        std::move(output.ours)};

@@ -24,12 +24,13 @@ private:
 };
 
 // While one lives, the exchanges of its thread are left out.
-class ExchangeLogPause {
-public:
-    ExchangeLogPause();
-    ~ExchangeLogPause();
+struct ExchangeLogPause {
+    ExchangeLogPause() { ++s_pauses; }
+    ~ExchangeLogPause() { --s_pauses; }
     ExchangeLogPause(const ExchangeLogPause&) = delete;
     ExchangeLogPause& operator=(const ExchangeLogPause&) = delete;
+
+    static inline thread_local int s_pauses = 0;
 };
 
 }  // namespace host

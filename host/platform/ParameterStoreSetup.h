@@ -14,12 +14,10 @@ struct StoreFolders {
     std::filesystem::path user;   // the signed-in user's files; must exist
 };
 
-// Points every service of the store to one base URL, the gateway to "/gateway" below it. folder: where a file may be
-// made for the store to read.
-void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
-                           const StoreFolders& folders);
+// Points every service of the store to one base URL, the gateway to "/gateway" below it.
+void PointParameterStoreTo(const std::string& platformUrl, const StoreFolders& folders);
 
 // Gives the store an earlier client's sign-in, item 0 of its configuration; the others of its items go.
-void StoreLegacyItem(const std::wstring& item, const std::filesystem::path& folder);
+void StoreLegacyItem(const std::wstring& item);
 
 }  // namespace host

@@ -27,7 +27,7 @@ std::wstring CommandLine(const std::filesystem::path& program, const std::filesy
 // The address in the line that the sandbox prints when it is ready; its members are empty when it is another line.
 SandboxAddress ParseAddress(const std::string& line) {
     const Json::Value root = ParseJsonObject(line).value_or(Json::Value(Json::objectValue));
-    return {TextMember(root, "http"), TextMember(root, "https"), ToWide(TextMember(root, "caFile"))};
+    return {TextMember(root, "http"), TextMember(root, "https")};
 }
 
 }  // namespace

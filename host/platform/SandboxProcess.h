@@ -11,7 +11,6 @@ namespace host {
 struct SandboxAddress {
     std::string http;
     std::string https;
-    std::filesystem::path certificateAuthority;  // PEM file of the authority that it made for https
 };
 
 // A running sandbox-server.exe. It ends when its standard input does, so with this object or with this process.

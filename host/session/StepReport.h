@@ -1,25 +1,23 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/ExchangeLog.h"
-#include "text/Console.h"
 #include "text/Table.h"
 
 namespace host {
 
-struct Options;
+struct SessionState;
 
 // What a step found out. Texts are UTF-8 and hold no secret.
 struct StepResult {
     bool ok = false;
-    std::string detail;                                       // one line; may be empty
-    std::vector<std::pair<std::string, std::string>> fields;  // name in lower-case words, and value
-    Table table = {};                                         // may be empty
+    std::string detail = {};                                       // one line; may be empty
+    std::vector<std::pair<std::string, std::string>> fields = {};  // name in lower-case words, and value
+    Table table = {};                                              // may be empty
     // For an operation without a result of its own: ok only if the last exchange ended with 200 or 201 as well.
     bool judgedByStatus = false;
 };
@@ -28,21 +26,21 @@ struct StepResult {
 struct Step {
     const char* name;
     const char* title;
-    std::function<StepResult()> run;
+    StepResult (*run)(SessionState& state);
 };
 
 // What the line of a running step starts with.
 constexpr char kRunning[] = "  ...     ";
 
 // Whether a step has a line while it runs, which its outcome replaces: on a terminal, unless log lines come in between.
-bool ShowsRunningStep(const Console& console, const Options& options);
+bool ShowsRunningStep(const SessionState& state);
 
 // Runs steps and shows each with its outcome, its time and the HTTP exchanges that it made: as lines for people or as
 // one JSON object a line.
 class StepReport {
 public:
-    // Both must outlive it.
-    StepReport(Console& console, const Options& options);
+    // The state must outlive it.
+    explicit StepReport(SessionState& state);
 
     // Whether it succeeded. An exception counts as a failure and passes through: the program ends with it and shows its
     // text.
@@ -57,20 +55,15 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    struct Outcome;
 
-    void Announce(const Step& step);
     bool Finish(const Step& step, Clock::time_point start, StepResult result);
-    void ShowLine(const Step& step, const Outcome& outcome);
-    void ShowJson(const Step& step, const Outcome& outcome);
     std::string Paint(const char* colour, const std::string& text) const;
 
-    Console& m_console;
-    const Options& m_options;
+    SessionState& m_state;
     const bool m_showsRunning;
     ExchangeLog m_exchanges;
     int m_count = 0;
-    double m_milliseconds = 0;
+    Clock::duration m_time{};
     std::string m_failed;  // title of the first step that failed
 };
 

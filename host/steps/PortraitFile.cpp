@@ -1,6 +1,6 @@
 #include "steps/PortraitFile.h"
 
-#include <windows.h>
+#include <string_view>
 
 #include "system/WindowsHandle.h"
 
@@ -11,70 +11,50 @@ using Clock = std::chrono::steady_clock;
 
 constexpr DWORD kPollMilliseconds = 10;
 
-struct OpenedFile {
-    WindowsHandle handle;  // null when it could not be opened
-    DWORD error = ERROR_SUCCESS;
-};
-
-// Without sharing the right to write, so that it fails while the writer still has the file open.
-OpenedFile OpenFinished(const std::filesystem::path& file) {
-    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        return {nullptr, GetLastError()};
+std::string FaultText(DWORD error) {
+    switch (error) {
+        case ERROR_SHARING_VIOLATION:
+            return "the file is still being written";
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_FILE_NOT_FOUND:
+            return "there is no file: make its folder before the profile is requested";
+        default:
+            return "the file cannot be read: system error " + std::to_string(error);
     }
-    return {WindowsHandle(handle)};
 }
 
-PortraitFile Fault(DWORD error) {
-    PortraitFile portrait;
-    if (error == ERROR_SHARING_VIOLATION) {
-        portrait.fault = "the file is still being written";
-    } else if (error == ERROR_PATH_NOT_FOUND || error == ERROR_FILE_NOT_FOUND) {
-        portrait.fault = "there is no file: make its folder before the profile is requested";
-    } else {
-        portrait.fault = "the file cannot be read: system error " + std::to_string(error);
+std::string ImageType(std::string_view firstBytes) {
+    const struct {
+        std::string_view start;
+        const char* type;
+    } types[] = {{"\x89PNG\r\n\x1A\n", "PNG"}, {"\xFF\xD8\xFF", "JPEG"}, {"GIF87a", "GIF"}, {"GIF89a", "GIF"}};
+    for (const auto& [start, type] : types) {
+        if (firstBytes.substr(0, start.size()) == start) {
+            return type;
+        }
     }
-    return portrait;
-}
-
-bool StartsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
+    return "other";
 }
 
 }  // namespace
 
 PortraitFile ReadPortraitFile(const std::filesystem::path& file, std::chrono::milliseconds longest) {
+    // Without sharing the right to write, so that it fails while the writer still has the file open.
+    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_DELETE;
     const Clock::time_point end = Clock::now() + longest;
-    OpenedFile opened = OpenFinished(file);
-    while (opened.error == ERROR_SHARING_VIOLATION && Clock::now() < end) {
+    WindowsHandle handle = OpenFile(file, GENERIC_READ, kShare);
+    while (!handle && GetLastError() == ERROR_SHARING_VIOLATION && Clock::now() < end) {
         Sleep(kPollMilliseconds);
-        opened = OpenFinished(file);
+        handle = OpenFile(file, GENERIC_READ, kShare);
     }
     LARGE_INTEGER size = {};
     char start[8] = {};
     DWORD read = 0;
-    if (!opened.handle) {
-        return Fault(opened.error);
-    }
-    if (!GetFileSizeEx(opened.handle.get(), &size) ||
-        !ReadFile(opened.handle.get(), start, sizeof(start), &read, nullptr)) {
-        return Fault(GetLastError());
+    if (!handle || !GetFileSizeEx(handle.get(), &size) ||
+        !ReadFile(handle.get(), start, sizeof(start), &read, nullptr)) {
+        return {FaultText(GetLastError())};
     }
     return {"", static_cast<std::uintmax_t>(size.QuadPart), ImageType({start, read})};
-}
-
-std::string ImageType(std::string_view firstBytes) {
-    if (StartsWith(firstBytes, "\x89PNG\r\n\x1A\n")) {
-        return "PNG";
-    }
-    if (StartsWith(firstBytes, "\xFF\xD8\xFF")) {
-        return "JPEG";
-    }
-    if (StartsWith(firstBytes, "GIF87a") || StartsWith(firstBytes, "GIF89a")) {
-        return "GIF";
-    }
-    return "other";
 }
 
 }  // namespace host

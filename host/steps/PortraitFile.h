@@ -4,21 +4,17 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 namespace host {
 
 struct PortraitFile {
     std::string fault;  // why it cannot be read; empty when it was
     std::uintmax_t bytes = 0;
-    std::string imageType;
+    std::string imageType = {};  // "PNG", "JPEG", "GIF" or "other", by its first bytes
 };
 
 // Looks at a downloaded portrait. The service announces the file before it closes it: while somebody has it open for
 // writing this waits, at most the given time.
 PortraitFile ReadPortraitFile(const std::filesystem::path& file, std::chrono::milliseconds longest);
-
-// "PNG", "JPEG", "GIF" or "other", by a file's first bytes; eight are enough.
-std::string ImageType(std::string_view firstBytes);
 
 }  // namespace host

@@ -2,10 +2,9 @@
 #include <UserAuthService.h>
 #include <windows.h>
 
+#include "platform/PlatformUrlForSdk.h"
 #include "steps/SignInOutcome.h"
 #include "steps/Steps.h"
-#include "system/HostError.h"
-#include "system/ModuleFolder.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -25,26 +24,18 @@ std::string MeaningOf(int sdkCode) {
         case static_cast<int>(ZvIdErrorType::kEntryPointMissing):
             return ", it lacks the entry point";
         case kSdkConfigurationMissing:
-            return ", with the sandbox's SDK: no readable ZMSCoreConfig.json beside ZVAccountSdk.dll";
+            return ", with the sandbox's SDK: no platform given and no readable ZMSCoreConfig.json beside "
+                   "ZVAccountSdk.dll";
         case kSdkConfigurationInvalid:
-            return ", with the sandbox's SDK: \"client_id\" (nine digits) or \"platform_url\" (http://HOST:PORT) in "
-                   "ZMSCoreConfig.json is missing or malformed";
+            return ", with the sandbox's SDK: the platform is no http URL, or \"client_id\" (nine digits) or "
+                   "\"platform_url\" in ZMSCoreConfig.json is missing or malformed";
         default:
             return ", a code of its own";
     }
 }
 
 StepResult SdkResult(const char* operation, int code) {
-    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + MeaningOf(code), {}};
-}
-
-StepResult CreateService(SessionState& state) {
-    state.service = UserAuthService::GetInstance();
-    const std::filesystem::path sdk = LoadedAccountSdk();
-    if (sdk.empty()) {
-        return {false, "ZVAccountSdk.dll did not load: it belongs beside UserAuthService.dll", {}};
-    }
-    return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(sdk.filename().wstring()), {}};
+    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + MeaningOf(code)};
 }
 
 std::string SdkPlatformUrl(const SessionState& state) {
@@ -58,25 +49,17 @@ StepResult ConfigureSdk(SessionState& state) {
     const std::string url = SdkPlatformUrl(state);
     // The sandbox's SDK speaks http only, and what another one wants is its own business.
     if (state.options.sdkPlatformUrl.empty() && url.rfind("https://", 0) == 0) {
-        return {true,
-                "ZMSCoreConfig.json stays as it is, since the platform is https: --sdk-platform URL puts a URL in",
-                {}};
+        SetPlatformUrlForSdk("");
+        return {true, "by its own file, since the platform is https: --sdk-platform URL names another URL"};
     }
-    state.sdkConfiguration.reset();  // a turn is taken once
-    state.sdkConfiguration = std::make_unique<SdkConfiguration>(ServiceFolder() / "ZMSCoreConfig.json", url);
-    return {true, "platform_url " + url, {}};
+    SetPlatformUrlForSdk(url);
+    return {true, "platform " + url};
 }
 
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
-    const bool restored = !state.sdkConfiguration || state.sdkConfiguration->Restore();
-    state.sdkConfiguration.reset();
     state.sdkInitialised = code == 0;
     StepResult result = SdkResult("InitZms", code);
-    if (!restored) {
-        result.ok = false;
-        result.detail += ", ZMSCoreConfig.json could not be put back";
-    }
     const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
     result.ok = result.ok && startSend;
     result.detail += std::string(", start-send flag ") + (startSend ? "set" : "not set");
@@ -91,21 +74,21 @@ StepResult StartSignIn(SessionState& state) {
 StepResult AwaitCode(SessionState& state) {
     const std::optional<SignInOutcome> outcome = WaitForSignInOutcome(kLongestSignIn);
     if (!outcome) {
-        return {false, "the account SDK did not call back within 15 s", {}};
+        return {false, "the account SDK did not call back within 15 s"};
     }
     if (!outcome->succeeded) {
-        return {false, outcome->reason, {}};
+        return {false, outcome->reason};
     }
     state.authorizationCode = outcome->authorizationCode;
     const std::string threads = "callback on thread " + std::to_string(outcome->threadId) + ", caller on thread " +
                                 std::to_string(GetCurrentThreadId());
-    return {outcome->threadId != GetCurrentThreadId(), Characters(state.authorizationCode.size()) + ", " + threads, {}};
+    return {outcome->threadId != GetCurrentThreadId(), Characters(state.authorizationCode.size()) + ", " + threads};
 }
 
 StepResult ExchangeCode(SessionState& state) {
     const std::string code = std::exchange(state.authorizationCode, std::string());
     const bool exchanged = state.service->RequestAT(code, code.c_str());
-    return {exchanged, exchanged ? "" : SeeLog("RequestAT refused"), {}};
+    return {exchanged, exchanged ? "" : SeeLog("RequestAT refused")};
 }
 
 // In the account state and in the parameter store.
@@ -128,24 +111,20 @@ StepResult CheckTokens(SessionState& state) {
 
 StepResult AskSignedIn(SessionState& state) {
     const bool signedIn = state.service->IsZmsSignIn();
-    return {signedIn, signedIn ? "somebody is signed in" : "nobody is signed in", {}};
+    return {signedIn, signedIn ? "somebody is signed in" : "nobody is signed in"};
 }
 
 }  // namespace
 
-std::vector<Step> CreationSteps(SessionState& state) {
-    return {{"service", "service created, account SDK loaded", [&state] { return CreateService(state); }}};
-}
-
-std::vector<Step> SignInSteps(SessionState& state) {
+std::vector<Step> SignInSteps() {
     return {
-        {"sdk-configuration", "account SDK configured", [&state] { return ConfigureSdk(state); }},
-        {"account-sdk", "account SDK initialised", [&state] { return InitialiseSdk(state); }},
-        {"sign-in", "sign-in accepted", [&state] { return StartSignIn(state); }},
-        {"authorization-code", "authorization code delivered", [&state] { return AwaitCode(state); }},
-        {"request-at", "code exchanged for tokens", [&state] { return ExchangeCode(state); }},
-        {"tokens", "tokens in account state", [&state] { return CheckTokens(state); }},
-        {"signed-in", "account SDK knows the session", [&state] { return AskSignedIn(state); }},
+        {"sdk-configuration", "account SDK configured", ConfigureSdk},
+        {"account-sdk", "account SDK initialised", InitialiseSdk},
+        {"sign-in", "sign-in accepted", StartSignIn},
+        {"authorization-code", "authorization code delivered", AwaitCode},
+        {"request-at", "code exchanged for tokens", ExchangeCode},
+        {"tokens", "tokens in account state", CheckTokens},
+        {"signed-in", "account SDK knows the session", AskSignedIn},
     };
 }
 

@@ -10,8 +10,8 @@ namespace host {
 // One sync key of the user record, as far as it may be shown.
 struct SyncKey {
     std::string name;      // "drive 1"
-    std::string dataType;  // as the platform numbers its services: "11" sync drive, "12" photo library
-    int keyType;           // 1: 16 bytes, 3: 32 bytes
+    std::string dataType;  // kSyncDriveDataType or kCloudPhotoDataType
+    int keyType;           // kKeyType1 or kKeyType3
     std::string uuid;
     std::string fingerprint;  // SHA-256 of the key in lower-case hexadecimal; empty when there is no key
 };

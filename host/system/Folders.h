@@ -4,10 +4,14 @@
 
 namespace host {
 
+// Folder of this program's file.
+std::filesystem::path ProgramFolder();
+
 // A folder of this process's own under the system's temporary folder, made empty and deleted with its content.
 class TemporaryFolder {
 public:
-    // Throws std::filesystem::filesystem_error.
+    // Its name is random, and never one that is there already. Throws HostError with kExitStepFailed, or
+    // std::filesystem::filesystem_error.
     TemporaryFolder();
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
