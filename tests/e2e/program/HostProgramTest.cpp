@@ -3,6 +3,8 @@
 #include <regex>
 #include <sstream>
 
+using HostProgramSession = SandboxSession;
+
 namespace {
 
 class Userauth : public ChildProcess {
@@ -55,7 +57,7 @@ TEST(HostProgram, WhatItCannotDoIsSaidInOneLine) {
     EXPECT_EQ(Userauth(L"--help").m_code, 0);
 }
 
-TEST_F(SandboxSession, TheHostSignsInOnARunningPlatformAndShowsLengthsOnly) {
+TEST_F(HostProgramSession, TheHostSignsInOnARunningPlatformAndShowsLengthsOnly) {
     const Userauth run(L"--platform " + Wide(m_sandbox.m_http) + L" sign-in status");
     EXPECT_EQ(run.m_code, 0) << run.m_output << run.m_error;
     EXPECT_NE(run.m_output.find("78 characters"), std::string::npos) << run.m_output;

@@ -5,6 +5,8 @@
 #include "HttpCall.h"
 #include "SandboxSession.h"
 
+using Refusals = SandboxSession;
+
 // Reaches the private header sets through the library's exports.
 class UserAuthServiceAccess {
 public:
@@ -59,7 +61,7 @@ bool IsRefused(const std::string& reply) {
 }  // namespace
 
 // The real requests, each with one thing wrong: every header missing or changed, one too many, another query or body.
-TEST_F(SandboxSession, EveryEndpointRefusesWhatIsNotQuiteRight) {
+TEST_F(Refusals, EveryEndpointRefusesWhatIsNotQuiteRight) {
     SignInWhole();
     UserSyncKeyService keys;
     std::vector<DeviceTag> devices;
@@ -110,7 +112,7 @@ TEST_F(SandboxSession, EveryEndpointRefusesWhatIsNotQuiteRight) {
 }
 
 // The sandbox's checks are what shows in every other test that the requests are right.
-TEST_F(SandboxSession, ThePortalRefusesWhatIsNotQuiteRight) {
+TEST_F(Refusals, ThePortalRefusesWhatIsNotQuiteRight) {
     const std::wstring traceId = m_service->GetTraceID(BaseCmd::kRequestAccessToken);
     const HeaderMap whole = UserAuthServiceAccess::BuildHeaders(*m_service, HeadType::kCodeExchange, traceId);
     const std::wstring trace = L"\"traceId\":\"" + traceId + L"\"";

@@ -9,8 +9,10 @@
 #include "core/AccountBrandText.h"
 #include "core/SuiteWindowMessages.h"
 
+using AccountState = ServiceTest;
+
 // While a push runs no reader may get in: it would see a value that the store may not have yet.
-TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
+TEST_F(AccountState, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
     SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(*m_service);
     Recording().duringPush = [&] { EXPECT_FALSE(TryAcquireSRWLockShared(lock)) << Recording().journal.back(); };
     m_service->SetCurrentAT(L"at-\u00E9");
@@ -33,7 +35,7 @@ TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
     EXPECT_EQ(m_service->GetGPWPtr(), GlobalParamWrapper::GetInstance());
 }
 
-TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
+TEST_F(AccountState, ClearEmptiesFourFieldsAndTellsNobody) {
     m_service->SetCurrentAT(L"at");
     m_service->SetCurrentRT(L"rt");
     m_service->SetCurrentUserInfo(L"uid", L"name", L"url", 7);
@@ -51,7 +53,7 @@ TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
 }
 
-TEST_F(ServiceTest, ReadersSeeWholeValuesWhileWritersWrite) {
+TEST_F(AccountState, ReadersSeeWholeValuesWhileWritersWrite) {
     const std::wstring values[] = {std::wstring(1000, L'a'), std::wstring(2000, L'b')};
     m_service->SetCurrentAT(values[0]);
     std::atomic<bool> stop{false};
@@ -110,7 +112,7 @@ TEST(SuiteWindowMessages, AreThoseOfTheSuite) {
     EXPECT_EQ(messages.accessTokenLost, RegisterWindowMessageW(L"WM_APP_ATLOST"));
 }
 
-TEST_F(ServiceTest, StartsEmpty) {
+TEST_F(AccountState, StartsEmpty) {
     EXPECT_FALSE(m_service->IsActiveAccount() || m_service->IsAvailableCountry() || m_service->GetCurrentPriviledge() ||
                  m_service->GetClientLogReportStatus());
     EXPECT_TRUE(m_service->GetValidModule().empty());

@@ -10,9 +10,9 @@ constexpr char kOperation[] = "RequestUserInfo";
 const std::string kOldPortrait = "old portrait, longer than any below";
 const std::string kLink = "\"profilePhotoLink\":\"https://p/\xC3\xA9\"";
 
-class RequestUserInfoTest : public ServiceTest {
+class RequestUserInfo : public ServiceTest {
 protected:
-    RequestUserInfoTest()
+    RequestUserInfo()
         : m_window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
         Recording().mainWindow = m_window;
         Singleton().SetCurrentAT(L"singleton token");
@@ -23,7 +23,7 @@ protected:
         std::filesystem::create_directories(Recording().appDataFolder);
         LeaveAnOldPortrait();
     }
-    ~RequestUserInfoTest() override {
+    ~RequestUserInfo() override {
         DestroyWindow(m_window);
         std::error_code ignored;
         std::filesystem::remove_all(Recording().appDataFolder, ignored);
@@ -86,7 +86,7 @@ Lines Summary(const std::string& status) {
 
 }  // namespace
 
-TEST_F(RequestUserInfoTest, Outcomes) {
+TEST_F(RequestUserInfo, Outcomes) {
     const Lines stored = Store("SetUserID", "\xD0\x96") + Store("SetUserID", "\xD0\x96") +
                          Log("2", kOperation, "GetUserInfo successed!");
     const std::string name = "\xE0\xB8\xAD\xF0\x9F\x98\x80";
@@ -128,7 +128,7 @@ TEST_F(RequestUserInfoTest, Outcomes) {
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"Authorization", L"Bearer singleton token"}}));
 }
 
-TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
+TEST_F(RequestUserInfo, MissingAndMistypedMembersAreStoredEmpty) {
     for (const char* body : {"{}", "[]", R"({"userId":1,"displayName":{},"profilePhotoLink":[],"accountBrand":"7"})"}) {
         m_service->SetCurrentUserInfo(L"u", L"n", L"l", 9);
         Recording().replies = {{200, body, {}}};
@@ -143,7 +143,7 @@ TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
 
 // A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only
 // overwritten.
-TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
+TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
     const std::filesystem::path link = Portrait().parent_path() / "link";
     ASSERT_TRUE(CreateHardLinkW(link.c_str(), Portrait().c_str(), nullptr));
     bool openAtMessage = false;
@@ -156,7 +156,7 @@ TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFi
     EXPECT_EQ(ReadFile(link), kOldPortrait);
 }
 
-TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
+TEST_F(RequestUserInfo, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
     std::atomic<int> inside{0};
     Recording().duringExchange = [&](const std::wstring& url) {
         const ULONGLONG deadline = GetTickCount64() + 10000;
@@ -176,7 +176,7 @@ TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
     EXPECT_EQ(PortraitOnceClosed().size(), 100000U);
 }
 
-TEST_F(RequestUserInfoTest, WithoutAWindowNothingIsPosted) {
+TEST_F(RequestUserInfo, WithoutAWindowNothingIsPosted) {
     Recording().mainWindow = nullptr;
     Recording().replies = {{200, "{}", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());

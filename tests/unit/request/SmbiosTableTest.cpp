@@ -139,7 +139,7 @@ TEST(SmbiosTable, EveryTruncationAndEveryLengthByteIsSurvived) {
     EXPECT_EQ(Read(whole).system.productName, L"Caf\u00E9 3000");
 }
 
-TEST(DeviceIdentityTest, NameHeaderHasADefaultAndALimit) {
+TEST(DeviceIdentity, NameHeaderHasADefaultAndALimit) {
     DeviceIdentity identity;
     EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
     identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');

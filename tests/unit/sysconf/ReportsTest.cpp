@@ -2,13 +2,15 @@
 
 #include "ServiceFixture.h"
 
+using Reports = ServiceTest;
+
 namespace {
 
 const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
 
 }  // namespace
 
-TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
+TEST_F(Reports, ReportLoginTimeIsVisibleInTheLogOnly) {
     constexpr char kOperation[] = "ReportLoginTime";
     for (const int code : {200, 500, static_cast<int>(kHttpConnectFailed)}) {
         const std::string status = std::to_string(code);
@@ -20,7 +22,7 @@ TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
     }
 }
 
-TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
+TEST_F(Reports, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     const std::string yes = R"({"result":0,"resultMap":{"clientLogReport":"true"}})";
     constexpr char kOperation[] = "RequestClientLogReport";
     const struct : ReplyRow {
@@ -54,7 +56,7 @@ TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     }
 }
 
-TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
+TEST_F(Reports, GetLoginDevicesHistoryAppendsWhatTheListHas) {
     constexpr char kOperation[] = "GetLoginDevicesHistory";
     const std::string four =
         R"({"opRecordList":[{"aliasName":"é\u0000x","devDisplayName":"d","deviceCategory":"c",)"

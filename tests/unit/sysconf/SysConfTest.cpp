@@ -5,6 +5,8 @@
 
 #include "ServiceFixture.h"
 
+using SysConf = ServiceTest;
+
 namespace {
 
 using Modules = std::vector<std::wstring>;
@@ -25,7 +27,7 @@ const Modules kAll = {L"Contacts", L"Drive", L"FindDevice", L"Gallery", L"Manage
 
 }  // namespace
 
-TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
+TEST_F(SysConf, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     m_service->SetCurrrentUserID(L"me");
     m_service->SetCurrentAT(L"at");
     UserAuthServiceAccess::Country(*m_service) = L"T\"H";
@@ -66,7 +68,7 @@ TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"x-zv-active-method", L"kept"}}));
 }
 
-TEST_F(ServiceTest, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
+TEST_F(SysConf, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
     std::vector<DeviceTag> devices;
     const std::pair<std::function<bool()>, std::size_t> operations[] = {
         {[&] { return m_service->InitSysConf(); }, 3},
@@ -88,7 +90,7 @@ TEST_F(ServiceTest, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
     }
 }
 
-TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
+TEST_F(SysConf, InitSysConfReplacesWhatAnEarlierOneSaid) {
     const std::string on = AllSwitches("\"true\"");
     const Modules drive = {L"Drive"};
     const struct : ReplyRow {
@@ -122,7 +124,7 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
     }
 }
 
-TEST_F(ServiceTest, SysConfOperationsLog) {
+TEST_F(SysConf, OperationsLog) {
     constexpr char kOperation[] = "GetSysConfigInfo";
     Recording().replies = {{204, "", {}}, {503, "", {}}};
     m_service->InitSysConf();
@@ -140,7 +142,7 @@ TEST_F(ServiceTest, SysConfOperationsLog) {
                   Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBase + "sysConfRefresh\nHttpCode:503"));
 }
 
-TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
+TEST_F(SysConf, ActiveUserStoresWhatItIsTold) {
     const struct : ReplyRow {
         bool active;
     } rows[] = {

@@ -9,6 +9,8 @@
 #include "ServiceFixture.h"
 #include "request/StandardBase64.h"
 
+using GetOldVersionUserId = ServiceTest;
+
 namespace {
 
 constexpr char kStamp[] = "2019-03-04 05:06:07";
@@ -25,7 +27,7 @@ std::wstring LegacyItem(std::string plaintext) {
 
 }  // namespace
 
-TEST_F(ServiceTest, GetOldVersionUserIdTakesTheLegacySignInOver) {
+TEST_F(GetOldVersionUserId, TakesTheLegacySignInOver) {
     std::wstring damaged = LegacyItem(std::string("old") + kStamp);
     damaged[damaged.size() / 2] = damaged[damaged.size() / 2] == L'A' ? L'B' : L'A';
     const std::string taken = std::string("old3\xC3\xA9") + "abcdefghijklmnopqrs";

@@ -3,6 +3,8 @@
 #include "ServiceFixture.h"
 #include "token/ReplaceAllIgnoringCase.h"
 
+using RequestAT = ServiceTest;
+
 namespace {
 
 constexpr char kOperation[] = "RequestAT";
@@ -35,7 +37,7 @@ const std::string kGood = R"({"accessToken":"at","refreshToken":"rt","registerCo
 
 }  // namespace
 
-TEST_F(ServiceTest, RequestATSendsTheSecondArgument) {
+TEST_F(RequestAT, SendsTheSecondArgument) {
     m_service->RequestAT("first", "second");
     const std::wstring trace = Recording().requestHeaders.at(L"x-zv-trace-id");
     EXPECT_EQ(Recording().url, L"https://portal.example.com/pcclient/getAccessTokenByCode?traceId=" + trace);
@@ -48,7 +50,7 @@ TEST_F(ServiceTest, RequestATSendsTheSecondArgument) {
     EXPECT_EQ(Recording().postData.substr(0, 24), L"{\"authorizationCode\":\"\",");
 }
 
-TEST_F(ServiceTest, RequestATOutcomes) {
+TEST_F(RequestAT, Outcomes) {
     const Lines tokens = Stored("at", "rt") + Country("TH");
     const struct : ReplyRow {
         Lines outcome;
@@ -94,7 +96,7 @@ TEST_F(ServiceTest, RequestATOutcomes) {
     }
 }
 
-TEST_F(ServiceTest, RequestATKeepsWhatAFailingPathDoesNotReach) {
+TEST_F(RequestAT, KeepsWhatAFailingPathDoesNotReach) {
     Recording().replies = {{200, kGood + R"("result":{"code":"0"}})", {}},
                            {500, "", {}},
                            {200, R"({"accessToken":"at2","expires":1})", {}}};
