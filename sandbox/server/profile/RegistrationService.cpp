@@ -29,7 +29,9 @@ PlatformReply RegistrationOf(const PlatformRequest& request, const PlatformState
     if (!check.account) {
         return TokenRefusal(check.refusal);
     }
-    if (body.value[kMemberCountry].asString() != check.account->countryCode) {
+    // Empty before a code's exchange told the client its country, as after a legacy sign-in.
+    const auto country = body.value[kMemberCountry].asString();
+    if (!country.empty() && country != check.account->countryCode) {
         return RefusalOf({"", "", "registerCountryCode is not " + check.account->countryCode}).value();
     }
     return RegistrationReply(*check.account);
