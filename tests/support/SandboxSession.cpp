@@ -128,11 +128,7 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
     settings["appDataLocalPath"] = m_folder.u8string();
     // The device keeps its identity for the life of the process, as the service expects.
     settings["stateFolder"] = TemporaryFolder(L"userauth-device").u8string();
-    Configure(Json::writeString(Json::StreamWriterBuilder(), settings));
-}
-
-void SandboxSession::Configure(const std::string& json) {
-    WriteFile(m_folder / "client.json", json);
+    WriteFile(m_folder / "client.json", Json::writeString(Json::StreamWriterBuilder(), settings));
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))
         << error;

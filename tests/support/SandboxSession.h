@@ -40,10 +40,8 @@ protected:
     SandboxSession();
     ~SandboxSession() override;
 
-    // Points every service of the parameter store at a base URL.
+    // Points every service of the parameter store at a base URL, by "client.json" in the test's folder.
     void UsePlatform(const std::string& baseUrl);
-    // Gives the parameter store a configuration; what that does not name stays.
-    void Configure(const std::string& json);
 
     // Signs in through the SDK and returns the authorization code that the callback received.
     std::string SignIn();

@@ -18,7 +18,7 @@ protected:
     }
 
     // Fetches the profile and waits for its message, so that no download runs into the next step.
-    bool ProfileWithMessage() { return m_service->RequestUserInfo() && m_window.MessageArrives(); }
+    bool ProfileWithMessage() { return m_service->RequestUserInfo() && m_window.Messages(1) == 1; }
 
     std::filesystem::path Portrait() { return m_folder / "HeadPortrait"; }
 

@@ -3,10 +3,9 @@
 #include "ServiceFixture.h"
 #include "contacts/DownloadBuffer.h"
 
-using ExportContracts = ServiceTest;
-
 namespace {
 
+using ExportContracts = ServiceTest;
 const std::string kEarlier = "what an earlier export left";
 
 std::filesystem::path TestFile() {

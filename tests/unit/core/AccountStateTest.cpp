@@ -5,6 +5,7 @@
 #include <set>
 #include <thread>
 
+#include "AccountFields.h"
 #include "ServiceFixture.h"
 #include "core/AccountBrandText.h"
 #include "core/SuiteWindowMessages.h"
@@ -44,12 +45,9 @@ TEST_F(AccountState, ClearEmptiesFourFieldsAndTellsNobody) {
     Recording().journal.clear();
     m_service->Clear();
     EXPECT_TRUE(Recording().journal.empty());
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentUserID() +
-                  m_service->GetCurrentUserHeadImageLocalPath(),
-              L"");
-    EXPECT_EQ(m_service->GetCurrentUserName(), L"name");
-    EXPECT_EQ(m_service->GetCurrentUserHeadImageUrl(), L"url");
-    EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 7);
+    EXPECT_EQ(
+        AccountFields(*m_service),
+        (Fields{{"user name", L"name"}, {"portrait URL", L"url"}, {"account brand", L"7"}, {"country", L"\u00C9"}}));
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
 }
 
@@ -113,10 +111,7 @@ TEST(SuiteWindowMessages, AreThoseOfTheSuite) {
 }
 
 TEST_F(AccountState, StartsEmpty) {
-    EXPECT_FALSE(m_service->IsActiveAccount() || m_service->IsAvailableCountry() || m_service->GetCurrentPriviledge() ||
-                 m_service->GetClientLogReportStatus());
-    EXPECT_TRUE(m_service->GetValidModule().empty());
-    EXPECT_EQ(m_service->GetLanguageType() + m_service->GetCountryCode(), "");
+    EXPECT_EQ(AccountFields(*m_service), Fields{});
     EXPECT_EQ(FnUserAuthService(), 0);
     EXPECT_EQ(g_nUserAuthService, 0);
     const std::vector<std::uint8_t> key = {1, 2, 3};

@@ -1,10 +1,10 @@
 #include <atomic>
 
+#include "AccountFields.h"
+#include "PortraitWindow.h"
 #include "ServiceFixture.h"
 
 namespace {
-
-constexpr UINT kPortraitChanged = 0x0C87;
 
 constexpr char kOperation[] = "RequestUserInfo";
 const std::string kOldPortrait = "old portrait, longer than any below";
@@ -12,9 +12,7 @@ const std::string kLink = "\"profilePhotoLink\":\"https://p/\xC3\xA9\"";
 
 class RequestUserInfo : public ServiceTest {
 protected:
-    RequestUserInfo()
-        : m_window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
-        Recording().mainWindow = m_window;
+    RequestUserInfo() {
         Singleton().SetCurrentAT(L"singleton token");
         m_service->SetCurrentAT(L"own token");
         Recording().appDataFolder = (std::filesystem::temp_directory_path() /
@@ -24,7 +22,6 @@ protected:
         LeaveAnOldPortrait();
     }
     ~RequestUserInfo() override {
-        DestroyWindow(m_window);
         std::error_code ignored;
         std::filesystem::remove_all(Recording().appDataFolder, ignored);
     }
@@ -37,22 +34,6 @@ protected:
         WriteFile(Portrait(), kOldPortrait);
         m_service->SetCurrentUserHeadImageLocalPath(L"old path");
         Recording().journal.clear();
-    }
-
-    // Messages until the wanted number is there, then one more look. A message of the calling thread is there at once.
-    int Messages(int wanted) {
-        int count = 0;
-        const ULONGLONG deadline = GetTickCount64() + 10000;
-        do {
-            MSG message{};
-            while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
-                EXPECT_EQ(message.wParam, 0U);
-                EXPECT_EQ(message.lParam, 0);
-                ++count;
-            }
-            Sleep(1);
-        } while (count < wanted && GetTickCount64() < deadline);
-        return count;
     }
 
     // Whether nobody has the portrait open.
@@ -73,7 +54,7 @@ protected:
         return ReadFile(Portrait());
     }
 
-    HWND m_window;
+    PortraitWindow m_window;
 };
 
 Lines Summary(const std::string& status) {
@@ -105,7 +86,7 @@ TEST_F(RequestUserInfo, Outcomes) {
         LeaveAnOldPortrait();
         Recording().replies = {{row.status, row.body, {}}, {row.photoStatus, "bytes", {}}};
         EXPECT_EQ(m_service->RequestUserInfo(), row.result) << row.name;
-        EXPECT_EQ(Messages(row.result ? 1 : 0), row.result ? 1 : 0) << row.name;
+        EXPECT_EQ(m_window.Messages(row.result ? 1 : 0), row.result ? 1 : 0) << row.name;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), row.path) << row.name;
         EXPECT_EQ(PortraitOnceClosed(), row.file) << row.name;
         const std::string status = std::to_string(row.status);
@@ -133,11 +114,7 @@ TEST_F(RequestUserInfo, MissingAndMistypedMembersAreStoredEmpty) {
         m_service->SetCurrentUserInfo(L"u", L"n", L"l", 9);
         Recording().replies = {{200, body, {}}};
         EXPECT_TRUE(m_service->RequestUserInfo()) << body;
-        EXPECT_EQ(m_service->GetCurrentUserID() + m_service->GetCurrentUserName() +
-                      m_service->GetCurrentUserHeadImageUrl() + m_service->GetCurrentUserHeadImageLocalPath(),
-                  L"")
-            << body;
-        EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 0) << body;
+        EXPECT_EQ(AccountFields(*m_service), (Fields{{"access token", L"own token"}})) << body;
     }
 }
 
@@ -150,7 +127,7 @@ TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIs
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
-    EXPECT_EQ(Messages(1), 1);
+    EXPECT_EQ(m_window.Messages(1), 1);
     EXPECT_TRUE(openAtMessage);
     EXPECT_EQ(PortraitOnceClosed(), "new");
     EXPECT_EQ(ReadFile(link), kOldPortrait);
@@ -171,7 +148,7 @@ TEST_F(RequestUserInfo, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "{" + kLink + "}", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
     EXPECT_TRUE(m_service->RequestUserInfo());
-    EXPECT_EQ(Messages(2), 2);
+    EXPECT_EQ(m_window.Messages(2), 2);
     EXPECT_EQ(inside, 2);
     EXPECT_EQ(PortraitOnceClosed().size(), 100000U);
 }

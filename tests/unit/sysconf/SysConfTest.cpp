@@ -5,13 +5,10 @@
 
 #include "ServiceFixture.h"
 
-using SysConf = ServiceTest;
-
 namespace {
 
+using SysConf = ServiceTest;
 using Modules = std::vector<std::wstring>;
-
-const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
 
 std::string AllSwitches(const std::string& value) {
     std::string members;
@@ -34,8 +31,8 @@ TEST_F(SysConf, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     const auto sent = [](const std::string& path, const std::string& operation, const std::string& body, bool sysConf) {
         const std::string hook = " UserAuthService::" + operation + "::<lambda_";
         const auto only = [](bool wanted, const Lines& lines) { return wanted ? lines : Lines(); };
-        return Lines{"http SetUrl " + kBase + path,     "http SetHttpRequestMethod 1", "http SetPostData " + body,
-                     "http SetHeaders me 104862915 at", "http SetCertPath ",           "http SetLogFunction "} +
+        return Lines{"http SetUrl " + kBasicService + path, "http SetHttpRequestMethod 1", "http SetPostData " + body,
+                     "http SetHeaders me 104862915 at",     "http SetCertPath ",           "http SetLogFunction "} +
                only(sysConf, {"http SetErrorLogFunction ", "http GetHeaders ", "http SetHeaders 2"}) +
                Lines{"http Request -1", "log 10 0" + hook + "1>::operator () progress text"} +
                only(sysConf, {"log 10 5" + hook + "2>::operator () error text"});
@@ -135,11 +132,11 @@ TEST_F(SysConf, OperationsLog) {
     EXPECT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
     outcome.pop_back();
     EXPECT_EQ(outcome, Log("2", kOperation, "GetSysConfigInfo httpcode:204") +
-                           Log("0", kOperation, "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"));
+                           Log("0", kOperation, "SysConfInit\nUrl:" + kBasicService + "sysConfInit\nHttpCode:204"));
     m_service->ActiveUser();
     EXPECT_EQ(Recording().TakeOutcome(),
               Log("2", "ActiveUser", "ActiveUser httpcode:503") +
-                  Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBase + "sysConfRefresh\nHttpCode:503"));
+                  Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBasicService + "sysConfRefresh\nHttpCode:503"));
 }
 
 TEST_F(SysConf, ActiveUserStoresWhatItIsTold) {

@@ -1,12 +1,12 @@
 #include <HttpLib.h>
 
+#include "AccountFields.h"
 #include "ServiceFixture.h"
 #include "token/ReplaceAllIgnoringCase.h"
 
-using RequestAT = ServiceTest;
-
 namespace {
 
+using RequestAT = ServiceTest;
 constexpr char kOperation[] = "RequestAT";
 
 Lines Progress(const std::string& message) { return Log("2", kOperation, message); }
@@ -102,9 +102,10 @@ TEST_F(RequestAT, KeepsWhatAFailingPathDoesNotReach) {
                            {200, R"({"accessToken":"at2","expires":1})", {}}};
     ASSERT_TRUE(m_service->RequestAT("", "code"));
     EXPECT_FALSE(m_service->RequestAT("", "code"));
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentCountryCode(), L"atrtTH");
+    EXPECT_EQ(AccountFields(*m_service),
+              (Fields{{"access token", L"at"}, {"refresh token", L"rt"}, {"country", L"TH"}}));
     EXPECT_FALSE(m_service->RequestAT("", "code"));
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentCountryCode(), L"at2");
+    EXPECT_EQ(AccountFields(*m_service), (Fields{{"access token", L"at2"}}));
     EXPECT_EQ(UserAuthServiceAccess::Expires(*m_service), 3600);
     EXPECT_EQ(UserAuthServiceAccess::OauthStatus(*m_service), 201);
     EXPECT_EQ(UserAuthServiceAccess::OauthSubError(*m_service), 7);
