@@ -3,6 +3,7 @@
 #include <map>
 #include <string>
 
+#include "TextFile.h"
 #include "UserAuthService.h"
 
 // Values by their names, so that a failed comparison shows which one differs.
@@ -10,13 +11,10 @@ using Fields = std::map<std::string, std::wstring>;
 
 // What the account state holds; what is empty, 0 or false is left out.
 inline Fields AccountFields(UserAuthService& service) {
-    const std::string language = service.GetLanguageType();
-    const int brand = service.GetCurrentUserAccountBrandID();
     std::wstring modules;
     for (const std::wstring& module : service.GetValidModule()) {
         modules += module + L" ";
     }
-    const auto flag = [](bool set) { return set ? L"true" : L""; };
     Fields fields = {
         {"access token", service.GetCurrentAT()},
         {"refresh token", service.GetCurrentRT()},
@@ -24,17 +22,17 @@ inline Fields AccountFields(UserAuthService& service) {
         {"user name", service.GetCurrentUserName()},
         {"portrait URL", service.GetCurrentUserHeadImageUrl()},
         {"portrait path", service.GetCurrentUserHeadImageLocalPath()},
-        {"account brand", brand == 0 ? L"" : std::to_wstring(brand)},
+        {"account brand", std::to_wstring(service.GetCurrentUserAccountBrandID())},
         {"country", service.GetCurrentCountryCode()},
-        {"language", {language.begin(), language.end()}},
+        {"language", Wide(service.GetLanguageType())},
         {"modules", modules},
-        {"privilege", flag(service.GetCurrentPriviledge())},
-        {"client log report", flag(service.GetClientLogReportStatus())},
-        {"active account", flag(service.IsActiveAccount())},
-        {"available country", flag(service.IsAvailableCountry())},
+        {"privilege", std::to_wstring(service.GetCurrentPriviledge())},
+        {"client log report", std::to_wstring(service.GetClientLogReportStatus())},
+        {"active account", std::to_wstring(service.IsActiveAccount())},
+        {"available country", std::to_wstring(service.IsAvailableCountry())},
     };
     for (auto field = fields.begin(); field != fields.end();) {
-        field = field->second.empty() ? fields.erase(field) : std::next(field);
+        field = field->second.empty() || field->second == L"0" ? fields.erase(field) : std::next(field);
     }
     return fields;
 }

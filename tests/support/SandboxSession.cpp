@@ -79,16 +79,6 @@ int SandboxServer::Requests(const std::string& endpoint) {
     return Control("/sandbox/statistics")["requests"][endpoint].asInt();
 }
 
-void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (Requests(endpoint) < count) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            FAIL() << "no request for " << endpoint;
-        }
-        Sleep(10);
-    }
-}
-
 std::map<std::wstring, std::wstring> SandboxServer::PortalCookies() {
     std::map<std::wstring, std::wstring> cookies;
     const Json::Value login = Control("/sandbox/portal-login");

@@ -21,8 +21,6 @@ public:
     void Fault(const std::string& endpoint, const std::string& faultJson);
     // How often the endpoint has been asked.
     int Requests(const std::string& endpoint);
-    // Waits until it has been asked that often; fails the test after ten seconds.
-    void AwaitRequest(const std::string& endpoint, int count);
     // What a browser holds that is signed in at the contacts portal.
     std::map<std::wstring, std::wstring> PortalCookies();
     std::wstring Url(const std::string& path) const { return Wide(m_http + path); }
