@@ -80,16 +80,6 @@ int SandboxServer::Requests(const std::string& endpoint) {
     return Control("/sandbox/statistics")["requests"][endpoint].asInt();
 }
 
-void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (Requests(endpoint) < count) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            FAIL() << "no request for " << endpoint;
-        }
-        Sleep(10);
-    }
-}
-
 std::map<std::wstring, std::wstring> SandboxServer::PortalCookies() {
     std::map<std::wstring, std::wstring> cookies;
     const Json::Value login = Control("/sandbox/portal-login");
@@ -129,11 +119,7 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
     settings["appDataLocalPath"] = m_folder.u8string();
     // The device keeps its identity for the life of the process, as the service expects.
     settings["stateFolder"] = TemporaryFolder(L"userauth-device").u8string();
-    Configure(Json::writeString(Json::StreamWriterBuilder(), settings));
-}
-
-void SandboxSession::Configure(const std::string& json) {
-    WriteFile(m_folder / "client.json", json);
+    WriteFile(m_folder / "client.json", Json::writeString(Json::StreamWriterBuilder(), settings));
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))
         << error;

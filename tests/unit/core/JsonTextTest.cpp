@@ -4,6 +4,8 @@
 
 #include "ServiceFixture.h"
 
+using StringToJson = ServiceTest;
+
 TEST(JsonText, OnlyArraysAndObjectsAreDocuments) {
     const struct {
         const char* text;
@@ -65,7 +67,7 @@ TEST(JsonText, DeepNestingIsAFailedParse) {
     }
 }
 
-TEST_F(ServiceTest, StringToJsonYieldsWhatTheReaderLeft) {
+TEST_F(StringToJson, YieldsWhatTheReaderLeft) {
     EXPECT_TRUE(UserAuthServiceAccess::Parse(*m_service, "garbage").isNull());
     EXPECT_EQ(UserAuthServiceAccess::Parse(*m_service, "{\"a\":1}")["a"].asInt(), 1);
     EXPECT_EQ(UserAuthServiceAccess::Parse(*m_service, "{\"a\":1,\"b\":").get("a", 0).asInt(), 1);

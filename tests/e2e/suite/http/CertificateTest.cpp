@@ -1,7 +1,9 @@
 #include "HttpCall.h"
 #include "SandboxSession.h"
 
-TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
+using HttpCertificate = SandboxSession;
+
+TEST_F(HttpCertificate, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
     const std::string code = SignIn();
     UsePlatform(m_sandbox.m_https);
     EXPECT_FALSE(m_service->RequestAT("", code.c_str())) << "the system's store does not know the sandbox";
@@ -15,7 +17,7 @@ TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
     EXPECT_EQ(HttpCall(Wide(m_sandbox.m_https + "/routing/v1/remote")).Send(), kHttpCertificateUntrusted);
 }
 
-TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
+TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     const std::filesystem::path otherAuthority = m_folder / "other.pem";
     SandboxServer wrongName(L"--tls-name wrong.example --ca-file \"" + otherAuthority.wstring() + L"\"");
     const std::filesystem::path oldAuthority = m_folder / "old.pem";

@@ -96,7 +96,8 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
         EXPECT_EQ(error.compare(0, file.size() + std::string(row.error).size(), file + row.error), 0)
             << row.name << ": " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << row.name;
-        EXPECT_EQ(store->GetPortalUrl() + store->GetZvClientMode(), L"https://kept9") << row.name;
+        EXPECT_EQ(store->GetPortalUrl(), L"https://kept") << row.name;
+        EXPECT_EQ(store->GetZvClientMode(), L"9") << row.name;
         EXPECT_EQ(ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken),
                   L"kept")
             << row.name;
