@@ -7,6 +7,8 @@
 
 #include "ProcessState.h"
 
+namespace suite {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -127,3 +129,5 @@ void ReturnToPool::operator()(CURL* handle) const noexcept {
 CurlLease LeaseCurlHandle() {
     return CurlLease(Shared().Take());
 }
+
+}  // namespace suite

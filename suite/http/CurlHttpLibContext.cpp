@@ -10,6 +10,8 @@
 #include "UrlText.h"
 #include "Utf8Text.h"
 
+namespace suite {
+
 namespace {
 
 using Observer = std::function<void(const HttpExchange&)>;
@@ -128,19 +130,21 @@ int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTr
 
 }  // namespace
 
+}  // namespace suite
+
 CurlHttpLibContext::CurlHttpLibContext(IHttpLibStrategy* strategy) : m_strategy(strategy) {}
 CurlHttpLibContext::~CurlHttpLibContext() = default;
 
 int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
     response.clear();
-    return ExecuteOrRefuse(m_strategy, timeoutSeconds, nullptr,
-                           [&response](ReplySink& sink) { response = sink.TakeText(); });
+    return suite::ExecuteOrRefuse(m_strategy, timeoutSeconds, nullptr,
+                                  [&response](suite::ReplySink& sink) { response = sink.TakeText(); });
 }
 
 int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
     response.clear();
     replyHeaders.clear();
-    return ExecuteOrRefuse(m_strategy, -1, nullptr, [&](ReplySink& sink) {
+    return suite::ExecuteOrRefuse(m_strategy, -1, nullptr, [&](suite::ReplySink& sink) {
         replyHeaders = sink.TakeHeaders();
         response = sink.TakeText();
     });
@@ -149,19 +153,20 @@ int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std
 int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler) {
     response.clear();
     if (fileTransferHandler == nullptr) {
-        DropExceptions([this] {
+        suite::DropExceptions([this] {
             if (m_strategy != nullptr) {
                 m_strategy->LogError(L"HTTP: request failed: a download without a file transfer handler");
             }
         });
         return kHttpInvalidRequest;
     }
-    return ExecuteOrRefuse(m_strategy, -1, static_cast<FileTransferHandler*>(fileTransferHandler), [](ReplySink&) {});
+    return suite::ExecuteOrRefuse(m_strategy, -1, static_cast<FileTransferHandler*>(fileTransferHandler),
+                                  [](suite::ReplySink&) {});
 }
 
 void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
     if (!ProcessIsEnding()) {
-        SetDefaultAuthoritiesPath(path);
+        suite::SetDefaultAuthoritiesPath(path);
     }
 }
 
@@ -169,7 +174,7 @@ void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchan
     if (ProcessIsEnding()) {
         return;
     }
-    auto shared = observer ? std::make_shared<const Observer>(std::move(observer)) : nullptr;
-    const std::lock_guard<std::mutex> hold(Slot().lock);
-    Slot().observer.swap(shared);
+    auto shared = observer ? std::make_shared<const suite::Observer>(std::move(observer)) : nullptr;
+    const std::lock_guard<std::mutex> hold(suite::Slot().lock);
+    suite::Slot().observer.swap(shared);
 }

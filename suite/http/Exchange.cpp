@@ -8,10 +8,11 @@
 
 #include "CertificateAuthorities.h"
 #include "CurlHandlePool.h"
-#include "CurlOption.h"
 #include "ProxySettings.h"
 #include "RedirectRule.h"
 #include "UrlText.h"
+
+namespace suite {
 
 namespace {
 
@@ -242,3 +243,5 @@ ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& cert
                                 ReplySink& sink) {
     return Exchange(certPath, timeoutSeconds, sink).Run(std::move(request));
 }
+
+}  // namespace suite

@@ -4,6 +4,8 @@
 
 #include "UrlText.h"
 
+namespace suite {
+
 namespace {
 
 bool IsPublicHeader(const std::string& name) {
@@ -58,3 +60,5 @@ std::variant<CheckedRequest, std::string> FollowRedirect(const CheckedRequest& r
     }
     return next;
 }
+
+}  // namespace suite

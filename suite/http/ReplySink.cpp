@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-#include "CurlOption.h"
+#include "CurlHandlePool.h"
 #include "RedirectRule.h"
 #include "RequestCheck.h"
+
+namespace suite {
 
 namespace {
 
@@ -146,3 +148,5 @@ bool ReplySink::Refuse(int code, const char* cause) {
     m_failure = {code, cause};
     return false;
 }
+
+}  // namespace suite

@@ -8,6 +8,8 @@
 #include "HttpLib.h"
 #include "TransportError.h"
 
+namespace suite {
+
 // Receives the replies of one exchange: keeps the headers and either the text, within its limit, or hands the blocks to
 // a download's handler. The body of a redirect goes nowhere, nor do the trailers of a chunked body.
 class ReplySink {
@@ -55,3 +57,5 @@ private:
     bool m_isSuccess = false;
     TransportFailure m_failure;
 };
+
+}  // namespace suite

@@ -6,6 +6,8 @@
 #include "UrlText.h"
 #include "Utf8Text.h"
 
+namespace suite {
+
 namespace {
 
 char LowerCase(char c) {
@@ -94,3 +96,5 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     }
     return request;
 }
+
+}  // namespace suite

@@ -7,6 +7,8 @@
 
 #include "HttpLib.h"
 
+namespace suite {
+
 // One exchange as it goes out, checked: all text is UTF-8, the URL escaped, headers without CR, LF or NUL.
 struct CheckedRequest {
     std::string url;
@@ -21,3 +23,5 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
 
 // ASCII comparison without regard to letter case, as header names are compared.
 bool SameHeaderName(const std::string& left, const std::string& right);
+
+}  // namespace suite

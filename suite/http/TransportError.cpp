@@ -2,6 +2,8 @@
 
 #include "HttpLib.h"
 
+namespace suite {
+
 namespace {
 
 // X509_V_ERR_UNSPECIFIED. With OpenSSL, libcurl's value until it has read the chain's result, which it does after the
@@ -77,3 +79,5 @@ TransportFailure DescribeFailure(CURLcode result, const std::string& detail, lon
     }
     return {meaning.code, std::string(meaning.text) + " (" + shown + ")"};
 }
+
+}  // namespace suite
