@@ -79,6 +79,7 @@ void BasicHttpLibStrategy::LogError(const std::wstring& message) const {
 
 struct FileTransferHandler::State {
     WriteDataFunction write;
+    std::uint64_t maxSize = std::uint64_t{2} * 1024 * 1024 * 1024;
 };
 
 FileTransferHandler::FileTransferHandler() : m_state(std::make_unique<State>()) {}
@@ -90,4 +91,11 @@ void FileTransferHandler::SetWriteDataFunc(WriteDataFunction function) {
 
 bool FileTransferHandler::WriteData(const char* data, std::size_t size, bool finalBlock) {
     return m_state->write && m_state->write(data, size, finalBlock);
+}
+
+void FileTransferHandler::SetMaxSize(std::uint64_t bytes) {
+    m_state->maxSize = bytes;
+}
+std::uint64_t FileTransferHandler::MaxSize() const {
+    return m_state->maxSize;
 }

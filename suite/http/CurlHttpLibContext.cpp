@@ -106,10 +106,9 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     return outcome.code;
 }
 
-// takeReply(sink): called when there is a reply. A strategy may be the host's own class, and its getters may throw.
+// takeReply: called when there is a reply. A strategy may be the host's own class, and its getters may throw.
 template <typename TakeReply>
-int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTransferHandler* download,
-                    TakeReply takeReply) {
+int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, ReplySink& sink, TakeReply takeReply) {
     if (strategy == nullptr) {
         return kHttpInvalidRequest;
     }
@@ -117,10 +116,9 @@ int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTr
         return kHttpInternalError;
     }
     try {
-        ReplySink sink(download);
         const int code = Execute(*strategy, timeoutSeconds, sink);
         if (code > 0) {
-            takeReply(sink);
+            takeReply();
         }
         return code;
     } catch (...) {
@@ -137,14 +135,15 @@ CurlHttpLibContext::~CurlHttpLibContext() = default;
 
 int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
     response.clear();
-    return suite::ExecuteOrRefuse(m_strategy, timeoutSeconds, nullptr,
-                                  [&response](suite::ReplySink& sink) { response = sink.TakeText(); });
+    suite::ReplySink sink(nullptr, false);
+    return suite::ExecuteOrRefuse(m_strategy, timeoutSeconds, sink, [&] { response = sink.TakeText(); });
 }
 
 int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
     response.clear();
     replyHeaders.clear();
-    return suite::ExecuteOrRefuse(m_strategy, -1, nullptr, [&](suite::ReplySink& sink) {
+    suite::ReplySink sink(nullptr, true);
+    return suite::ExecuteOrRefuse(m_strategy, -1, sink, [&] {
         replyHeaders = sink.TakeHeaders();
         response = sink.TakeText();
     });
@@ -160,8 +159,8 @@ int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler
         });
         return kHttpInvalidRequest;
     }
-    return suite::ExecuteOrRefuse(m_strategy, -1, static_cast<FileTransferHandler*>(fileTransferHandler),
-                                  [](suite::ReplySink&) {});
+    suite::ReplySink sink(static_cast<FileTransferHandler*>(fileTransferHandler), false);
+    return suite::ExecuteOrRefuse(m_strategy, -1, sink, [] {});
 }
 
 void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {

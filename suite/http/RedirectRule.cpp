@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "HeaderText.h"
 #include "UrlText.h"
 
 namespace suite {

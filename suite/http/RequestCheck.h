@@ -21,7 +21,4 @@ struct CheckedRequest {
 // std::length_error for text beyond every reason.
 std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy);
 
-// ASCII comparison without regard to letter case, as header names are compared.
-bool SameHeaderName(const std::string& left, const std::string& right);
-
 }  // namespace suite
