@@ -30,14 +30,18 @@ userauth_header_only(third_party_cli11 CLI/CLI.hpp)
 userauth_header_only(third_party_spdlog spdlog/spdlog.h)
 target_compile_definitions(third_party_spdlog INTERFACE SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
-# Brotli's encoder. The library brings no package description for this; its static archives go first, so that no DLL of
-# it is needed at run time.
+# Brotli's encoder and decoder. The library brings no package description for this; its static archives go first, so
+# that no DLL of it is needed at run time.
 find_path(third_party_brotli_INCLUDE brotli/encode.h REQUIRED)
 find_library(third_party_brotli_ENCODER NAMES brotlienc-static brotlienc REQUIRED)
+find_library(third_party_brotli_DECODER NAMES brotlidec-static brotlidec REQUIRED)
 find_library(third_party_brotli_COMMON NAMES brotlicommon-static brotlicommon REQUIRED)
 add_library(third_party_brotli INTERFACE)
 target_include_directories(third_party_brotli SYSTEM INTERFACE "${third_party_brotli_INCLUDE}")
 target_link_libraries(third_party_brotli INTERFACE "${third_party_brotli_ENCODER}" "${third_party_brotli_COMMON}")
+add_library(third_party_brotli_decoder INTERFACE)
+target_include_directories(third_party_brotli_decoder SYSTEM INTERFACE "${third_party_brotli_INCLUDE}")
+target_link_libraries(third_party_brotli_decoder INTERFACE "${third_party_brotli_DECODER}" "${third_party_brotli_COMMON}")
 
 # Copies what programs need at run time beside them: the libraries' DLLs and, for MinGW, the compiler's runtime.
 set(runtime_dlls)

@@ -5,6 +5,8 @@
 #include <mutex>
 #include <system_error>
 
+namespace suite {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -88,3 +90,5 @@ std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath
     }
     return pem;
 }
+
+}  // namespace suite

@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+namespace suite {
+
 // PEM text of the authorities to trust; empty means the system's store.
 using AuthoritiesPem = std::string;
 
@@ -13,3 +15,5 @@ void SetDefaultAuthoritiesPath(const std::wstring& path);
 // is kept for as long as its size and time stay. Null when the file cannot be read, is larger than any sensible bundle,
 // or holds no certificate. Any thread.
 std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath);
+
+}  // namespace suite

@@ -8,10 +8,12 @@
 
 #include "CertificateAuthorities.h"
 #include "CurlHandlePool.h"
-#include "CurlOption.h"
+#include "HeaderText.h"
 #include "ProxySettings.h"
 #include "RedirectRule.h"
 #include "UrlText.h"
+
+namespace suite {
 
 namespace {
 
@@ -19,6 +21,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr long kConnectTimeoutSeconds = 15;
 constexpr long kStallSeconds = 30;
+// Of a text reply when the caller gives none. A download may take as long as it keeps up its pace.
+constexpr int kTextTimeoutSeconds = 300;
 // libcurl counts milliseconds in a 32-bit long.
 constexpr int kMaxTimeoutSeconds = 1000000;
 
@@ -57,8 +61,9 @@ void SetRequestOptions(CURL* handle, const CheckedRequest& request, curl_slist* 
     SetCurlOption(handle, CURLOPT_PROTOCOLS_STR, "http,https");
     SetCurlOption(handle, CURLOPT_FOLLOWLOCATION, 0L);
     SetCurlOption(handle, CURLOPT_HTTPHEADER, headers);
-    // Switches decoding on. The header of that name is the caller's or kept back, see BuildHeaderList.
-    SetCurlOption(handle, CURLOPT_ACCEPT_ENCODING, "");
+    // How a reply is framed is judged by the rules of this version; see ReplyHead.
+    SetCurlOption(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    SetCurlOption(handle, CURLOPT_HTTP09_ALLOWED, 0L);
     if (request.post) {
         SetCurlOption(handle, CURLOPT_POST, 1L);
         SetCurlOption(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
@@ -119,17 +124,15 @@ std::optional<TransportFailure> TunnelRefusal(CURL* handle) {
 class Exchange {
 public:
     Exchange(const std::wstring& certPath, int timeoutSeconds, ReplySink& sink) : m_certPath(certPath), m_sink(sink) {
+        if (timeoutSeconds <= 0 && !sink.IsDownload()) {
+            timeoutSeconds = kTextTimeoutSeconds;
+        }
         if (timeoutSeconds > 0) {
             m_deadline = Clock::now() + std::chrono::seconds(std::min(timeoutSeconds, kMaxTimeoutSeconds));
         }
     }
 
     ExchangeOutcome Run(CheckedRequest request) {
-        m_handle = LeaseCurlHandle();
-        if (!m_handle) {
-            Fail({kHttpInternalError, "libcurl cannot be started"});
-            return m_outcome;
-        }
         for (int redirects = 0; SendOnce(request) && !m_sink.RedirectTarget().empty(); ++redirects) {
             if (redirects == kMaxRedirects) {
                 Fail({kHttpRedirectRefused, "more than five redirects"});
@@ -149,25 +152,33 @@ public:
 private:
     // One hop. True when its reply is complete; m_outcome.code is its status then.
     bool SendOnce(const CheckedRequest& request) {
-        CURL* const handle = m_handle.get();
         const std::optional<UrlParts> url = ParseUrl(request.url);
         if (!url) {
             return Fail({kHttpInvalidRequest, "the URL is malformed"});
         }
         m_outcome.host = url->authority;
+        // Given back between the hops: the pool looks at the connections of what it hands out.
+        m_handle.reset();
+        m_handle = LeaseCurlHandle();
+        if (!m_handle) {
+            return Fail({kHttpInternalError, "libcurl cannot be started"});
+        }
+        CURL* const handle = m_handle->easy;
+        const bool isHttps = url->scheme == "https";
         std::array<char, CURL_ERROR_SIZE> detail = {};
         const HeaderList headers = BuildHeaderList(request);
         curl_easy_reset(handle);
         SetRequestOptions(handle, request, headers.get());
         SetConnectionOptions(handle, *url);
-        if (url->scheme == "https" && !SetAuthorities()) {
+        SetSocketOptions(*m_handle);
+        if (isHttps && !SetAuthorities()) {
             return false;
         }
         SetCurlOption(handle, CURLOPT_ERRORBUFFER, detail.data());
         if (!SetRemainingTime()) {
             return Fail({kHttpTimeout, "time limit reached"});
         }
-        m_sink.Attach(handle);
+        m_sink.Attach(handle, isHttps);
         // A kept connection that ends before a single byte of the reply makes libcurl send the request, a POST too,
         // once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
         // fail a login.
@@ -179,25 +190,21 @@ private:
     }
 
     bool Judge(CURLcode result, const char* detail) {
-        CURL* const handle = m_handle.get();
+        CURL* const handle = m_handle->easy;
         m_connectionsMade += InfoOf(handle, CURLINFO_NUM_CONNECTS);
         m_connectionsTaken += InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 ? 1 : 0;
         m_outcome.code = static_cast<int>(InfoOf(handle, CURLINFO_RESPONSE_CODE));
+        if (m_sink.Finish(result)) {
+            return true;
+        }
         if (m_sink.Failure().code != 0) {
             return Fail(m_sink.Failure());
         }
-        // Nobody reads the body of a redirect: neither its length nor its encoding may spoil it.
-        const bool bodyUnread =
-            !m_sink.RedirectTarget().empty() && (result == CURLE_WRITE_ERROR || result == CURLE_BAD_CONTENT_ENCODING);
-        if (result != CURLE_OK && !bodyUnread) {
-            const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
-            return Fail(refusal ? *refusal
-                                : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
+        if (result == CURLE_OUT_OF_MEMORY && InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 && !m_sink.HasHead()) {
+            return Fail({kHttpReplyTooLarge, "a header line of the reply is too large"});
         }
-        if (m_sink.RedirectTarget().empty() && !m_sink.Finish()) {
-            return Fail(m_sink.Failure());
-        }
-        return true;
+        const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
+        return Fail(refusal ? *refusal : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
     }
 
     bool SetAuthorities() {
@@ -205,7 +212,7 @@ private:
         if (!authorities) {
             return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
         }
-        SetTlsOptions(m_handle.get(), *authorities);
+        SetTlsOptions(m_handle->easy, *authorities);
         return true;
     }
 
@@ -217,7 +224,7 @@ private:
         if (remaining <= 0) {
             return false;
         }
-        SetCurlOption(m_handle.get(), CURLOPT_TIMEOUT_MS, static_cast<long>(remaining));
+        SetCurlOption(m_handle->easy, CURLOPT_TIMEOUT_MS, static_cast<long>(remaining));
         return true;
     }
 
@@ -242,3 +249,5 @@ ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& cert
                                 ReplySink& sink) {
     return Exchange(certPath, timeoutSeconds, sink).Run(std::move(request));
 }
+
+}  // namespace suite

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace suite {
+
 namespace {
 
 bool IsBypassed(const std::wstring& host, std::wstring bypass) {
@@ -38,3 +40,5 @@ std::wstring ProxyBySettings(const std::wstring& setting, const std::wstring& by
                              const std::wstring& host) {
     return IsBypassed(host, bypass) ? std::wstring() : ProxyOfScheme(setting, scheme);
 }
+
+}  // namespace suite

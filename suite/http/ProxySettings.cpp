@@ -9,6 +9,8 @@
 #include "ProxyRule.h"
 #include "Utf8Text.h"
 
+namespace suite {
+
 namespace {
 
 struct GlobalDeleter {
@@ -43,3 +45,5 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     const SystemText bypass(config.lpszProxyBypass);
     return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, WideFromUtf8(url.host)));
 }
+
+}  // namespace suite

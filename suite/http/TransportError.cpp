@@ -2,6 +2,8 @@
 
 #include "HttpLib.h"
 
+namespace suite {
+
 namespace {
 
 // X509_V_ERR_UNSPECIFIED. With OpenSSL, libcurl's value until it has read the chain's result, which it does after the
@@ -46,9 +48,8 @@ Meaning MeaningOf(CURLcode result, long verifyResult) {
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_UNSUPPORTED_PROTOCOL:  // the reply has no HTTP status line
             return {kHttpConnectionBroken, "the reply is not HTTP"};
-        case CURLE_BAD_CONTENT_ENCODING:
-        case CURLE_WRITE_ERROR:  // of a decoder; the sink's own refusals are known before
-            return {kHttpBadEncoding, "the content encoding cannot be undone"};
+        case CURLE_BAD_CONTENT_ENCODING:  // of a transfer coding; content codings are not libcurl's business
+            return {kHttpConnectionBroken, "the reply does not say clearly where it ends"};
         default:
             return {kHttpInternalError, "internal error"};
     }
@@ -77,3 +78,5 @@ TransportFailure DescribeFailure(CURLcode result, const std::string& detail, lon
     }
     return {meaning.code, std::string(meaning.text) + " (" + shown + ")"};
 }
+
+}  // namespace suite

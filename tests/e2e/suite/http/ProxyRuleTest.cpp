@@ -21,7 +21,7 @@ TEST(HttpProxy, SystemSettings) {
         {L"p:1", L"*.corp", L"corp.example", L"p:1"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(ProxyBySettings(row.setting, row.bypass, L"https", row.host), row.proxy)
+        EXPECT_EQ(suite::ProxyBySettings(row.setting, row.bypass, L"https", row.host), row.proxy)
             << row.setting << L", " << row.bypass << L", " << row.host;
     }
 }
