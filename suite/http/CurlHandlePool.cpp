@@ -10,6 +10,7 @@
 #include <chrono>
 #include <mutex>
 
+#include "LibcurlStart.h"
 #include "ProcessState.h"
 
 namespace suite {
@@ -75,7 +76,7 @@ public:
     SharedState() {
         PinThisModule();
         m_idle.reserve(kMaxIdleHandles);
-        m_started = curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
+        m_started = suite::StartLibcurl();
         m_share = m_started ? curl_share_init() : nullptr;
         if (m_share != nullptr) {
             curl_share_setopt(m_share, CURLSHOPT_LOCKFUNC, &LockShared);

@@ -11,6 +11,7 @@
 #include "HeaderText.h"
 #include "ProxySettings.h"
 #include "RedirectRule.h"
+#include "TlsTrust.h"
 #include "UrlText.h"
 
 namespace suite {
@@ -82,23 +83,6 @@ void SetConnectionOptions(CURL* handle, const UrlParts& url) {
     if (const std::optional<std::string> proxy = ProxyFor(url)) {
         SetCurlOption(handle, CURLOPT_PROXY, proxy->c_str());
     }
-}
-
-// libcurl compares authorities and options before it takes up a kept connection or TLS session, so one made under
-// other authorities is never used here.
-void SetTlsOptions(CURL* handle, const AuthoritiesPem& authorities) {
-    SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
-    SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
-    SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
-    SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-    if (authorities.empty()) {
-        SetCurlOption(handle, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NATIVE_CA));
-        return;
-    }
-    std::string pem = authorities;
-    curl_blob blob = {pem.data(), pem.size(), CURL_BLOB_COPY};
-    SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
 }
 
 long InfoOf(CURL* handle, CURLINFO info) {
@@ -208,11 +192,11 @@ private:
     }
 
     bool SetAuthorities() {
-        const std::shared_ptr<const AuthoritiesPem> authorities = AuthoritiesFor(m_certPath);
-        if (!authorities) {
+        m_authorities = AuthoritiesFor(m_certPath);
+        if (!m_authorities) {
             return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
         }
-        SetTlsOptions(m_handle->easy, *authorities);
+        SetTlsOptions(m_handle->easy, *m_authorities);
         return true;
     }
 
@@ -237,6 +221,7 @@ private:
     const std::wstring& m_certPath;
     ReplySink& m_sink;
     std::optional<Clock::time_point> m_deadline;
+    std::shared_ptr<const AuthoritiesPem> m_authorities;  // outlives the handle's options, which point into it
     CurlLease m_handle;
     ExchangeOutcome m_outcome;
     long m_connectionsMade = 0;

@@ -43,7 +43,8 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     const SystemText script(config.lpszAutoConfigUrl);  // not read: the library runs no proxy scripts
     const SystemText proxy(config.lpszProxy);
     const SystemText bypass(config.lpszProxyBypass);
-    return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, WideFromUtf8(url.host)));
+    const ProxyTarget target{scheme, WideFromUtf8(url.host), WideFromUtf8(url.port)};
+    return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), target));
 }
 
 }  // namespace suite

@@ -9,6 +9,7 @@ namespace {
 // X509_V_ERR_UNSPECIFIED. With OpenSSL, libcurl's value until it has read the chain's result, which it does after the
 // name check: a refusal with this value or 0 is one of the name. Other TLS backends of libcurl do not promise this.
 constexpr long kChainNotJudged = 1;
+constexpr long kNameMismatch = 62;  // X509_V_ERR_HOSTNAME_MISMATCH, see TlsTrust.cpp
 
 struct Meaning {
     int code;
@@ -29,11 +30,11 @@ Meaning MeaningOf(CURLcode result, long verifyResult) {
         case CURLE_OPERATION_TIMEDOUT:
             return {kHttpTimeout, "time limit reached"};
         case CURLE_PEER_FAILED_VERIFICATION:
-            return verifyResult <= kChainNotJudged
+            return verifyResult <= kChainNotJudged || verifyResult == kNameMismatch
                        ? Meaning{kHttpCertificateWrongName, "certificate is for another host"}
                        : Meaning{kHttpCertificateUntrusted, "certificate is not trusted"};
         case CURLE_SSL_CACERT_BADFILE:
-            return {kHttpCertificateFileInvalid, "the certificate file holds no usable certificate"};
+            return {kHttpCertificateFileInvalid, "the certificate file holds a damaged certificate"};
         case CURLE_SSL_CONNECT_ERROR:
         case CURLE_SSL_CIPHER:
         case CURLE_SSL_CERTPROBLEM:

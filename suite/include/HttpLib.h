@@ -24,10 +24,10 @@ enum HttpTransportError : int {
     kHttpNameNotResolved = -2,         // the host or proxy name has no address
     kHttpConnectFailed = -3,           // nobody accepts the connection, or the proxy refuses it
     kHttpTimeout = -4,                 // connect, stall or total time limit; a download below its pace
-    kHttpCertificateUntrusted = -5,    // the peer's chain does not end at a trusted authority
-    kHttpCertificateWrongName = -6,    // a trusted certificate, but for another host
+    kHttpCertificateUntrusted = -5,    // not trusted: unknown authority, expired, revoked, wrong purpose
+    kHttpCertificateWrongName = -6,    // trusted, but for another host; a common name alone names none
     kHttpTlsFailed = -7,               // any other TLS failure, versions below 1.2 included
-    kHttpCertificateFileInvalid = -8,  // the certificate path cannot be read or holds no certificate (https only)
+    kHttpCertificateFileInvalid = -8,  // the certificate file: unreadable, empty or one in it damaged (https only)
     kHttpConnectionBroken = -9,        // cut or reset, or a reply that is not whole: see CurlHttpLibContext
     kHttpReplyTooLarge = -10,          // a reply beyond a limit of size: see CurlHttpLibContext
     kHttpBadEncoding = -11,            // the content encoding is not known, cut, or could not be undone
@@ -77,7 +77,8 @@ public:
     // Body of a POST, sent in UTF-8.
     void SetPostData(const std::wstring& body);
 
-    // PEM file of the certificate authorities to trust for this request; empty takes the default (SetDefaultCertPath).
+    // PEM file, 8 MB at most, of the only certificate authorities to trust for this request; empty takes the default
+    // (SetDefaultCertPath).
     void SetCertPath(const std::wstring& path);
 
     // Receive the library's progress and error texts, on the requesting thread.
@@ -135,8 +136,14 @@ struct HttpExchange {
 // sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observer are
 // dropped. Certificates and host names are always checked, TLS 1.2 at least. While the process ends (its other threads
 // are gone) every request fails with kHttpInternalError.
-// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting; for
-// loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
+// Trust: without a PEM file of authorities Windows judges the certificates: by its stores, the authorities that it
+// fetches when they are asked for, the certificates that it refuses, and the machine's policy. Revocation counts as far
+// as Windows has it cached; where it has not, the certificate is good. The verdict falls in the handshake: an authority
+// that is removed afterwards counts on for connections that are kept (118 s idle at most) and for TLS sessions that the
+// server resumes. SSL_CERT_FILE, SSL_CERT_DIR, SSLKEYLOGFILE, OPENSSL_CONF and OpenSSL's configuration file change
+// nothing.
+// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting, its
+// SOCKS proxy too; for loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
 // A request, a POST too, is sent a second time when a kept connection turns out closed before the first line of the
 // reply was whole: deliberate, because servers close idle connections at any moment. The server may have seen both.
 //
@@ -177,7 +184,7 @@ public:
     // is kHttpTimeout; the time that the handler takes does not count.
     int Request(std::string& response, void* fileTransferHandler);
 
-    // Authorities for requests that name no certificate path: a PEM file, or empty for the system's store. Any thread.
+    // Authorities for requests that name no certificate path: a PEM file, or empty for Windows' verdict. Any thread.
     static void SetDefaultCertPath(const std::wstring& path);
 
     // Called after every exchange of the process, on its thread; empty removes the observer. Any thread.

@@ -24,6 +24,9 @@ TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     SandboxServer oldTls(L"--tls-max 1.1 --ca-file \"" + oldAuthority.wstring() + L"\"");
     const std::filesystem::path empty = m_folder / "empty.pem";
     WriteFile(empty, "no certificate\n");
+    const std::filesystem::path damaged = m_folder / "damaged.pem";
+    WriteFile(damaged,
+              ReadFile(m_folder / "authority.pem") + "-----BEGIN CERTIFICATE-----\nMIIB\n-----END CERTIFICATE-----\n");
     const struct {
         const char* name;
         std::filesystem::path authority;
@@ -37,6 +40,7 @@ TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
         {"TLS 1.1 at most", oldAuthority, oldTls.m_https, kHttpTlsFailed},
         {"no such file", m_folder / "absent.pem", m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"file without certificate", empty, m_sandbox.m_https, kHttpCertificateFileInvalid},
+        {"one of its certificates damaged", damaged, m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"no TLS there", m_folder / "authority.pem", "https" + m_sandbox.m_http.substr(4), kHttpTlsFailed},
     };
     for (const auto& row : rows) {
