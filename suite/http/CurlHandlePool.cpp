@@ -24,7 +24,7 @@ void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
 class SharedState {
 public:
     SharedState() {
-        PinThisModule();
+        suite::PinThisModule();
         m_idle.reserve(kMaxIdleHandles);
         m_started = curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
         m_share = m_started ? curl_share_init() : nullptr;

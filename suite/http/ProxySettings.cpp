@@ -30,7 +30,7 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     if (IsLoopback(url)) {
         return std::string();
     }
-    const std::wstring scheme = WideFromUtf8(url.scheme);
+    const std::wstring scheme = suite::WideFromUtf8(url.scheme);
     if (IsSetInEnvironment(scheme + L"_proxy") || IsSetInEnvironment(L"all_proxy")) {
         return std::nullopt;
     }
@@ -41,5 +41,5 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     const SystemText script(config.lpszAutoConfigUrl);  // not read: the library runs no proxy scripts
     const SystemText proxy(config.lpszProxy);
     const SystemText bypass(config.lpszProxyBypass);
-    return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, WideFromUtf8(url.host)));
+    return suite::Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, suite::WideFromUtf8(url.host)));
 }

@@ -3,6 +3,7 @@
 #include "Logger.h"
 #include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
 constexpr std::string_view kContinuation = "\n    ";
@@ -76,3 +77,5 @@ std::string EscapeForLog(std::string_view text) {
     }
     return line;
 }
+
+}  // namespace suite

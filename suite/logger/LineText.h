@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace suite {
+
 // "summary", "progress", "failure", or the number of any other severity.
 std::string SeverityName(int severity);
 
@@ -12,3 +14,5 @@ std::string LogTextOf(std::wstring_view text);
 // The text as it may stand in a log file: line breaks are followed by an indentation, so that no message can forge a
 // line of its own; other control characters and the Unicode line separators are written as \xNN and \uNNNN. Tabs stay.
 std::string EscapeForLog(std::string_view text);
+
+}  // namespace suite

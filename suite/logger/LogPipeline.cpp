@@ -11,6 +11,7 @@
 #include "LineText.h"
 #include "MaskSecrets.h"
 
+namespace suite {
 namespace {
 
 // The slots are allocated at once. At a thousand lines a second the disk may stand still for four seconds before
@@ -139,3 +140,5 @@ void LogPipeline::Post(LogTarget target, bool urgent, const std::string& line) {
         m_progress->Queued(m_pool->overrun_counter());
     }
 }
+
+}  // namespace suite

@@ -14,6 +14,8 @@ class thread_pool;
 }
 }  // namespace spdlog
 
+namespace suite {
+
 enum class LogTarget : std::size_t { kFile, kConsole, kOperations };
 
 // The open sinks, the queue before them and the thread that empties it. Construction throws when a file cannot be
@@ -39,3 +41,5 @@ private:
     std::array<std::shared_ptr<spdlog::async_logger>, 3> m_loggers;  // by LogTarget
     std::shared_ptr<spdlog::details::thread_pool> m_pool;            // last member: its thread ends first
 };
+
+}  // namespace suite

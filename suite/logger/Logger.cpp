@@ -13,6 +13,7 @@
 #include "OperationLine.h"
 #include "ProcessState.h"
 
+namespace suite {
 namespace {
 
 struct LoggerState {
@@ -48,16 +49,22 @@ std::string LineOf(int moduleType, int severity, int line, const std::string& fu
 }
 
 }  // namespace
+}  // namespace suite
+
+using suite::IsOpen;
+using suite::LogPipeline;
+using suite::LogTarget;
+using suite::State;
 
 bool Logger::Configure(const LoggerSettings& settings, std::string& error) {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         error = "the process is ending";
         return false;
     }
     try {
-        PinThisModule();
+        suite::PinThisModule();
         const std::lock_guard<std::mutex> lock(State().configureMutex);
-        Replace(std::make_unique<LogPipeline>(settings));
+        suite::Replace(std::make_unique<LogPipeline>(settings));
         return true;
     } catch (const std::exception& failure) {
         error = failure.what();
@@ -73,7 +80,7 @@ void Logger::Output(int moduleType, int severity, int line, const std::string& f
         return;
     }
     try {
-        const std::string text = LineOf(moduleType, severity, line, functionTag, message);
+        const std::string text = suite::LineOf(moduleType, severity, line, functionTag, message);
         const bool urgent = severity >= kSeverityFailure;
         const std::lock_guard<std::mutex> lock(State().mutex);
         LogPipeline* const pipeline = State().pipeline.get();
@@ -98,7 +105,7 @@ void Logger::OutputOperationLog(int basicEventType, int operationType, int actio
         return;
     }
     try {
-        const std::string text = OperationLine(basicEventType, operationType, actionType, extraInformation);
+        const std::string text = suite::OperationLine(basicEventType, operationType, actionType, extraInformation);
         const std::lock_guard<std::mutex> lock(State().mutex);
         if (State().pipeline != nullptr) {
             State().pipeline->Post(LogTarget::kOperations, false, text);
@@ -113,7 +120,7 @@ bool Logger::Flush(int timeoutMilliseconds) {
         return true;  // nothing is queued, or nothing can be waited for any more
     }
     try {
-        std::shared_ptr<QueueProgress> progress;
+        std::shared_ptr<suite::QueueProgress> progress;
         {
             const std::lock_guard<std::mutex> lock(State().mutex);
             progress = State().pipeline == nullptr ? nullptr : State().pipeline->Progress();
@@ -125,12 +132,12 @@ bool Logger::Flush(int timeoutMilliseconds) {
 }
 
 void Logger::Shutdown() {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return;
     }
     try {
         const std::lock_guard<std::mutex> lock(State().configureMutex);
-        Replace(nullptr);
+        suite::Replace(nullptr);
     } catch (...) {
         // Locks that fail mean a process in ruins; there is nothing to save here.
     }

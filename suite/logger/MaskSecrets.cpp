@@ -2,6 +2,7 @@
 
 #include "TextScan.h"
 
+namespace suite {
 namespace {
 
 constexpr std::string_view kAuthorization = "authorization";
@@ -141,3 +142,5 @@ bool IsSecretName(std::string_view name) {
     }
     return After(name, 0, kToken) == name.size();
 }
+
+}  // namespace suite

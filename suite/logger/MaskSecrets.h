@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace suite {
+
 // The text with every secret's value replaced by "***". Secrets, in any letter case:
 //   access token, refresh token  "access_token=v", "accessToken: v", "\"refreshToken\":\"v\"" and JSON inside JSON text
 //   authorization code           as above
@@ -15,3 +17,5 @@ std::string MaskSecrets(std::string_view text);
 
 // True for a name whose value is a secret by itself: "accessToken", "X-Refresh-Token", "Authorization", "token".
 bool IsSecretName(std::string_view name);
+
+}  // namespace suite

@@ -9,6 +9,7 @@
 #include "LineText.h"
 #include "MaskSecrets.h"
 
+namespace suite {
 namespace {
 
 // ISO 8601 with milliseconds: "2026-11-21T04:41:25.123Z".
@@ -55,3 +56,5 @@ std::string OperationLine(int basicEventType, int operationType, int actionType,
     builder["emitUTF8"] = true;
     return Json::writeString(builder, event);
 }
+
+}  // namespace suite

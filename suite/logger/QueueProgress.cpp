@@ -1,5 +1,7 @@
 #include "QueueProgress.h"
 
+namespace suite {
+
 void QueueProgress::Queued(std::uint64_t dropped) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     ++m_queued;
@@ -28,3 +30,5 @@ bool QueueProgress::Wait(std::chrono::milliseconds timeout) {
     --m_waiting;
     return done;
 }
+
+}  // namespace suite

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <mutex>
 
+namespace suite {
+
 // Counts lines into and out of the queue, so that a caller can wait until what it queued has been written. Any thread.
 class QueueProgress {
 public:
@@ -28,3 +30,5 @@ private:
     std::uint64_t m_written = 0;
     int m_waiting = 0;
 };
+
+}  // namespace suite

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+namespace suite {
 namespace {
 
 bool IsBackslash(char c) {
@@ -96,3 +97,5 @@ std::size_t EndOfHeaderValue(std::string_view text, std::size_t at) {
         at = next;
     }
 }
+
+}  // namespace suite

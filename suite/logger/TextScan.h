@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+namespace suite {
+
 // Steps of a scan over text of unknown make: logs quote JSON, headers and URLs, each in any number of wrappings.
 
 constexpr std::size_t kNone = std::string_view::npos;
@@ -59,3 +61,5 @@ std::size_t EndOfRun(std::string_view text, std::size_t at, std::string_view sto
 // Where a header's value ends: at the line's end, or that of the last line that continues it (RFC 9112, 5.2: such a
 // line begins with a blank).
 std::size_t EndOfHeaderValue(std::string_view text, std::size_t at);
+
+}  // namespace suite

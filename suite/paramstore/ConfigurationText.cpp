@@ -55,11 +55,11 @@ bool ConfigurationText::ReadBytes(std::string& error) {
         reason = "cannot be read";
     } else if (m_text.size() > kMaxFileBytes) {
         reason = "larger than 1 MiB";
-    } else if (!WideFromValidUtf8(m_text)) {
+    } else if (!suite::WideFromValidUtf8(m_text)) {
         reason = "not valid UTF-8";
     }
     if (reason != nullptr) {
-        error = Utf8FromWide(m_file) + ": " + reason;
+        error = suite::Utf8FromWide(m_file) + ": " + reason;
         return false;
     }
     const std::string byteOrderMark = "\xEF\xBB\xBF";
@@ -73,7 +73,7 @@ bool ConfigurationText::Parse(std::string& error) {
     // The parser takes a NUL for the end of the text and would pass over the rest in silence.
     const std::size_t nul = m_text.find('\0');
     if (nul != std::string::npos) {
-        error = Utf8FromWide(m_file) + ":" + std::to_string(LineAt(static_cast<std::ptrdiff_t>(nul))) +
+        error = suite::Utf8FromWide(m_file) + ":" + std::to_string(LineAt(static_cast<std::ptrdiff_t>(nul))) +
                 ": not valid JSON: NUL character";
         return false;
     }
@@ -87,16 +87,16 @@ bool ConfigurationText::Parse(std::string& error) {
     try {
         const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
         if (!reader->parse(m_text.data(), m_text.data() + m_text.size(), &m_root, &parserText)) {
-            error = Utf8FromWide(m_file) + ParserError(parserText);
+            error = suite::Utf8FromWide(m_file) + ParserError(parserText);
             return false;
         }
     } catch (const std::exception&) {  // what the parser does at its nesting limit
-        error = Utf8FromWide(m_file) + ": nested deeper than " + std::to_string(kMaxNesting) + " levels";
+        error = suite::Utf8FromWide(m_file) + ": nested deeper than " + std::to_string(kMaxNesting) + " levels";
         return false;
     }
     if (!m_root.isObject()) {
-        error =
-            Utf8FromWide(m_file) + ":" + std::to_string(LineAt(m_root.getOffsetStart())) + ": must be a JSON object";
+        error = suite::Utf8FromWide(m_file) + ":" + std::to_string(LineAt(m_root.getOffsetStart())) +
+                ": must be a JSON object";
         return false;
     }
     return true;
@@ -104,8 +104,8 @@ bool ConfigurationText::Parse(std::string& error) {
 
 std::string ConfigurationText::MemberError(const Json::Value& value, const std::string& key,
                                            const std::string& reason) const {
-    return Utf8FromWide(m_file) + ":" + std::to_string(LineAt(value.getOffsetStart())) + ": " + PrintableKey(key) +
-           ": " + reason;
+    return suite::Utf8FromWide(m_file) + ":" + std::to_string(LineAt(value.getOffsetStart())) + ": " +
+           PrintableKey(key) + ": " + reason;
 }
 
 std::size_t ConfigurationText::LineAt(std::ptrdiff_t offset) const {

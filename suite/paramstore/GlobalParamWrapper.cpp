@@ -10,7 +10,7 @@ struct GlobalParamWrapper::State {
     // The value is copied before the lock is taken, which then guards a swap that cannot fail.
     template <typename T>
     void Set(T State::*field, T value) {
-        if (ProcessIsEnding()) {
+        if (suite::ProcessIsEnding()) {
             return;
         }
         const std::lock_guard<std::mutex> lock(mutex);
@@ -18,7 +18,7 @@ struct GlobalParamWrapper::State {
     }
     template <typename T>
     T Get(T State::*field) const {
-        if (ProcessIsEnding()) {
+        if (suite::ProcessIsEnding()) {
             return T();
         }
         const std::lock_guard<std::mutex> lock(mutex);
