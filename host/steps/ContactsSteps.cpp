@@ -1,3 +1,4 @@
+#include <Logger.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 #include <windows.h>
@@ -43,8 +44,12 @@ ContactsSource SandboxSource(const std::string& platformUrl) {
 
 ContactsSource SourceOf(const SessionState& state) {
     const Options& options = state.options;
-    return options.contactsUrl.empty() ? SandboxSource(state.platformUrl)
-                                       : ContactsSource{ToWide(options.contactsUrl), options.cookies};
+    ContactsSource source = options.contactsUrl.empty() ? SandboxSource(state.platformUrl)
+                                                        : ContactsSource{ToWide(options.contactsUrl), options.cookies};
+    for (const auto& [name, value] : source.cookies) {
+        Logger::SetSecret("cookie " + ToUtf8(name), value);
+    }
+    return source;
 }
 
 // Where the download goes: beside the wanted file, which is replaced at last. Deleted unless it was.

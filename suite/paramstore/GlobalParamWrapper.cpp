@@ -1,6 +1,7 @@
 #include <mutex>
 #include <utility>
 
+#include "Logger.h"
 #include "ParamStore.h"
 #include "ProcessState.h"
 #include "SettingsStore.h"
@@ -95,6 +96,7 @@ HWND__* GlobalParamWrapper::GetMainWnd() const {
 }
 
 void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
+    Logger::SetSecret("access token", accessToken);
     m_state->Set(&State::currentAt, accessToken);
 }
 
@@ -103,6 +105,7 @@ std::wstring GlobalParamWrapper::GetCurrentAt() const {
 }
 
 void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
+    Logger::SetSecret("refresh token", refreshToken);
     m_state->Set(&State::currentRt, refreshToken);
 }
 
@@ -119,6 +122,7 @@ std::wstring GlobalParamWrapper::GetUserID() const {
 }
 
 void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
+    Logger::SetSecret("application access token", applicationAccessToken);
     m_state->Set(&State::appAt, applicationAccessToken);
 }
 
