@@ -10,8 +10,8 @@ std::string SeverityName(int severity);
 
 class SecretValues;
 
-// UTF-8 of a message, with "***" for each of the secrets; null: there are none. Texts beyond 64 Ki units are cut and say
-// so; a secret that the cut goes through is masked before.
+// UTF-8 of a message, with "***" for each of the secrets; null: there are none. Texts beyond 64 Ki units are cut and
+// say so; a secret that the cut goes through is masked before.
 std::string LogTextOf(std::wstring_view text, const SecretValues* secrets);
 
 // The text as it may stand in a log file: line breaks are followed by an indentation, so that no message can forge a

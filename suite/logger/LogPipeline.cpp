@@ -1,7 +1,6 @@
 #include "LogPipeline.h"
 
 #include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include <utility>
@@ -10,10 +9,15 @@
 #include "LogFileName.h"
 #include "MaskSecrets.h"
 #include "OperationLine.h"
+#include "RotatingFile.h"
 #include "Utf8Text.h"
 
 namespace suite {
 namespace {
+
+std::string_view ViewOf(spdlog::string_view_t text) {
+    return {text.data(), text.size()};
+}
 
 // The last step before a file or the console: whatever a caller wrote, it is masked and escaped here.
 class MaskingFormatter final : public spdlog::formatter {
@@ -21,7 +25,7 @@ public:
     void format(const spdlog::details::log_msg& message, spdlog::memory_buf_t& destination) override {
         m_time.format(message, destination);
         const std::string text =
-            EscapeForLog(MaskSecrets(std::string_view(message.payload.data(), message.payload.size())));
+            EscapeForLog(ViewOf(message.logger_name)) + " " + EscapeForLog(MaskSecrets(ViewOf(message.payload)));
         destination.append(text.data(), text.data() + text.size());
         destination.push_back('\n');
     }
@@ -46,15 +50,15 @@ public:
 spdlog::sink_ptr OpenFile(const std::wstring& file, const LoggerSettings& settings,
                           std::unique_ptr<spdlog::formatter> formatter) {
     const LoggerSettings defaults;
-    auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_st>(
-        file, settings.maxFileBytes == 0 ? defaults.maxFileBytes : settings.maxFileBytes,
-        settings.maxFiles == 0 ? defaults.maxFiles : settings.maxFiles);
+    auto sink =
+        std::make_shared<RotatingFile>(file, settings.maxFileBytes == 0 ? defaults.maxFileBytes : settings.maxFileBytes,
+                                       settings.maxFiles == 0 ? defaults.maxFiles : settings.maxFiles);
     sink->set_formatter(std::move(formatter));
     return sink;
 }
 
 std::string LossText(std::uint64_t count) {
-    return "[logger] " + std::to_string(count) + " lines dropped";
+    return std::to_string(count) + " lines dropped";
 }
 
 }  // namespace
@@ -74,7 +78,7 @@ LogPipeline::LogPipeline(const LoggerSettings& settings) : m_consoleSeverity(set
         sink(LogTarget::kOperations) = std::make_unique<SinkThread>(
             std::move(operations), [name](std::uint64_t count) { return DroppedEventsLine(count); });
         if (name.IsSecondChoice()) {
-            Post(LogTarget::kFile, true, "[logger] another process writes to " + Utf8FromWide(settings.file));
+            Post(LogTarget::kFile, true, "[logger]", "another process writes to " + Utf8FromWide(settings.file));
         }
     }
     if (settings.console) {
@@ -85,10 +89,10 @@ LogPipeline::LogPipeline(const LoggerSettings& settings) : m_consoleSeverity(set
     }
 }
 
-void LogPipeline::Post(LogTarget target, bool urgent, const std::string& line) noexcept {
+void LogPipeline::Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept {
     SinkThread* const sink = m_sinks[static_cast<std::size_t>(target)].get();
     if (sink != nullptr) {
-        sink->Post(line, urgent);
+        sink->Post(place, text, urgent);
     }
 }
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <chrono>
 #include <memory>
-#include <string>
+#include <string_view>
 
 #include "Logger.h"
 #include "SinkThread.h"
@@ -19,9 +19,9 @@ public:
     LogPipeline(const LogPipeline&) = delete;
     LogPipeline& operator=(const LogPipeline&) = delete;
 
-    // Queues a line (UTF-8; events are masked already) for a target that is open; does nothing for one that is not.
-    // urgent: written through to the file at once. Any thread.
-    void Post(LogTarget target, bool urgent, const std::string& line) noexcept;
+    // Queues a line for a target that is open; does nothing for one that is not. UTF-8; the text is masked by name when
+    // it is written, the place and events are masked already. urgent: written through to the file at once. Any thread.
+    void Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept;
 
     // Waits until what was posted before has been written or lost. Any thread, also while another closes the sinks.
     bool Wait(std::chrono::milliseconds timeout);

@@ -10,6 +10,7 @@
 
 #include "LineText.h"
 #include "LogPipeline.h"
+#include "MaskSecrets.h"
 #include "OperationLine.h"
 #include "ProcessState.h"
 #include "SecretValues.h"
@@ -50,10 +51,10 @@ void Replace(std::shared_ptr<LogPipeline> pipeline) {
     }
 }
 
-std::string LineOf(int moduleType, int severity, int line, const std::string& functionTag,
-                   const std::wstring& message) {
-    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + functionTag + ":" +
-           std::to_string(line) + " " + LogTextOf(message, State().secrets.Current().get());
+// The tag is masked by itself: it may end in "Token", and a colon follows.
+std::string PlaceOf(int moduleType, int severity, int line, const std::string& functionTag) {
+    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + MaskSecrets(functionTag) +
+           ":" + std::to_string(line);
 }
 
 }  // namespace
@@ -88,15 +89,16 @@ void Logger::Output(int moduleType, int severity, int line, const std::string& f
         return;
     }
     try {
-        const std::string text = suite::LineOf(moduleType, severity, line, functionTag, message);
+        const std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
+        const std::string text = suite::LogTextOf(message, State().secrets.Current().get());
         const bool urgent = severity >= kSeverityFailure;
         const std::lock_guard<std::mutex> lock(State().mutex);
         LogPipeline* const pipeline = State().pipeline.get();
         if (pipeline != nullptr && toFile) {
-            pipeline->Post(LogTarget::kFile, urgent, text);
+            pipeline->Post(LogTarget::kFile, urgent, place, text);
         }
         if (pipeline != nullptr && severity >= pipeline->ConsoleSeverity()) {
-            pipeline->Post(LogTarget::kConsole, urgent, text);
+            pipeline->Post(LogTarget::kConsole, urgent, place, text);
         }
     } catch (...) {
         // Out of memory: the line is lost, the caller goes on.
@@ -117,7 +119,7 @@ void Logger::OutputOperationLog(int basicEventType, int operationType, int actio
                                                       State().secrets.Current().get());
         const std::lock_guard<std::mutex> lock(State().mutex);
         if (State().pipeline != nullptr) {
-            State().pipeline->Post(LogTarget::kOperations, false, text);
+            State().pipeline->Post(LogTarget::kOperations, false, {}, text);
         }
     } catch (...) {
         // Out of memory: the event is lost, the caller goes on.

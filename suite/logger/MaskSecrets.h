@@ -6,7 +6,7 @@
 namespace suite {
 
 // The text with every secret's value replaced by "***". A secret is known by its name, in any letter case:
-//   token                names that end so: "access_token", "refreshToken", "id_token", "bearerToken", "X-Refresh-Token"
+//   token                names that end so: "access_token", "refreshToken", "id_token", "X-Refresh-Token"
 //   authorization code   also "authCode", and "code" as a whole word before "=" or in quotes; up to five digits are a
 //                        status and stay
 //   authorization, cookie, set-cookie     without quotes the whole rest of the line

@@ -16,7 +16,11 @@ namespace {
 constexpr std::size_t kMaxLines = 4096;
 constexpr std::size_t kMaxBytes = std::size_t{16} * 1024 * 1024;
 
+// Of lines that are the logger's own.
+constexpr char kLoggersPlace[] = "[logger]";
+
 struct Line {
+    std::string place;
     std::string text;
     std::chrono::system_clock::time_point time;
     bool urgent;
@@ -80,7 +84,7 @@ void SinkThread::State::TakeAndWrite(std::unique_lock<std::mutex>& lock) {
     std::uint64_t lostNow = lostBefore;
     try {
         if (lostBefore > 0) {
-            Write({lossText(lostBefore), line.time, false}, false);
+            Write({kLoggersPlace, lossText(lostBefore), line.time, false}, false);
             lostNow = 0;
         }
         Write(line, flush);
@@ -94,7 +98,7 @@ void SinkThread::State::TakeAndWrite(std::unique_lock<std::mutex>& lock) {
 
 void SinkThread::State::Write(const Line& line, bool flush) {
     ++unflushed;
-    sink->log(spdlog::details::log_msg(line.time, spdlog::source_loc(), "client", spdlog::level::info, line.text));
+    sink->log(spdlog::details::log_msg(line.time, spdlog::source_loc(), line.place, spdlog::level::info, line.text));
     if (flush) {
         sink->flush();
         unflushed = 0;
@@ -121,10 +125,10 @@ SinkThread::~SinkThread() {
     }
 }
 
-void SinkThread::Post(std::string_view text, bool urgent) noexcept {
+void SinkThread::Post(std::string_view place, std::string_view text, bool urgent) noexcept {
     const std::lock_guard<std::mutex> lock(m_state->mutex);
     try {
-        m_state->lines.push_back({std::string(text), std::chrono::system_clock::now(), urgent});
+        m_state->lines.push_back({std::string(place), std::string(text), std::chrono::system_clock::now(), urgent});
     } catch (...) {
         ++m_state->lost;
         return;

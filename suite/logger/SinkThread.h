@@ -16,9 +16,9 @@ class sink;
 
 namespace suite {
 
-// A sink with a queue of its own and the thread that empties it, so that a sink that stands still holds up neither the
-// caller nor another sink. The queue is bounded in lines and bytes; its oldest lines give way. How many were lost, in the
-// queue or because the sink failed, is written in their place.
+// A sink with a queue of its own and the thread that empties it, so that a sink that stands still holds up neither
+// the caller nor another sink. The queue is bounded in lines and bytes; its oldest lines give way. How many were
+// lost, in the queue or because the sink failed, is written in their place.
 class SinkThread {
 public:
     using Clock = std::chrono::steady_clock;
@@ -29,8 +29,9 @@ public:
     SinkThread(const SinkThread&) = delete;
     SinkThread& operator=(const SinkThread&) = delete;
 
-    // text: UTF-8; urgent: written through at once. Any thread. For want of memory the line is lost, and counted.
-    void Post(std::string_view text, bool urgent) noexcept;
+    // UTF-8. place: the part of the line that the sink's formatter does not mask; urgent: written through at once. Any
+    // thread. For want of memory the line is lost, and counted.
+    void Post(std::string_view place, std::string_view text, bool urgent) noexcept;
 
     // Waits until every line posted before the call was written or lost. False when the time ran out.
     bool Wait(Clock::time_point deadline);

@@ -36,9 +36,9 @@ Quote QuoteAt(std::string_view text, std::size_t at) {
     return found ? Quote{quote + 1, text[quote], quote - at} : Quote{at, 0, 0};
 }
 
-// The opening quote tells how deep the text is wrapped: JSON inside JSON, n levels deep, writes 2^n - 1 backslashes in
-// front of every quote that opens or closes a text. Each backslash at the end of the value adds 2^(n + 1) in front of the
-// closing quote. Any other number of backslashes means that the quote belongs to the value.
+// The opening quote tells how deep the text is wrapped: JSON inside JSON, n levels deep, writes 2^n - 1 backslashes
+// in front of every quote that opens or closes a text. Each backslash at the end of the value adds 2^(n + 1) in front
+// of the closing quote. Any other number of backslashes means that the quote belongs to the value.
 std::size_t EndOfQuoted(std::string_view text, const Quote& opening) {
     const std::size_t own = opening.backslashes;
     std::size_t backslashes = 0;

@@ -6,9 +6,9 @@
 
 namespace suite {
 
-// A text with its encodings taken off: percent signs ("%3D"), escapes of JSON ("\u003d", "\x3d" and all backslashes), of
-// XML ("&#61;", "&quot;"), and the NULs of UTF-16 that is read as bytes. Up to eight wrappings, mixed at will; linear in
-// the text. Only ASCII characters are unescaped from JSON and XML.
+// A text with its encodings taken off: percent signs ("%3D"), escapes of JSON ("\u003d", "\x3d" and all backslashes),
+// of XML ("&#61;", "&quot;"), and the NULs of UTF-16 that is read as bytes. Up to eight wrappings, mixed at will;
+// linear in the text. Only ASCII characters are unescaped from JSON and XML.
 class UnwrappedText {
 public:
     explicit UnwrappedText(std::string_view original);
