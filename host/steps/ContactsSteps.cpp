@@ -1,3 +1,4 @@
+#include <Logger.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 
@@ -39,8 +40,12 @@ ContactsSource SandboxSource(const std::string& platformUrl) {
 
 ContactsSource SourceOf(const SessionState& state) {
     const Options& options = state.options;
-    return options.contactsUrl.empty() ? SandboxSource(state.platformUrl)
-                                       : ContactsSource{ToWide(options.contactsUrl), options.cookies};
+    ContactsSource source = options.contactsUrl.empty() ? SandboxSource(state.platformUrl)
+                                                        : ContactsSource{ToWide(options.contactsUrl), options.cookies};
+    for (const auto& [name, value] : source.cookies) {
+        Logger::SetSecret("cookie " + ToUtf8(name), value);
+    }
+    return source;
 }
 
 // What is wrong with a download; empty when it may take the wanted file's place.

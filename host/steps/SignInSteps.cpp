@@ -1,3 +1,4 @@
+#include <Logger.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 #include <windows.h>
@@ -80,6 +81,7 @@ StepResult AwaitCode(SessionState& state) {
         return {false, outcome->reason};
     }
     state.authorizationCode = outcome->authorizationCode;
+    Logger::SetSecret("authorization code", ToWide(state.authorizationCode));
     const std::string threads = "callback on thread " + std::to_string(outcome->threadId) + ", caller on thread " +
                                 std::to_string(GetCurrentThreadId());
     return {outcome->threadId != GetCurrentThreadId(), Characters(state.authorizationCode.size()) + ", " + threads};

@@ -74,7 +74,7 @@ void Destroy(CurlHandle* handle) {
 class SharedState {
 public:
     SharedState() {
-        PinThisModule();
+        suite::PinThisModule();
         m_idle.reserve(kMaxIdleHandles);
         m_started = suite::StartLibcurl();
         m_share = m_started ? curl_share_init() : nullptr;

@@ -38,7 +38,7 @@ void DropExceptions(Call call) {
 
 // Empty parts for a URL that is refused.
 UrlParts PartsOf(const std::wstring& url) {
-    const std::optional<std::string> escaped = EscapeUrl(Utf8FromWide(url));
+    const std::optional<std::string> escaped = EscapeUrl(suite::Utf8FromWide(url));
     return (escaped ? ParseUrl(*escaped) : std::nullopt).value_or(UrlParts());
 }
 
@@ -67,7 +67,8 @@ std::wstring FinishText(const HttpExchange& exchange) {
 }
 
 std::wstring FailureText(const HttpExchange& exchange, const std::string& host, const std::string& cause) {
-    return L"HTTP: " + exchange.method + L" " + WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
+    return L"HTTP: " + exchange.method + L" " +
+           suite::WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
 }
 
 void Observe(const HttpExchange& exchange) {
@@ -86,7 +87,7 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     const UrlParts url = PartsOf(strategy.Url());
     HttpExchange exchange;
     exchange.method = strategy.Method() == HttpRequestMethod::kPost ? L"POST" : L"GET";
-    exchange.url = WideFromUtf8(url.display);
+    exchange.url = suite::WideFromUtf8(url.display);
     DropExceptions([&] { strategy.Log(L"HTTP: " + exchange.method + L" " + exchange.url + L" started"); });
     ExchangeOutcome outcome;
     try {
@@ -112,7 +113,7 @@ int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, ReplyS
     if (strategy == nullptr) {
         return kHttpInvalidRequest;
     }
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return kHttpInternalError;
     }
     try {
@@ -164,13 +165,13 @@ int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler
 }
 
 void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
-    if (!ProcessIsEnding()) {
+    if (!suite::ProcessIsEnding()) {
         suite::SetDefaultAuthoritiesPath(path);
     }
 }
 
 void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchange&)> observer) {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return;
     }
     auto shared = observer ? std::make_shared<const suite::Observer>(std::move(observer)) : nullptr;

@@ -32,7 +32,7 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     if (IsLoopback(url)) {
         return std::string();
     }
-    const std::wstring scheme = WideFromUtf8(url.scheme);
+    const std::wstring scheme = suite::WideFromUtf8(url.scheme);
     if (IsSetInEnvironment(scheme + L"_proxy") || IsSetInEnvironment(L"all_proxy")) {
         return std::nullopt;
     }

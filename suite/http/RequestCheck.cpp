@@ -55,7 +55,7 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     CheckedRequest request;
     request.post = method == HttpRequestMethod::kPost;
 
-    const std::optional<std::string> url = EscapeUrl(Utf8FromWide(strategy.Url()));
+    const std::optional<std::string> url = EscapeUrl(suite::Utf8FromWide(strategy.Url()));
     if (!url) {
         return "the URL holds CR, LF or NUL";
     }
@@ -65,8 +65,8 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     request.url = *url;
 
     for (const auto& [wideName, wideValue] : strategy.Headers()) {
-        const std::string name = Utf8FromWide(wideName);
-        const std::string value = Utf8FromWide(wideValue);
+        const std::string name = suite::Utf8FromWide(wideName);
+        const std::string value = suite::Utf8FromWide(wideValue);
         std::string refusal = CheckHeader(name, value);
         if (!refusal.empty()) {
             return refusal;
@@ -80,7 +80,7 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
         }
     }
     if (request.post) {
-        request.body = Utf8FromWide(strategy.PostData());
+        request.body = suite::Utf8FromWide(strategy.PostData());
     }
     return request;
 }

@@ -81,7 +81,8 @@ public:
     void SetMainWnd(HWND__* window);
     HWND__* GetMainWnd() const;
 
-    // Pushed by the authentication service, read by the other modules.
+    // Pushed by the authentication service, read by the other modules. The store hands the three tokens to
+    // Logger::SetSecret, so that no log line shows one.
     void SetCurrentAt(const std::wstring& accessToken);
     std::wstring GetCurrentAt() const;
     void SetCurrentRt(const std::wstring& refreshToken);

@@ -62,7 +62,8 @@ private:
         if (const char* reason = check(text)) {
             return Fail(value, key, reason);
         }
-        std::optional<std::wstring> wide = WideFromValidUtf8(text);  // an escaped lone surrogate gets past the parser
+        std::optional<std::wstring> wide =
+            suite::WideFromValidUtf8(text);  // an escaped lone surrogate gets past the parser
         if (!wide) {
             return Fail(value, key, "is not valid Unicode");
         }

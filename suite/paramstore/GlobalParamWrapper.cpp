@@ -1,6 +1,7 @@
 #include <mutex>
 #include <utility>
 
+#include "Logger.h"
 #include "ParamStore.h"
 #include "ProcessState.h"
 #include "SettingRules.h"
@@ -126,6 +127,7 @@ HWND__* GlobalParamWrapper::GetMainWnd() const {
 }
 
 void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
+    Logger::SetSecret("access token", accessToken);
     m_state->Set(&State::currentAt, accessToken);
 }
 
@@ -134,6 +136,7 @@ std::wstring GlobalParamWrapper::GetCurrentAt() const {
 }
 
 void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
+    Logger::SetSecret("refresh token", refreshToken);
     m_state->Set(&State::currentRt, refreshToken);
 }
 
@@ -150,6 +153,7 @@ std::wstring GlobalParamWrapper::GetUserID() const {
 }
 
 void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
+    Logger::SetSecret("application access token", applicationAccessToken);
     m_state->Set(&State::appAt, applicationAccessToken);
 }
 

@@ -44,7 +44,7 @@ bool SettingsStore::Load(ConfigurationText text, std::string& error) try {
 }
 
 std::wstring SettingsStore::Text(std::wstring ClientConfiguration::*setting) const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -52,7 +52,7 @@ std::wstring SettingsStore::Text(std::wstring ClientConfiguration::*setting) con
 }
 
 std::wstring SettingsStore::LegacyItem(int number) const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -61,7 +61,7 @@ std::wstring SettingsStore::LegacyItem(int number) const {
 }
 
 std::wstring SettingsStore::AppDataFolder() const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     std::wstring folder = Text(&ClientConfiguration::appDataLocalPath);
