@@ -10,10 +10,10 @@ needs="openssl"
 minutes="about 2 minutes"
 
 # HTTP and HTTPS only: a protocol that is not there cannot be redirected to. Nor is there what the HTTP library does itself
-# (decoding) or never asks for. Kept: proxies with CONNECT, SOCKS and Basic, IPv6, the threaded resolver, and the texts,
-# among which are those of the errors.
+# (decoding) or never asks for. HEADERS_API, the header store, keeps a pointer into freed memory between two transfers.
+# Kept: proxies with CONNECT, SOCKS and Basic, IPv6, the threaded resolver, and the texts, among which are those of the errors.
 without=(
-  ALTSVC COOKIES CRYPTO_AUTH DOH GETOPTIONS HSTS LIBCURL_OPTION MIME NETRC NTLM PARSEDATE PROGRESS_METER SHUFFLE_DNS
+  ALTSVC COOKIES CRYPTO_AUTH DOH GETOPTIONS HEADERS_API HSTS MIME NETRC NTLM PARSEDATE PROGRESS_METER SHUFFLE_DNS
   OPENSSL_AUTO_LOAD_CONFIG
 )
 
@@ -22,9 +22,8 @@ recipe() {
   local key_log=source/lib/vtls/keylog.c
   sed -i 's/curl_getenv("SSLKEYLOGFILE")/NULL/' "$key_log"
   if grep -q getenv "$key_log"; then return 1; fi
-  local switches=("${without[@]/#/-DCURL_DISABLE_}")
-  # The header store (curl_easy_header) keeps a pointer into freed memory between transfers; CMake has no option for it.
-  cmake_build "${switches[@]/%/=ON}" -DCMAKE_C_FLAGS=-DCURL_DISABLE_HEADERS_API \
+  # As flags: its CMake takes some of these for options and then forgets them. No path of this machine goes into the DLL.
+  cmake_build -DCMAKE_C_FLAGS="${without[*]/#/-DCURL_DISABLE_} -ffile-prefix-map=$PWD=." \
     -DCMAKE_PREFIX_PATH="$(result_of openssl)" -DCMAKE_FIND_ROOT_PATH="$(result_of openssl)" \
     -DOPENSSL_ROOT_DIR="$(result_of openssl)" -DCURL_USE_OPENSSL=ON -DCURL_CA_BUNDLE=none -DCURL_CA_PATH=none \
     -DBUILD_SHARED_LIBS=ON -DBUILD_CURL_EXE=OFF -DBUILD_TESTING=OFF -DHTTP_ONLY=ON -DENABLE_UNIX_SOCKETS=OFF \
