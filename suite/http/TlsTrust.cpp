@@ -7,7 +7,7 @@
 #include <memory>
 #include <new>
 
-#include "CurlOption.h"
+#include "CurlHandlePool.h"
 #include "PlatformVerdict.h"
 
 namespace suite {
