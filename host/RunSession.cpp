@@ -79,7 +79,7 @@ constexpr Command kCommands[] = {
      LegacySignInSteps},
     {{"contacts", "export FILE",
       "download the contacts as a vCard file, which replaces an existing one when all has\n"
-      "come; from --url with the --cookie of its portal, or from a sandbox at --platform,\n"
+      "come; from --url with the cookies of its portal, or from a sandbox at --platform,\n"
       "which tells both"},
      Needs::kNothing,
      ContactsSteps},

@@ -3,6 +3,8 @@
 #include <ParamStore.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iostream>
 
 #include "system/HostError.h"
 #include "text/FieldText.h"
@@ -72,6 +74,19 @@ void CheckNewFile(const std::string& file, const std::string& what) {
     if (path.has_parent_path() && !std::filesystem::is_directory(path.parent_path(), error)) {
         Refuse(what + ": no such folder: " + ToUtf8(path.parent_path().wstring()));
     }
+}
+
+std::vector<std::string> ReadLines(const std::string& file, const std::string& what) {
+    const bool standardInput = file == "-";
+    std::ifstream stream(standardInput ? std::filesystem::path() : CheckedFile(file, what), std::ios::binary);
+    std::istream& input = standardInput ? std::cin : stream;
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(input, line);) {
+        if (line = Trimmed(line); !line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 std::pair<std::wstring, std::wstring> CheckedCookie(const std::string& cookie, const std::string& what) {

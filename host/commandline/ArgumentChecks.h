@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -19,6 +20,8 @@ void CheckUrl(const std::string& url, const std::string& what);
 std::filesystem::path CheckedFile(const std::string& file, const std::string& what);
 // A file that can be made or replaced, as far as its folder tells.
 void CheckNewFile(const std::string& file, const std::string& what);
+// The lines of a file, those of standard input for "-"; without the empty ones. None for empty.
+std::vector<std::string> ReadLines(const std::string& file, const std::string& what);
 // NAME=VALUE, as far as a Cookie header can carry it. The line does not show it: it may be a secret.
 std::pair<std::wstring, std::wstring> CheckedCookie(const std::string& cookie, const std::string& what);
 

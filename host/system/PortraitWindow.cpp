@@ -4,6 +4,7 @@
 #include <UserAuthTypes.h>
 #include <windows.h>
 
+#include "system/Interruption.h"
 #include "system/WindowsHandle.h"
 
 namespace host {
@@ -52,10 +53,11 @@ bool PortraitWindow::WaitForMessage(std::chrono::milliseconds longest) {
     const Clock::time_point end = Clock::now() + longest;
     while (!TakeMessage(m_window)) {
         const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (rest <= 0) {
+        if (rest <= 0 || Interrupted()) {
             return false;
         }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(rest), QS_POSTMESSAGE);
+        const HANDLE interruption = InterruptionEvent();
+        MsgWaitForMultipleObjects(1, &interruption, FALSE, static_cast<DWORD>(rest), QS_POSTMESSAGE);
     }
     return true;
 }

@@ -19,7 +19,7 @@ public:
     // Drops what has come so far; before a profile is requested.
     void Forget();
 
-    // Waits until a portrait-changed message has come; false when the time ran out.
+    // Waits until a portrait-changed message has come; false when the time ran out, or the person interrupts.
     bool WaitForMessage(std::chrono::milliseconds longest);
 
 private:
