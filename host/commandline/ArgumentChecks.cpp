@@ -17,8 +17,8 @@ bool IsBlankOrControl(char c) {
     return (c >= 0 && c <= ' ') || c == 0x7F;
 }
 
-// An URL for an error text, without the secrets that it may hold: what stands before an "@" and behind a "?" or "#".
-// Whatever comes before the last "@" goes, since a refused text may have any form.
+// A URL for an error text, without its secrets: what stands before an "@" and behind a "?" or "#". Everything before
+// the last "@" goes, since a refused text may have any form.
 std::string Masked(const std::string& url) {
     const std::size_t scheme = url.find("://");
     const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;

@@ -35,7 +35,7 @@ constexpr char kFooter[] =
     "  2  the arguments or a configuration file are wrong\n"
     "  3  interrupted by Ctrl-C: files of the program's own are removed";
 
-// The texts of the arguments, before they are judged.
+// Arguments that become something else in Options.
 struct RawOptions {
     std::vector<std::string> commands;
     std::vector<std::string> cookies;
@@ -62,10 +62,10 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
             "Trust the authorities in this PEM file instead of the system's");
     addText("--business", "NAME", options.business, "report: the business, if not drive");
     addText("--url", "URL", options.contactsUrl, "contacts export: where the portal has the contacts");
-    // One text an option, so that the commands after it stay commands.
+    // The option takes one text, so that the commands after it stay commands.
     app.add_option("--cookie", raw.cookies,
-                   "contacts export: a cookie of the portal's login; once for each. Every user of this machine can see "
-                   "it: --cookie-file keeps it to yourself")
+                   "contacts export: a cookie of the portal's login; once for each. Other users can see it in the list "
+                   "of processes: rather use --cookie-file")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     addText("--cookie-file", "FILE", raw.cookieFile,
@@ -74,12 +74,6 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
     addText("--log", "FILE", raw.log, "Write the log to this file, events to FILE.operations.jsonl");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
-}
-
-void JudgeReport(const Options& options) {
-    if (!options.business.empty() && !options.Has("report")) {
-        Refuse("--business belongs to report");
-    }
 }
 
 void JudgeContacts(const RawOptions& raw, Options& options) {
@@ -127,7 +121,9 @@ void Judge(const RawOptions& raw, Options& options) {
     options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
     options.log = ToWide(raw.log);
     JudgeDemo(raw, options);
-    JudgeReport(options);
+    if (!options.business.empty() && !options.Has("report")) {
+        Refuse("--business belongs to report");
+    }
     JudgeContacts(raw, options);
 }
 

@@ -7,13 +7,13 @@
 namespace host {
 namespace {
 
-// The system ends the program when the handler of its closing returns, or after five seconds.
+// When the console is closed, the system ends the program as soon as the handler returns, or after five seconds.
 constexpr DWORD kLongestEndMilliseconds = 5000;
 
-// On a thread of the system's own.
+// The system calls this on a thread of its own.
 BOOL WINAPI OnControlEvent(DWORD event) {
     SetEvent(InterruptionEvent());
-    while (WSACleanup() == 0) {  // once for each start: the last one ends the operations of all threads
+    while (WSACleanup() == 0) {  // one call for each start; the last one ends the socket operations of all threads
     }
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
         Sleep(kLongestEndMilliseconds);

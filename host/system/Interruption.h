@@ -2,13 +2,13 @@
 
 namespace host {
 
-// From here on Ctrl-C and the like do not end the program on the spot: they end its connections, so that what runs
-// fails and the program leaves by its usual way, with its files removed. Also when the console's window is closed.
+// From here on Ctrl-C, or closing the console, does not end the program at once. It ends the program's connections:
+// the running step fails, and the program ends as after any failed step, with its temporary files removed.
 void WatchForInterruption();
 
 bool Interrupted();
 
-// Event of the system that is set from the interruption on.
+// A kernel event for waits; set once the program is interrupted.
 void* InterruptionEvent();
 
 }  // namespace host

@@ -12,7 +12,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Wine ends its desktop with the last program that has a window: one that starts at that moment gets none.
+// Wine ends its desktop with the last program that has a window. A program that starts at that moment gets no window.
 constexpr int kAttempts = 5;
 constexpr DWORD kPauseMilliseconds = 200;
 
@@ -20,7 +20,7 @@ HWND MakeWindow() {
     HWND window = nullptr;
     for (int attempt = 0; !window && attempt < kAttempts; ++attempt) {
         Sleep(attempt == 0 ? 0 : kPauseMilliseconds);
-        // A class of the system's serves, since the message is taken from the queue and not dispatched.
+        // Any class will do: the message is taken from the queue and reaches no window procedure.
         window = CreateWindowExW(0, L"STATIC", L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     }
     RequireDone(window, "cannot make a window");
