@@ -17,8 +17,8 @@ using Stretch = std::vector<Step> (*)();
 enum class Needs {
     kNothing,
     kPlatform,  // one that answers
-    kSession,   // the tokens of an earlier command
-    kUserId,    // likewise, and the user id
+    kSession,   // tokens, from an earlier command
+    kUserId,    // tokens and the user id
 };
 
 struct Command {
@@ -27,7 +27,7 @@ struct Command {
     Stretch steps;
 };
 
-// A client's whole life: the last refresh is refused, so the session ends with a sign-in to be asked for.
+// A client's whole life. At its end a refresh is refused, so that the client would ask for a sign-in again.
 std::vector<Step> DemoSteps() {
     constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps,   RegistrationSteps,
                                  ConfigurationSteps, ActivationSteps,       ReportSteps,    DeviceSteps,
@@ -79,7 +79,7 @@ constexpr Command kCommands[] = {
      LegacySignInSteps},
     {{"contacts", "export FILE",
       "download the contacts as a vCard file, which replaces an existing one when all has\n"
-      "come; from --url with the --cookie of its portal, or from a sandbox at --platform,\n"
+      "come; from --url with the cookies of its portal, or from a sandbox at --platform,\n"
       "which tells both"},
      Needs::kNothing,
      ContactsSteps},
@@ -129,7 +129,8 @@ struct SessionEnd {
                 report.RunAll(CloseSteps());
             }
             report.Conclude();
-        } catch (const std::exception&) {  // no memory for the line: what ended the session is told anyway
+        } catch (
+            const std::exception&) {  // no memory for the line; the exception that ended the session is told elsewhere
         }
     }
 

@@ -1,4 +1,5 @@
 #include <Logger.h>
+#include <windows.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include "RunSession.h"
 #include "commandline/CommandLine.h"
 #include "system/HostError.h"
+#include "system/Interruption.h"
 #include "text/Console.h"
 
 namespace host {
@@ -57,8 +59,15 @@ extern "C" __declspec(dllexport) _invalid_parameter_handler UserAuthInvalidParam
 
 int main() {
     _set_invalid_parameter_handler(&host::GoOn);
+    // Whatever is loaded from here on comes from this program's folder or the system's, never from the current one.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    host::WatchForInterruption();
     host::Console console;
-    const int code = host::RunGuarded(console);
+    int code = host::RunGuarded(console);
+    if (host::Interrupted()) {
+        console.WriteError("userauth: interrupted\n");
+        code = host::kExitInterrupted;
+    }
     Logger::Shutdown();  // before the libraries go: it ends the logger's thread
     return code;
 }

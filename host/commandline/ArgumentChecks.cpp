@@ -3,6 +3,8 @@
 #include <ParamStore.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iostream>
 
 #include "system/HostError.h"
 #include "text/FieldText.h"
@@ -15,8 +17,8 @@ bool IsBlankOrControl(char c) {
     return (c >= 0 && c <= ' ') || c == 0x7F;
 }
 
-// An URL for an error text, without the secrets that it may hold: what stands before an "@" and behind a "?" or "#".
-// Whatever comes before the last "@" goes, since a refused text may have any form.
+// A URL for an error text, without its secrets: what stands before an "@" and behind a "?" or "#". Everything before
+// the last "@" goes, since a refused text may have any form.
 std::string Masked(const std::string& url) {
     const std::size_t scheme = url.find("://");
     const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;
@@ -72,6 +74,19 @@ void CheckNewFile(const std::string& file, const std::string& what) {
     if (path.has_parent_path() && !std::filesystem::is_directory(path.parent_path(), error)) {
         Refuse(what + ": no such folder: " + ToUtf8(path.parent_path().wstring()));
     }
+}
+
+std::vector<std::string> ReadLines(const std::string& file, const std::string& what) {
+    const bool standardInput = file == "-";
+    std::ifstream stream(standardInput ? std::filesystem::path() : CheckedFile(file, what), std::ios::binary);
+    std::istream& input = standardInput ? std::cin : stream;
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(input, line);) {
+        if (line = Trimmed(line); !line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 std::pair<std::wstring, std::wstring> CheckedCookie(const std::string& cookie, const std::string& what) {

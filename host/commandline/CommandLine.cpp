@@ -27,17 +27,19 @@ constexpr char kFooter[] =
     "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
     "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
     "  userauth migrate status --config client.json\n"
-    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie ticket=12345\n"
+    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie-file cookies.txt\n"
     "\n"
     "Exit codes:\n"
     "  0  every step succeeded\n"
     "  1  a step failed, or no platform answers\n"
-    "  2  the arguments or a configuration file are wrong";
+    "  2  the arguments or a configuration file are wrong\n"
+    "  3  interrupted by Ctrl-C: files of the program's own are removed";
 
-// The texts of the arguments, before they are judged.
+// Arguments that become something else in Options.
 struct RawOptions {
     std::vector<std::string> commands;
     std::vector<std::string> cookies;
+    std::string cookieFile;
     std::string configuration;
     std::string certificateAuthority;
     std::string log;
@@ -60,37 +62,37 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
             "Trust the authorities in this PEM file instead of the system's");
     addText("--business", "NAME", options.business, "report: the business, if not drive");
     addText("--url", "URL", options.contactsUrl, "contacts export: where the portal has the contacts");
-    // One text an option, so that the commands after it stay commands.
-    app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
+    // The option takes one text, so that the commands after it stay commands.
+    app.add_option("--cookie", raw.cookies,
+                   "contacts export: a cookie of the portal's login; once for each. Other users can see it in the list "
+                   "of processes: rather use --cookie-file")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    addText("--cookie-file", "FILE", raw.cookieFile,
+            "contacts export: the cookies, a line NAME=VALUE each; - reads them from standard input");
     app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
     addText("--log", "FILE", raw.log, "Write the log to this file, events to FILE.operations.jsonl");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
 }
 
-void JudgeReport(const Options& options) {
-    if (!options.business.empty() && !options.Has("report")) {
-        Refuse("--business belongs to report");
-    }
-}
-
 void JudgeContacts(const RawOptions& raw, Options& options) {
     if (!options.contactsUrl.empty()) {
         CheckUrl(options.contactsUrl, "--url");
     }
-    for (const std::string& cookie : raw.cookies) {
-        if (!options.cookies.insert(CheckedCookie(cookie, "--cookie")).second) {
-            Refuse("--cookie: a name is given twice");
+    std::vector<std::string> cookies = ReadLines(raw.cookieFile, "--cookie-file");
+    cookies.insert(cookies.end(), raw.cookies.begin(), raw.cookies.end());
+    for (const std::string& cookie : cookies) {
+        if (!options.cookies.insert(CheckedCookie(cookie, "cookies")).second) {
+            Refuse("cookies: a name is given twice");
         }
     }
     const bool exports = options.Has("contacts");
     if (!exports && !(options.contactsUrl.empty() && options.cookies.empty())) {
-        Refuse("--url and --cookie belong to contacts export");
+        Refuse("--url, --cookie and --cookie-file belong to contacts export");
     }
     if (options.contactsUrl.empty() && !options.cookies.empty()) {
-        Refuse("--cookie needs --url: a sandbox tells its cookies itself");
+        Refuse("--cookie and --cookie-file need --url: a sandbox tells its cookies itself");
     }
     if (exports && options.contactsUrl.empty() && options.platformUrl.empty() && raw.configuration.empty()) {
         Refuse("contacts export: say from where, with --url, or with --platform of a sandbox");
@@ -119,7 +121,9 @@ void Judge(const RawOptions& raw, Options& options) {
     options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
     options.log = ToWide(raw.log);
     JudgeDemo(raw, options);
-    JudgeReport(options);
+    if (!options.business.empty() && !options.Has("report")) {
+        Refuse("--business belongs to report");
+    }
     JudgeContacts(raw, options);
 }
 

@@ -22,8 +22,8 @@ struct Options {
     std::filesystem::path configuration;         // parameter-store configuration file; may be empty
     std::filesystem::path certificateAuthority;  // PEM file; may be empty
     std::filesystem::path log;                   // log file; may be empty
-    std::string business;                        // "": one of our own
-    std::string contactsUrl;                     // "": a sandbox at the platform's URL tells it
+    std::string business;                        // what to report; empty: drive
+    std::string contactsUrl;                     // empty: a sandbox at the platform's URL tells it
     std::map<std::wstring, std::wstring> cookies;
     bool https = false;
     bool json = false;
@@ -33,8 +33,8 @@ struct Options {
 // The process's own arguments, UTF-8, without the program's name.
 std::vector<std::string> ProcessArguments();
 
-// Reads the arguments. commands: those that there are. An exit code when there is nothing left to do, because help or the version was asked for. Throws
-// HostError with kExitUsage.
+// Reads the arguments; commands: those that there are. Returns an exit code when there is nothing left to do, because
+// help or the version was asked for. Throws HostError with kExitUsage.
 std::optional<int> ReadCommandLine(std::vector<std::string> arguments, const CommandForms& commands, Options& options,
                                    Console& console);
 

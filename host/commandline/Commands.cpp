@@ -33,7 +33,7 @@ const CommandForm& FormOf(const std::string& name, const CommandForms& forms) {
     return *form;
 }
 
-// Takes the words of the command's form; what was given for FILE or URL.
+// Takes the words that belong to the command. Returns what was given for FILE or URL.
 std::string TakeArgument(const CommandForm& form, Word& next, Word end) {
     std::string argument;
     std::istringstream parts(form.arguments);

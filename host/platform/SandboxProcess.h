@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/ChildProcess.h"
+#include "system/WindowsHandle.h"
 
 namespace host {
 
@@ -13,7 +13,15 @@ struct SandboxAddress {
     std::string https;
 };
 
-// A running sandbox-server.exe. It ends when its standard input does, so with this object or with this process.
+// A started program and our ends of its pipes.
+struct ChildProcess {
+    WindowsHandle job;  // ends the program when closed; null where the system refuses jobs
+    WindowsHandle process;
+    WindowsHandle input;   // what it reads from its standard input
+    WindowsHandle output;  // what it writes to its standard output
+};
+
+// A running sandbox-server.exe. It ends with its standard input, so with this object or with this process.
 class SandboxProcess {
 public:
     // Starts the program on free ports and waits until it is ready, 20 s at most. It writes its authority to

@@ -21,7 +21,7 @@ struct SessionState {
     Console& console;
     const CommandCall* call = nullptr;  // the command whose steps run; null before the first
     TemporaryFolder folder;
-    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; after the folder, which holds its file
+    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; below the folder, which must outlive it
     std::string platformUrl;                  // empty until the set-up has run
     UserAuthService* service = nullptr;       // null until it was created
     std::string authorizationCode;            // from its delivery to its exchange
@@ -30,7 +30,7 @@ struct SessionState {
     std::wstring syncServerUserId;
     std::string reportedBusiness;  // what was reported last; UTF-8
     bool sdkInitialised = false;
-    bool madeLegacyItem = false;  // the earlier client's sign-in in the store is of this session's making
+    bool madeLegacyItem = false;  // this session made the earlier client's sign-in in the store
 };
 
 }  // namespace host

@@ -37,7 +37,7 @@ std::string ExchangeText(const HttpExchange& exchange) {
     return "HTTP " + std::to_string(exchange.code) + connection;
 }
 
-// Each followed by "; ", the same ones in a row told once.
+// "HTTP 200, new connection; 2 x HTTP 200, reused connection; ": equal ones in a row are told once.
 std::string ExchangeTexts(const std::vector<HttpExchange>& exchanges) {
     std::string texts;
     for (std::size_t first = 0, next = 0; first < exchanges.size(); first = next) {
@@ -146,13 +146,13 @@ bool StepReport::Run(const Step& step) {
     if (m_showsRunning) {
         m_state.console.Write(std::string(kRunning) + step.title);
     }
-    m_exchanges.Take();  // what another thread did between two steps belongs to neither
+    m_exchanges.Take();  // an exchange that ended between two steps belongs to neither
     const Clock::time_point start = Clock::now();
     StepResult result;
     try {
         result = step.run(m_state);
     } catch (const std::exception& error) {
-        // A terminal shows the text as the program's last line anyway.
+        // On a terminal the text is the program's last line, and would stand there twice.
         const bool shown = m_state.console.IsTerminal() && !m_state.options.json;
         Finish(step, start, {false, shown ? "" : error.what()});
         throw;

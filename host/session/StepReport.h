@@ -18,7 +18,7 @@ struct StepResult {
     std::string detail = {};                                       // one line; may be empty
     std::vector<std::pair<std::string, std::string>> fields = {};  // name in lower-case words, and value
     Table table = {};                                              // may be empty
-    // For an operation without a result of its own: ok only if the last exchange ended with 200 or 201 as well.
+    // For an operation that returns nothing: the step also fails unless its last exchange ended with 200 or 201.
     bool judgedByStatus = false;
 };
 
@@ -32,7 +32,7 @@ struct Step {
 // What the line of a running step starts with.
 constexpr char kRunning[] = "  ...     ";
 
-// Whether a step has a line while it runs, which its outcome replaces: on a terminal, unless log lines come in between.
+// Whether a step has a line while it runs, which its outcome replaces. Only on a terminal without log lines.
 bool ShowsRunningStep(const SessionState& state);
 
 // Runs steps and shows each with its outcome, its time and the HTTP exchanges that it made: as lines for people or as
@@ -42,13 +42,12 @@ public:
     // The state must outlive it.
     explicit StepReport(SessionState& state);
 
-    // Whether it succeeded. An exception counts as a failure and passes through: the program ends with it and shows its
-    // text.
+    // Whether it succeeded. An exception of the step counts as a failure and is thrown on: the program ends with it.
     bool Run(const Step& step);
-    // In order, up to the first that fails; whether all succeeded.
+    // Runs the steps in order, up to the first that fails; whether all succeeded.
     bool RunAll(const std::vector<Step>& steps);
 
-    // The closing line for people. After the last step.
+    // Writes the closing line for people, after the last step.
     void Conclude();
 
     bool AllSucceeded() const { return m_failed.empty(); }

@@ -6,7 +6,7 @@
 
 namespace host {
 
-// Where a download goes: beside the wanted file, which is replaced at last. Deleted unless it was.
+// The file that a download goes into, beside the wanted one. It takes the wanted file's place at last, or is deleted.
 class PartFile {
 public:
     // Deletes what an earlier try left.
@@ -20,7 +20,7 @@ public:
     // False, and nothing is changed, when the wanted file cannot be replaced: it is read-only, or open elsewhere for
     // more than a second.
     bool Replace(const std::filesystem::path& wanted) const;
-    // Whether there is no room for one more of the service's blocks: it does not look whether all could be written.
+    // Whether the disk has no room for another block. The service does not check its writes: contacts may be missing.
     bool IsDiskFull() const;
 
 private:

@@ -2,10 +2,13 @@
 #include <ParamStore.h>
 #include <UserAuthService.h>
 
+#include <chrono>
+#include <future>
+
 #include "platform/SandboxClient.h"
 #include "steps/ContactsFile.h"
-#include "steps/GrowingFile.h"
 #include "steps/Steps.h"
+#include "system/WindowsHandle.h"
 #include "text/FieldText.h"
 #include "text/JsonObject.h"
 #include "text/TextEncoding.h"
@@ -15,7 +18,7 @@ namespace {
 
 constexpr char kTitle[] = "contacts exported";
 constexpr std::size_t kDemoCards = 500;
-// Compressed, so that what the file holds is not what came over the line.
+// Compressed, so that the bytes of the file are not the bytes of the reply.
 constexpr char kDemoContacts[] = "{\"cards\":500,\"coding\":\"br\",\"chunked\":true}";
 
 struct ContactsSource {
@@ -23,7 +26,7 @@ struct ContactsSource {
     std::map<std::wstring, std::wstring> cookies = {};
 };
 
-// What a client has from the portal's web login: a sandbox hands it out at its platform's URL.
+// A client has URL and cookies from the portal's web login. A sandbox hands them out at its platform's URL.
 ContactsSource SandboxSource(const std::string& platformUrl) {
     const std::optional<Json::Value> login = AskSandbox(platformUrl, "/sandbox/portal-login");
     const std::string path = login ? TextMember(*login, "path") : "";
@@ -62,17 +65,50 @@ std::string FaultOf(bool exported, const VcardFile& contacts, const PartFile& pa
     return contacts.whole ? "" : "what came, " + Bytes(contacts.bytes) + ", does not end with a whole contact";
 }
 
+constexpr std::chrono::milliseconds kPause{100};
+constexpr std::size_t kBarWidth = 24;
+constexpr std::size_t kBlockWidth = 5;
+
+// A handle is asked, because the folder's entry of an open file may be old.
+std::uint64_t BytesOf(const std::filesystem::path& file) {
+    const WindowsHandle handle =
+        OpenFile(file, FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    LARGE_INTEGER size = {};
+    return handle && GetFileSizeEx(handle.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
+}
+
+std::string Bar(std::size_t tick) {
+    constexpr std::size_t kWay = kBarWidth - kBlockWidth;  // there and back
+    const std::size_t step = tick % (2 * kWay);
+    std::string bar(kBarWidth, ' ');
+    bar.replace(step < kWay ? step : 2 * kWay - step, kBlockWidth, kBlockWidth, '=');
+    return "[" + bar + "]";
+}
+
+// Shows a moving bar and the file's size on the current line of a terminal, until the end comes. The final size is not
+// known, so the bar tells nothing but life. Nothing else may be written meanwhile; the line is left as it is.
+void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
+    for (std::size_t tick = 0; end.wait_for(kPause) == std::future_status::timeout; ++tick) {
+        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bar(tick) + "  " + Bytes(BytesOf(file))))));
+    }
+}
+
 bool Download(SessionState& state, const ContactsSource& source, const std::filesystem::path& file) {
-    const std::unique_ptr<GrowingFile> progress =
-        ShowsRunningStep(state) ? std::make_unique<GrowingFile>(state.console, std::string(kRunning) + kTitle, file)
-                                : nullptr;
-    return state.service->ExportContracts(source.url, file.wstring(), source.cookies);
+    std::future<void> watch;  // destroyed last: waits for the thread
+    std::promise<void> end;
+    if (ShowsRunningStep(state)) {
+        watch = std::async(std::launch::async,
+                           [&state, &file, ended = end.get_future()] { WatchGrowth(state.console, file, ended); });
+    }
+    const bool exported = state.service->ExportContracts(source.url, file.wstring(), source.cookies);
+    end.set_value();
+    return exported;
 }
 
 StepResult Export(SessionState& state, const std::filesystem::path& file) {
     const ContactsSource source = SourceOf(state);
     if (source.url.empty()) {
-        return {false, "no sandbox answers at --platform: give --url, and --cookie for the login of its portal"};
+        return {false, "no sandbox answers at --platform: give --url, and --cookie-file for the login of its portal"};
     }
     const PartFile part(file);
     const std::vector<std::pair<std::string, std::string>> path = {{"path", ToUtf8(file.wstring())}};

@@ -35,13 +35,13 @@ std::string Protect(std::string& plaintext) {
     return {reinterpret_cast<const char*>(output.pbData), output.cbData};
 }
 
-// Without line breaks: the reader of the item takes one for the end of the text.
+// No line breaks: the service stops reading the text at the first one.
 std::wstring Base64(const std::string& bytes) {
     constexpr DWORD kForm = CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF;
     constexpr char kFailure[] = "the protected refresh token cannot be written as text";
     const auto* const data = reinterpret_cast<const BYTE*>(bytes.data());
     const auto size = static_cast<DWORD>(bytes.size());
-    DWORD length = 0;  // with the terminating zero at first, without it at last
+    DWORD length = 0;  // the first call counts a terminating zero, the second does not
     RequireDone(CryptBinaryToStringW(data, size, kForm, nullptr, &length), kFailure);
     std::wstring text(length, L'\0');
     RequireDone(CryptBinaryToStringW(data, size, kForm, text.data(), &length), kFailure);

@@ -2,11 +2,12 @@
 #include <UserAuthService.h>
 
 #include <algorithm>
+#include <string_view>
 #include <system_error>
 
-#include "steps/PortraitFile.h"
 #include "steps/Steps.h"
 #include "system/PortraitWindow.h"
+#include "system/WindowsHandle.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -17,8 +18,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLongestPortrait{20};
 constexpr std::chrono::seconds kLongestFlush{2};
+constexpr DWORD kPollMilliseconds = 10;
 
-// A look-up that stores the user id; an empty one counts as a success to it, but not here.
+// Runs an operation that looks the user id up. The operation succeeds with an empty id, this step does not.
 StepResult LookUpUserId(SessionState& state, bool (UserAuthService::*lookUp)(), std::wstring& found) {
     const bool answered = (state.service->*lookUp)();
     found = answered ? state.service->GetCurrentUserID() : std::wstring();
@@ -37,7 +39,7 @@ bool IsAscii(const std::wstring& text) {
     return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c < 0x80; });
 }
 
-// Compares it with what the gateway said and with the parameter store.
+// Compares the id with the gateway's and with the one in the parameter store.
 StepResult LookUpAtSyncServer(SessionState& state) {
     StepResult result = AskSyncServer(state);
     if (!result.ok) {
@@ -51,8 +53,8 @@ StepResult LookUpAtSyncServer(SessionState& state) {
     } else if (IsAscii(state.syncServerUserId)) {
         return {false, result.detail + ", another user than the gateway's"};
     } else {
-        // The gateway's id is read in the system's code page.
-        result.detail += ", not the gateway's, as with ids beyond ASCII: this is the right one";
+        // The service reads the gateway's id in the ANSI code page and this one as UTF-8.
+        result.detail += ", not the gateway's: ids beyond ASCII are read in two code pages";
     }
     return result;
 }
@@ -74,7 +76,7 @@ StepResult ShowRegistration(SessionState& state) {
             }};
 }
 
-// One step with the wait, so that the portrait's download is among the exchanges that it shows.
+// Request and wait are one step, so that the step shows the portrait's download among its exchanges.
 StepResult RequestProfile(SessionState& state) try {
     UserAuthService& service = *state.service;
     if (!state.window) {
@@ -86,7 +88,7 @@ StepResult RequestProfile(SessionState& state) try {
     }
     const Clock::time_point answered = Clock::now();
     const bool arrived = state.window->WaitForMessage(kLongestPortrait);
-    // Every 200 is a success to the operation, also one that names nobody.
+    // The operation succeeds with every reply of status 200, also with one that names nobody.
     const bool named = !service.GetCurrentUserID().empty();
     const std::string message =
         arrived ? "portrait message after " + Milliseconds(Clock::now() - answered) : "no portrait message within 20 s";
@@ -100,6 +102,58 @@ StepResult RequestProfile(SessionState& state) try {
             }};
 } catch (const std::system_error& error) {
     return {false, std::string("the download's thread cannot be started: ") + error.what()};
+}
+
+std::string FaultText(DWORD error) {
+    switch (error) {
+        case ERROR_SHARING_VIOLATION:
+            return "the file is still being written";
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_FILE_NOT_FOUND:
+            return "there is no file: make its folder before the profile is requested";
+        default:
+            return "the file cannot be read: system error " + std::to_string(error);
+    }
+}
+
+std::string ImageType(std::string_view firstBytes) {
+    const struct {
+        std::string_view start;
+        const char* type;
+    } types[] = {{"\x89PNG\r\n\x1A\n", "PNG"}, {"\xFF\xD8\xFF", "JPEG"}, {"GIF87a", "GIF"}, {"GIF89a", "GIF"}};
+    for (const auto& [start, type] : types) {
+        if (firstBytes.substr(0, start.size()) == start) {
+            return type;
+        }
+    }
+    return "other";
+}
+
+struct PortraitFile {
+    std::string fault;  // why it cannot be read; empty when it was
+    std::uintmax_t bytes = 0;
+    std::string imageType = {};  // "PNG", "JPEG", "GIF" or "other", by its first bytes
+};
+
+// Looks at a downloaded portrait. The service announces the file before it closes it, so this waits while somebody has
+// the file open for writing, at most the given time.
+PortraitFile ReadPortraitFile(const std::filesystem::path& file, std::chrono::milliseconds longest) {
+    // Writing is not shared, so opening fails while the writer still has the file open.
+    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_DELETE;
+    const Clock::time_point end = Clock::now() + longest;
+    WindowsHandle handle = OpenFile(file, GENERIC_READ, kShare);
+    while (!handle && GetLastError() == ERROR_SHARING_VIOLATION && Clock::now() < end) {
+        Sleep(kPollMilliseconds);
+        handle = OpenFile(file, GENERIC_READ, kShare);
+    }
+    LARGE_INTEGER size = {};
+    char start[8] = {};
+    DWORD read = 0;
+    if (!handle || !GetFileSizeEx(handle.get(), &size) ||
+        !ReadFile(handle.get(), start, sizeof(start), &read, nullptr)) {
+        return {FaultText(GetLastError())};
+    }
+    return {"", static_cast<std::uintmax_t>(size.QuadPart), ImageType({start, read})};
 }
 
 StepResult ShowPortrait(SessionState& state) {

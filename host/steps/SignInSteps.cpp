@@ -3,8 +3,10 @@
 #include <UserAuthService.h>
 #include <windows.h>
 
-#include "platform/PlatformUrlForSdk.h"
-#include "steps/SignInOutcome.h"
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
 #include "steps/Steps.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
@@ -13,10 +15,60 @@ namespace host {
 namespace {
 
 constexpr std::chrono::seconds kLongestSignIn{15};
+// Environment variable with the platform's URL. The sandbox's SDK reads it when it is initialised, before its file.
+// Another SDK does not know it.
+constexpr wchar_t kPlatformVariable[] = L"ZVACCOUNTSDK_PLATFORM_URL";
 
-// Codes of the sandbox's SDK; another one's are its own business.
+// Codes of the sandbox's SDK. Another SDK has codes of its own.
 constexpr int kSdkConfigurationMissing = 101;
 constexpr int kSdkConfigurationInvalid = 102;
+
+// What the account SDK reported through the notification callback.
+struct SignInOutcome {
+    bool succeeded = false;
+    std::string authorizationCode;  // when it succeeded; a secret until it is used
+    std::string reason;             // when it failed
+    unsigned long threadId = 0;     // the thread that the callback ran on
+};
+
+// The last outcome of a sign-in waits here. There is one mailbox a process, since the callback has no context.
+struct Mailbox {
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::optional<SignInOutcome> outcome;
+};
+
+Mailbox& TheMailbox() {
+    // Never destroyed: the SDK may call back until the process is gone.
+    static Mailbox* const mailbox = new Mailbox;
+    return *mailbox;
+}
+
+// The callback to register. Any thread.
+void OnAccountNotification(MessageType type, char* first, char* second) {
+    SignInOutcome outcome;
+    outcome.threadId = GetCurrentThreadId();
+    if (type == MessageType::kSignInSucceeded) {
+        outcome.succeeded = true;
+        outcome.authorizationCode = first;
+    } else if (type == MessageType::kSignInFailed) {
+        outcome.reason = "account SDK code " + std::string(first) + ": " + second;
+    } else {
+        return;  // no outcome of a sign-in
+    }
+    Mailbox& mailbox = TheMailbox();
+    const std::lock_guard<std::mutex> guard(mailbox.mutex);
+    mailbox.outcome = std::move(outcome);
+    mailbox.arrived.notify_all();
+}
+
+// Waits for an outcome and takes it out of the mailbox; nothing when the time ran out.
+std::optional<SignInOutcome> WaitForSignInOutcome(std::chrono::milliseconds longest) {
+    Mailbox& mailbox = TheMailbox();
+    std::unique_lock<std::mutex> lock(mailbox.mutex);
+    mailbox.arrived.wait_for(lock, longest, [&mailbox] { return mailbox.outcome.has_value(); });
+    return std::exchange(mailbox.outcome, std::nullopt);
+}
 
 std::string MeaningOf(int sdkCode) {
     switch (sdkCode) {
@@ -48,12 +100,12 @@ std::string SdkPlatformUrl(const SessionState& state) {
 
 StepResult ConfigureSdk(SessionState& state) {
     const std::string url = SdkPlatformUrl(state);
-    // The sandbox's SDK speaks http only, and what another one wants is its own business.
-    if (state.options.sdkPlatformUrl.empty() && url.rfind("https://", 0) == 0) {
-        SetPlatformUrlForSdk("");
+    // The sandbox's SDK speaks http only. Another SDK is configured by its own file.
+    if (state.options.sdkPlatformUrl.empty() && AsciiLower(url).rfind("https://", 0) == 0) {
+        SetEnvironmentVariableW(kPlatformVariable, nullptr);
         return {true, "by its own file, since the platform is https: --sdk-platform URL names another URL"};
     }
-    SetPlatformUrlForSdk(url);
+    SetEnvironmentVariableW(kPlatformVariable, ToWide(url).c_str());
     return {true, "platform " + url};
 }
 
@@ -68,7 +120,7 @@ StepResult InitialiseSdk(SessionState& state) {
 }
 
 StepResult StartSignIn(SessionState& state) {
-    ForgetSignInOutcome();
+    WaitForSignInOutcome({});  // an earlier one goes
     return SdkResult("ZmsSignIn", static_cast<int>(state.service->ZmsSignIn()));
 }
 
@@ -93,7 +145,7 @@ StepResult ExchangeCode(SessionState& state) {
     return {exchanged, exchanged ? "" : SeeLog("RequestAT refused")};
 }
 
-// In the account state and in the parameter store.
+// The tokens are in the account state, and the same in the parameter store.
 StepResult CheckTokens(SessionState& state) {
     UserAuthService& service = *state.service;
     const GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();

@@ -8,7 +8,7 @@
 namespace host {
 
 // The steps of each stretch of a session, in order.
-std::vector<Step> SetUpSteps(bool withSandbox, bool needsPlatform);  // at last the service, which all others use
+std::vector<Step> SetUpSteps(bool withSandbox, bool needsPlatform);  // the last one creates the service
 std::vector<Step> SignInSteps();
 std::vector<Step> UserIdSteps();  // for commands whose requests name the user
 std::vector<Step> WhoAmISteps();
@@ -28,11 +28,11 @@ std::vector<Step> StatusSteps();
 std::vector<Step> SignOutSteps();
 std::vector<Step> CloseSteps();  // once the SDK was initialised
 
-// Likewise, of the demo only: with a sandbox of our own.
+// Steps of the demo only. They need the sandbox that it started.
 std::vector<Step> ComparedKeySteps();
 std::vector<Step> DemoContactsSteps();
 std::vector<Step> DemoRouteSteps();
-std::vector<Step> AccountSdkSteps();  // what else a client asks the SDK while somebody is signed in
+std::vector<Step> AccountSdkSteps();  // the SDK's other questions and requests
 std::vector<Step> ExpiredTokenSteps();
 
 }  // namespace host

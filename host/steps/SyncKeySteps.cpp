@@ -1,12 +1,16 @@
 #include <EventAdminModule.h>
 #include <ParamStore.h>
+#include <UserAuthTypes.h>
 #include <UserSyncKeyService.h>
+#include <windows.h>
+// After windows.h.
+#include <wincrypt.h>
 
 #include <algorithm>
 
 #include "platform/SandboxClient.h"
 #include "steps/Steps.h"
-#include "steps/SyncKeys.h"
+#include "system/WindowsHandle.h"
 #include "text/FieldText.h"
 #include "text/JsonObject.h"
 #include "text/TextEncoding.h"
@@ -14,8 +18,43 @@
 namespace host {
 namespace {
 
+// What may be shown of a sync key.
+struct SyncKey {
+    std::string name;      // "drive 1"
+    std::string dataType;  // kSyncDriveDataType or kCloudPhotoDataType
+    int keyType;           // kKeyType1 or kKeyType3
+    std::string uuid;
+    std::string fingerprint;
+};
+
+// SHA-256 of the key in lower-case hexadecimal digits; empty when there is no key. A field is one byte longer than its
+// key.
+template <std::size_t FieldBytes>
+std::string Fingerprint(const std::uint8_t (&field)[FieldBytes]) {
+    if (std::all_of(field, field + FieldBytes, [](std::uint8_t byte) { return byte == 0; })) {
+        return "";
+    }
+    BYTE digest[32] = {};
+    DWORD size = sizeof(digest);
+    RequireDone(CryptHashCertificate2(L"SHA256", 0, nullptr, field, FieldBytes - 1, digest, &size),
+                "the system gives no SHA-256");
+    std::string hex;
+    for (const unsigned byte : digest) {
+        hex += {"0123456789abcdef"[byte >> 4U], "0123456789abcdef"[byte & 0xFU]};
+    }
+    return hex;
+}
+
 std::vector<SyncKey> StoredKeys() {
-    return SyncKeysOf(GlobalParamWrapper::GetInstance()->GetUserInfo());
+    const st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
+    const std::string drive = ToUtf8(kSyncDriveDataType);
+    const std::string photo = ToUtf8(kCloudPhotoDataType);
+    return {
+        {"drive 1", drive, kKeyType1, ToUtf8(record.driveKeyUuid1), Fingerprint(record.driveKey1)},
+        {"drive 3", drive, kKeyType3, ToUtf8(record.driveKeyUuid3), Fingerprint(record.driveKey3)},
+        {"photo 1", photo, kKeyType1, ToUtf8(record.photoKeyUuid1), Fingerprint(record.photoKey1)},
+        {"photo 3", photo, kKeyType3, ToUtf8(record.photoKeyUuid3), Fingerprint(record.photoKey3)},
+    };
 }
 
 Table KeyTable() {
@@ -27,7 +66,7 @@ Table KeyTable() {
     return table;
 }
 
-// Counts the two events meanwhile. The hub runs listeners on the raising thread, which is ours.
+// Each service announces its key by one event. The hub runs listeners on the raising thread, which is this one.
 StepResult RetrieveKeys(SessionState&) {
     UserSyncKeyService service;
     const bool before = service.IsSyncDriveKeyInited() && service.IsCloudPhotoKeyInited();
@@ -55,7 +94,7 @@ bool IsSandboxKey(const Json::Value& entry, const SyncKey& key) {
            TextMember(entry, "sha256") == key.fingerprint;
 }
 
-// The sandbox tells uuid and fingerprint of the keys that it has for the account.
+// The sandbox tells the uuid and the fingerprint of each key of the account.
 StepResult CompareKeys(SessionState& state) {
     const std::optional<Json::Value> reply = AskSandbox(state.sandbox->Address().http, "/sandbox/user-keys");
     if (!reply || !(*reply)["keys"].isArray()) {

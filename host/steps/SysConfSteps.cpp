@@ -38,7 +38,7 @@ StepResult Activate(SessionState& state) {
         return {false, SeeLog()};
     }
     const bool now = service.IsActiveAccount();
-    const bool mustChange = state.sandbox != nullptr;  // its account starts without, and asking activates it
+    const bool mustChange = state.sandbox != nullptr;  // the sandbox's account is activated by this request
     return {!mustChange || (!before && now),
             std::string("activated before: ") + YesOrNo(before) + ", now: " + YesOrNo(now)};
 }
@@ -68,7 +68,7 @@ Table DeviceTable(const std::vector<DeviceTag>& devices) {
     return table;
 }
 
-// Whether the first is the one that reported here: the server has the newest first.
+// The server lists the newest device first. Whether that is the one that reported in this session.
 bool IsTheReport(const std::vector<DeviceTag>& devices, const std::string& business) {
     return !devices.empty() && ToUtf8(devices.front().opDesc).find("bus:" + business) != std::string::npos;
 }

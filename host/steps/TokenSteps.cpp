@@ -11,7 +11,7 @@ namespace {
 
 StepResult RequestApplicationToken(SessionState& state) {
     const bool answered = state.service->RequestApplicationAT();
-    // Every 200 is a success to the operation, also one without a token.
+    // The operation succeeds with every reply of status 200, also with one without a token.
     const std::wstring token = GlobalParamWrapper::GetInstance()->GetAppAT();
     return {answered && !token.empty(), answered ? LengthOnly(token) + " in parameter store" : SeeLog()};
 }
@@ -22,7 +22,7 @@ struct RefreshAttempt {
     bool onCallingThread = true;
 };
 
-// Refreshes with an AT-expiry callback of its own, which it takes away again.
+// Refreshes while an AT-expiry callback of ours is set.
 RefreshAttempt AttemptRefresh(UserAuthService& service) {
     RefreshAttempt attempt;
     const DWORD caller = GetCurrentThreadId();
@@ -54,13 +54,13 @@ StepResult Refresh(SessionState& state) {
     const std::wstring now = state.service->GetCurrentAT();
     const bool changed = now != before;
     const bool stored = store.GetCurrentAt() == now && !store.GetAtIsExpired();
-    const bool mustChange = state.sandbox != nullptr;  // it never issues a token twice
+    const bool mustChange = state.sandbox != nullptr;  // the sandbox never issues a token twice
     return {stored && (changed || !mustChange), "access token " + LengthOnly(now) +
                                                     (changed ? ", changed" : ", not changed") +
                                                     "; expired in parameter store: " + YesOrNo(store.GetAtIsExpired())};
 }
 
-// The sandbox answers a refresh with a revoked token with 200 and without a token.
+// To a revoked refresh token the sandbox answers status 200 without a token.
 StepResult RefreshInVain(SessionState& state) {
     if (!TellSandbox(state.sandbox->Address().http, "/sandbox/revoke", "{\"kind\":\"refresh\"}")) {
         return {false, "the sandbox does not revoke the refresh token"};

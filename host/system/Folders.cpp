@@ -12,9 +12,8 @@ namespace {
 
 // Longest path that the system's wide interfaces know, in characters.
 constexpr std::size_t kLongestPath = 32768;
-constexpr int kAttempts = 10;
 
-// 64 random bits of the system's as decimal digits.
+// 64 random bits as decimal digits.
 std::string RandomDigits() {
     std::random_device random;
     return std::to_string((std::uint64_t{random()} << 32U) | random());
@@ -28,15 +27,11 @@ std::filesystem::path ProgramFolder() {
     return std::filesystem::path(path).parent_path();
 }
 
-TemporaryFolder::TemporaryFolder() {
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        m_path = std::filesystem::temp_directory_path() / ("userauth-" + RandomDigits());
-        // False for one that is there: another user may have made it.
-        if (std::filesystem::create_directory(m_path)) {
-            return;
-        }
+TemporaryFolder::TemporaryFolder() : m_path(std::filesystem::temp_directory_path() / ("userauth-" + RandomDigits())) {
+    // False when the folder is there already: another user may have made it.
+    if (!std::filesystem::create_directory(m_path)) {
+        throw HostError(kExitStepFailed, m_path.u8string() + " is there already: try again");
     }
-    throw HostError(kExitStepFailed, "cannot make a folder of our own in the system's temporary folder");
 }
 
 TemporaryFolder::~TemporaryFolder() {

@@ -4,6 +4,7 @@
 #include <UserAuthTypes.h>
 #include <windows.h>
 
+#include "system/Interruption.h"
 #include "system/WindowsHandle.h"
 
 namespace host {
@@ -11,7 +12,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Wine ends its desktop with the last program that has a window: one that starts at that moment gets none.
+// Wine ends its desktop with the last program that has a window. A program that starts at that moment gets no window.
 constexpr int kAttempts = 5;
 constexpr DWORD kPauseMilliseconds = 200;
 
@@ -19,7 +20,7 @@ HWND MakeWindow() {
     HWND window = nullptr;
     for (int attempt = 0; !window && attempt < kAttempts; ++attempt) {
         Sleep(attempt == 0 ? 0 : kPauseMilliseconds);
-        // A class of the system's serves, since the message is taken from the queue and not dispatched.
+        // Any class will do: the message is taken from the queue and reaches no window procedure.
         window = CreateWindowExW(0, L"STATIC", L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     }
     RequireDone(window, "cannot make a window");
@@ -52,10 +53,11 @@ bool PortraitWindow::WaitForMessage(std::chrono::milliseconds longest) {
     const Clock::time_point end = Clock::now() + longest;
     while (!TakeMessage(m_window)) {
         const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (rest <= 0) {
+        if (rest <= 0 || Interrupted()) {
             return false;
         }
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(rest), QS_POSTMESSAGE);
+        const HANDLE interruption = InterruptionEvent();
+        MsgWaitForMultipleObjects(1, &interruption, FALSE, static_cast<DWORD>(rest), QS_POSTMESSAGE);
     }
     return true;
 }

@@ -16,10 +16,10 @@ public:
     PortraitWindow(const PortraitWindow&) = delete;
     PortraitWindow& operator=(const PortraitWindow&) = delete;
 
-    // Drops what has come so far; before a profile is requested.
+    // Drops the messages that have come so far. To be called before a profile is requested.
     void Forget();
 
-    // Waits until a portrait-changed message has come; false when the time ran out.
+    // Waits until a portrait-changed message has come; false when the time ran out, or the person interrupts.
     bool WaitForMessage(std::chrono::milliseconds longest);
 
 private:

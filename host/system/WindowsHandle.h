@@ -17,7 +17,7 @@ struct HandleClose {
 // An owned kernel handle; null when there is none.
 using WindowsHandle = std::unique_ptr<void, HandleClose>;
 
-// Opens a file that exists; null, and the cause in GetLastError, when that fails. share: what others may do meanwhile,
+// Opens a file that exists. Null when that fails; GetLastError tells the cause. share: what others may do meanwhile,
 // FILE_SHARE_*.
 inline WindowsHandle OpenFile(const std::filesystem::path& file, DWORD access, DWORD share) {
     const HANDLE handle =
@@ -25,7 +25,7 @@ inline WindowsHandle OpenFile(const std::filesystem::path& file, DWORD access, D
     return WindowsHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-// Throws HostError with kExitStepFailed, what failed and the system's error code, unless the call was done.
+// Checks a call of the system. Throws HostError with kExitStepFailed, the text and GetLastError unless it was done.
 inline void RequireDone(bool done, const std::string& failure) {
     if (!done) {
         throw HostError(kExitStepFailed, failure + ": system error " + std::to_string(GetLastError()));
