@@ -52,13 +52,13 @@ bool HasEndlessNumber(const std::string& text) {
 }
 
 // Every parse goes through here.
-template <typename Reader>
-bool Parse(const std::string& text, Reader&& reader) {
+template <typename Read>
+bool Parse(const std::string& text, const Read& read) {
     if (HasEndlessNumber(text)) {
         return false;
     }
     try {
-        return reader(text.data(), text.data() + text.size());
+        return read(text.data(), text.data() + text.size());
     } catch (const std::exception&) {
         return false;
     }
