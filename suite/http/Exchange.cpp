@@ -194,6 +194,9 @@ private:
         m_connectionsMade += InfoOf(handle, CURLINFO_NUM_CONNECTS);
         m_connectionsTaken += InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 ? 1 : 0;
         m_outcome.code = static_cast<int>(InfoOf(handle, CURLINFO_RESPONSE_CODE));
+        if (result == CURLE_OK && m_sink.EndsWithConnection() && m_handle->lastCloseWasReset) {
+            result = CURLE_RECV_ERROR;
+        }
         if (m_sink.Finish(result)) {
             return true;
         }

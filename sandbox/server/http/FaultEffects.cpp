@@ -68,7 +68,7 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
     if (ReplacesBody(fault)) {
         reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
     }
-    if (fault.contentLength) {
+    if (fault.contentLength || fault.unframed) {
         reply.chunked = false;
     }
     if (fault.wrongTypes) {
@@ -86,7 +86,7 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
 }
 
 bool ShapesDelivery(const Fault& fault) {
-    return fault.cutAfter || fault.contentLength || fault.stall > std::chrono::milliseconds::zero();
+    return fault.cutAfter || fault.contentLength || fault.unframed || fault.stall > std::chrono::milliseconds::zero();
 }
 
 Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
@@ -98,6 +98,9 @@ Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     delivery.pause = fault.stall;
     // A cut is visible, unless the fault itself announces a length that fits: more is announced than is sent.
     delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
+    if (fault.unframed) {
+        delivery.announced.reset();
+    }
     delivery.close = delivery.announced != sent;
     return delivery;
 }

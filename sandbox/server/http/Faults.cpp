@@ -51,6 +51,7 @@ const std::map<std::string, MemberReader>& MemberReaders() {
         {"body", Text(&Fault::body)},
         {"garbage", Switch(&Fault::garbage)},
         {"wrongTypes", Switch(&Fault::wrongTypes)},
+        {"unframed", Switch(&Fault::unframed)},
         {"status", WholeNumber(200, 599, [](Fault& f, unsigned v) { f.status = static_cast<int>(v); })},
         {"delayMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.delay = milliseconds(v); })},
         {"stallMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.stall = milliseconds(v); })},
@@ -84,8 +85,8 @@ ParsedFault ParseFault(const Json::Value& description) {
     }
     if (description.size() == (description.isMember("times") ? 2U : 1U)) {
         return {{},
-                "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, body, garbage, "
-                "oversize or wrongTypes"};
+                "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, unframed, body, "
+                "garbage, oversize or wrongTypes"};
     }
     return parsed;
 }
