@@ -23,6 +23,15 @@ constexpr std::size_t kMaxIdleHandles = 16;
 // libcurl takes up no connection that was idle for longer than 118 s.
 constexpr std::chrono::seconds kMaxIdleTime(120);
 
+// Not every system tells the reader: Wine reads a reset as an orderly end. Sending nothing asks again.
+bool WasReset(curl_socket_t socket) {
+#if defined(_WIN32)
+    return send(socket, "", 0, 0) < 0;
+#else
+    return false;
+#endif
+}
+
 int CloseNative(curl_socket_t socket) {
 #if defined(_WIN32)
     return closesocket(socket);
@@ -34,13 +43,13 @@ int CloseNative(curl_socket_t socket) {
 void LockShared(CURL* handle, curl_lock_data data, curl_lock_access access, void* locks);
 void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
 
-curl_socket_t OpenSocket(void* sockets, curlsocktype, curl_sockaddr* address) {
+curl_socket_t OpenSocket(void* handle, curlsocktype, curl_sockaddr* address) {
     const curl_socket_t opened = socket(address->family, address->socktype, address->protocol);
     if (opened == CURL_SOCKET_BAD) {
         return opened;
     }
     try {
-        static_cast<std::vector<curl_socket_t>*>(sockets)->push_back(opened);
+        static_cast<CurlHandle*>(handle)->sockets.push_back(opened);
         return opened;
     } catch (const std::bad_alloc&) {
         CloseNative(opened);
@@ -48,8 +57,10 @@ curl_socket_t OpenSocket(void* sockets, curlsocktype, curl_sockaddr* address) {
     }
 }
 
-int CloseSocket(void* sockets, curl_socket_t closed) {
-    auto& open = *static_cast<std::vector<curl_socket_t>*>(sockets);
+int CloseSocket(void* data, curl_socket_t closed) {
+    auto& handle = *static_cast<CurlHandle*>(data);
+    handle.lastCloseWasReset = WasReset(closed);
+    auto& open = handle.sockets;
     open.erase(std::remove(open.begin(), open.end(), closed), open.end());
     return CloseNative(closed);
 }
@@ -192,9 +203,9 @@ CurlLease LeaseCurlHandle() {
 
 void SetSocketOptions(CurlHandle& handle) {
     SetCurlOption(handle.easy, CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
-    SetCurlOption(handle.easy, CURLOPT_OPENSOCKETDATA, &handle.sockets);
+    SetCurlOption(handle.easy, CURLOPT_OPENSOCKETDATA, &handle);
     SetCurlOption(handle.easy, CURLOPT_CLOSESOCKETFUNCTION, &CloseSocket);
-    SetCurlOption(handle.easy, CURLOPT_CLOSESOCKETDATA, &handle.sockets);
+    SetCurlOption(handle.easy, CURLOPT_CLOSESOCKETDATA, &handle);
 }
 
 }  // namespace suite

@@ -13,6 +13,7 @@ namespace suite {
 struct CurlHandle {
     CURL* easy = nullptr;
     std::vector<curl_socket_t> sockets;
+    bool lastCloseWasReset = false;  // by the peer
 };
 
 struct ReturnToPool {

@@ -141,8 +141,6 @@ private:
             return Fail({kHttpInvalidRequest, "the URL is malformed"});
         }
         m_outcome.host = url->authority;
-        // Given back between the hops: the pool looks at the connections of what it hands out.
-        m_handle.reset();
         m_handle = LeaseCurlHandle();
         if (!m_handle) {
             return Fail({kHttpInternalError, "libcurl cannot be started"});
@@ -151,7 +149,6 @@ private:
         const bool isHttps = url->scheme == "https";
         std::array<char, CURL_ERROR_SIZE> detail = {};
         const HeaderList headers = BuildHeaderList(request);
-        curl_easy_reset(handle);
         SetRequestOptions(handle, request, headers.get());
         SetConnectionOptions(handle, *url);
         SetSocketOptions(*m_handle);
@@ -163,13 +160,14 @@ private:
             return Fail({kHttpTimeout, "time limit reached"});
         }
         m_sink.Attach(handle, isHttps);
-        // A kept connection that ends before a single byte of the reply makes libcurl send the request, a POST too,
-        // once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
+        // A kept connection that ends before the first line of the reply is whole makes libcurl send the request, a POST
+        // too, once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
         // fail a login.
         const CURLcode result = curl_easy_perform(handle);
         const bool complete = Judge(result, detail.data());
-        // The options point into this frame.
-        curl_easy_reset(handle);
+        // Given back between the hops too: the options point into this frame, and the pool looks at the connections of
+        // what it hands out.
+        m_handle.reset();
         return complete;
     }
 
@@ -178,6 +176,9 @@ private:
         m_connectionsMade += InfoOf(handle, CURLINFO_NUM_CONNECTS);
         m_connectionsTaken += InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 ? 1 : 0;
         m_outcome.code = static_cast<int>(InfoOf(handle, CURLINFO_RESPONSE_CODE));
+        if (result == CURLE_OK && m_sink.EndsWithConnection() && m_handle->lastCloseWasReset) {
+            result = CURLE_RECV_ERROR;
+        }
         if (m_sink.Finish(result)) {
             return true;
         }

@@ -58,6 +58,10 @@ bool ReplySink::Finish(CURLcode result) {
     return m_download == nullptr || !m_redirectTarget.empty() || Deliver("", 0, true);
 }
 
+bool ReplySink::EndsWithConnection() const {
+    return HasHead() && m_head->HasBody() && !m_head->IsChunked() && !m_head->Length();
+}
+
 std::map<std::string, std::string> ReplySink::TakeHeaders() {
     return m_head ? m_head->TakeFields() : std::map<std::string, std::string>();
 }
@@ -104,7 +108,7 @@ bool ReplySink::BeginBody() {
         return endsSoon || Stop();
     }
     // libcurl does not tell an orderly end of a TLS connection from a cut one.
-    if (m_isHttps && !length && !m_head->IsChunked()) {
+    if (m_isHttps && EndsWithConnection()) {
         return Refuse(kHttpConnectionBroken, "the reply over https has neither a length nor chunks");
     }
     DecoderChoice choice = ChooseDecoder(m_head->Codings());

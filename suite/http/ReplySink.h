@@ -39,6 +39,8 @@ public:
     const TransportFailure& Failure() const { return m_failure; }
     // False while nothing but a part of the head has come.
     bool HasHead() const { return m_head && m_head->IsComplete(); }
+    // True when nothing but the end of the connection ends the body.
+    bool EndsWithConnection() const;
     // Target of a redirect reply as the server wrote it; empty for any other reply.
     const std::string& RedirectTarget() const { return m_redirectTarget; }
 

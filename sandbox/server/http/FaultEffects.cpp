@@ -69,7 +69,7 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
     if (ReplacesBody(fault)) {
         reply.stream.reset();  // reply.body, which is empty then, is what changes below
     }
-    if (fault.contentLength) {
+    if (fault.contentLength || fault.unframed) {
         reply.chunked = false;
     }
     if (fault.wrongTypes) {
@@ -91,7 +91,7 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
 }
 
 bool ShapesDelivery(const Fault& fault) {
-    return fault.cutAfter || fault.contentLength || fault.stall > std::chrono::milliseconds::zero();
+    return fault.cutAfter || fault.contentLength || fault.unframed || fault.stall > std::chrono::milliseconds::zero();
 }
 
 Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
@@ -103,6 +103,9 @@ Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     delivery.pause = fault.stall;
     // A reply that is cut announces more than is sent, so that the peer sees the cut. The fault's own length wins.
     delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
+    if (fault.unframed) {
+        delivery.announced.reset();
+    }
     delivery.close = delivery.announced != sent;
     return delivery;
 }

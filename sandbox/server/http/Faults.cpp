@@ -15,7 +15,7 @@ constexpr unsigned kMostTimes = 1'000'000;
 
 bool DoesSomething(const Fault& fault) {
     return fault.status || fault.delay.count() > 0 || fault.stall.count() > 0 || fault.cutAfter ||
-           fault.contentLength || fault.body || fault.oversize || fault.garbage || fault.wrongTypes;
+           fault.contentLength || fault.body || fault.oversize || fault.garbage || fault.wrongTypes || fault.unframed;
 }
 
 // Why the members do not go together; null when they do.
@@ -28,8 +28,8 @@ const char* Contradiction(const Fault& fault) {
     }
     return DoesSomething(fault)
                ? nullptr
-               : "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, body, garbage, "
-                 "oversize or wrongTypes";
+               : "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, unframed, body, "
+                 "garbage, oversize or wrongTypes";
 }
 
 }  // namespace
@@ -49,6 +49,7 @@ Fault ReadFault(const Json::Value& description) {
     fault.oversize = order.Number("oversize", 1, kLargestBody);
     fault.garbage = order.Switch("garbage").value_or(false);
     fault.wrongTypes = order.Switch("wrongTypes").value_or(false);
+    fault.unframed = order.Switch("unframed").value_or(false);
     fault.times = order.Number("times", 1, kMostTimes);
     order.RefuseOthers();
     if (const char* reason = Contradiction(fault)) {

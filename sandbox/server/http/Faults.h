@@ -20,6 +20,7 @@ struct Fault {
     std::optional<std::size_t> stallAfter;     // bytes of the body that go before a stall; half of it without this
     std::optional<std::size_t> cutAfter;       // bytes of the body, then the connection is closed
     std::optional<std::size_t> contentLength;  // announced instead of the true one; the connection is closed afterwards
+    bool unframed = false;                     // neither length nor chunks: the connection's end ends the body
     std::optional<std::string> body;           // instead of the endpoint's own
     std::optional<std::size_t> oversize;       // the reply padded to this many bytes
     bool garbage = false;                      // random bytes that are no JSON instead of the body

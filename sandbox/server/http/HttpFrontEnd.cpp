@@ -127,7 +127,9 @@ void HttpFrontEnd::Deliver(PlatformReply reply, const Delivery& delivery, httpli
         response.set_chunked_content_provider(contentType, send);
         return;
     }
-    response.set_header("Content-Length", std::to_string(delivery.announced));
+    if (delivery.announced) {
+        response.set_header("Content-Length", std::to_string(*delivery.announced));
+    }
     // Without a length of its own the library sends what the function writes, whatever the header announces.
     response.set_content_provider(contentType, send);
 }
