@@ -80,7 +80,7 @@ DWORD PolicyError(PCCERT_CHAIN_CONTEXT chain, std::wstring serverName) {
     return judged != FALSE ? status.dwError : static_cast<DWORD>(E_FAIL);
 }
 
-// What stands in the chain's trust status, worst first. Every fault refuses, also one that the policy for TLS leaves out.
+// What stands in the chain's trust status, worst first. Every fault refuses, one that the policy for TLS passes too.
 int ErrorOfFaults(DWORD faults) {
     const struct {
         DWORD bits;
