@@ -27,6 +27,7 @@ struct LoggerSettings {
     // process writes there, both names get "-" and the process id: "client.log" becomes "client-4711.log", which its
     // first line explains and nobody deletes. "client.log.lock" exists as long as "client.log" is taken.
     std::wstring file;
+    // A full file becomes "client.1.log" and so on; one that cannot be moved because somebody reads it grows meanwhile.
     std::size_t maxFileBytes = 5 * 1024 * 1024;
     std::size_t maxFiles = 3;
     // Lowest severity that the console (standard error) shows; the file takes every line.

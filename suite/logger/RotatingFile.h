@@ -8,8 +8,8 @@
 
 namespace suite {
 
-// A file that moves to "NAME.1.EXT" when it is full, that one to "NAME.2.EXT" and so on; the oldest goes. While the file
-// cannot be moved, because somebody reads it, it grows: the library's own sink would empty it. For one thread.
+// A file that moves to "NAME.1.EXT" when it is full, that one to "NAME.2.EXT" and so on; the oldest goes. While the
+// file cannot be moved, because somebody reads it, it grows: the library's own sink would empty it. For one thread.
 class RotatingFile final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
 public:
     // Throws when the file cannot be opened.

@@ -8,11 +8,9 @@
 #include <string_view>
 #include <thread>
 
-namespace spdlog {
-namespace sinks {
+namespace spdlog::sinks {
 class sink;
 }
-}  // namespace spdlog
 
 namespace suite {
 
