@@ -22,6 +22,10 @@ without=(
 # Shared, without programs: the service and the HTTP library share one libcrypto.
 recipe() {
   cd source || return
+  # "no-autoload-config" forgets the object table: decoding any key or certificate would still load what OPENSSL_CONF names.
+  # Without this one place, a configuration is loaded only for a program that asks for it by OPENSSL_config.
+  sed -i 's/if (opts & OPENSSL_INIT_LOAD_CONFIG) {/if ((opts \& OPENSSL_INIT_LOAD_CONFIG) \&\& settings != NULL) {/' crypto/init.c
+  grep -q 'OPENSSL_INIT_LOAD_CONFIG) && settings' crypto/init.c
   ./Configure mingw64 --cross-compile-prefix=x86_64-w64-mingw32- --libdir=lib shared "${without[@]/#/no-}"
   # With a drive, and writable for administrators only: without one, any local user could make the folder on the current
   # drive. Given here, because Configure on this machine takes a path with a drive for a relative one.
