@@ -24,7 +24,8 @@ public:
         const ULONGLONG deadline = GetTickCount64() + 15000;
         do {
             MSG message{};
-            while (PeekMessageW(&message, m_window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) != FALSE) {
+            while (PeekMessageW(&message, m_window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) !=
+                   FALSE) {
                 EXPECT_EQ(message.wParam, 0U);
                 EXPECT_EQ(message.lParam, 0);
                 ++count;

@@ -80,6 +80,13 @@ int SandboxServer::Requests(const std::string& endpoint) {
     return Control("/sandbox/statistics")["requests"][endpoint].asInt();
 }
 
+void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
+    for (int tries = 0; tries < 1000 && Requests(endpoint) < count; ++tries) {
+        Sleep(10);
+    }
+    EXPECT_GE(Requests(endpoint), count) << endpoint;
+}
+
 std::map<std::wstring, std::wstring> SandboxServer::PortalCookies() {
     std::map<std::wstring, std::wstring> cookies;
     const Json::Value login = Control("/sandbox/portal-login");

@@ -21,6 +21,8 @@ public:
     void Fault(const std::string& endpoint, const std::string& faultJson);
     // How often the endpoint has been asked.
     int Requests(const std::string& endpoint);
+    // Waits 10 seconds for the request with that number.
+    void AwaitRequest(const std::string& endpoint, int count);
     // What a browser holds that is signed in at the contacts portal.
     std::map<std::wstring, std::wstring> PortalCookies();
     std::wstring Url(const std::string& path) const { return Wide(m_http + path); }

@@ -33,7 +33,7 @@ protected:
                 R"({"userId":")" + Narrow(m_service->GetCurrentUserID()) + R"(","profilePhotoLink":")" + url + "\"}")});
         }
         UsePlatform(Narrow(m_profile->Url(L"")));
-        EXPECT_TRUE(m_service->RequestUserInfo() && m_window.MessageArrives());
+        EXPECT_TRUE(m_service->RequestUserInfo() && m_window.Messages(1) == 1);
         return !m_service->GetCurrentUserHeadImageLocalPath().empty();
     }
 
