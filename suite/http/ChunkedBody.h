@@ -6,8 +6,8 @@
 
 namespace suite {
 
-// Takes the chunks of a body apart (RFC 9112, 7.1), strictly and to the last byte: libcurl counts a body as whole before
-// its last line feed has come. Chunk extensions and trailers are read and dropped.
+// Takes the chunks of a body apart (RFC 9112, 7.1), strictly and to the last byte: libcurl counts a body as whole
+// before its last line feed has come. Chunk extensions and trailers are read and dropped.
 class ChunkedBody {
 public:
     enum class Result {

@@ -7,8 +7,8 @@
 
 namespace suite {
 
-// Undoes one content coding while the bytes come. The coding's own end is required: a compressed body that was cut looks
-// whole to everybody else.
+// Undoes one content coding while the bytes come. The coding's own end is required: a compressed body that was cut
+// looks whole to everybody else.
 class ContentDecoder {
 public:
     // Receives a block of decoded bytes; false ends the decoding.
@@ -27,8 +27,8 @@ struct DecoderChoice {
 };
 
 // The decoder for the value of "Content-Encoding": one of gzip (x-gzip), deflate (in zlib's wrapping or raw) and br;
-// "identity" and "none" mean nothing. Several codings on top of each other are not known: nobody asks for them, and what
-// they unfold to multiplies. Throws what a lack of memory throws.
+// "identity" and "none" mean nothing. Several codings on top of each other are not known: nobody asks for them, and
+// what they unfold to multiplies. Throws what a lack of memory throws.
 DecoderChoice ChooseDecoder(std::string_view codings);
 
 }  // namespace suite

@@ -160,9 +160,9 @@ private:
             return Fail({kHttpTimeout, "time limit reached"});
         }
         m_sink.Attach(handle, isHttps);
-        // A kept connection that ends before the first line of the reply is whole makes libcurl send the request, a POST
-        // too, once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
-        // fail a login.
+        // A kept connection that ends before the first line of the reply is whole makes libcurl send the request, a
+        // POST too, once more on a new one. Deliberate: else a server that closes an idle connection at the wrong
+        // moment would fail a login.
         const CURLcode result = curl_easy_perform(handle);
         const bool complete = Judge(result, detail.data());
         // Given back between the hops too: the options point into this frame, and the pool looks at the connections of

@@ -125,7 +125,7 @@ bool ReplySink::AcceptBody(const char* data, std::size_t size) {
     }
     m_receivedBytes += size;
     if (m_download != nullptr && !m_pace.Accept(std::chrono::steady_clock::now(), size)) {
-        return Refuse(kHttpTimeout, "the download is too slow");
+        return m_isUnread ? Stop() : Refuse(kHttpTimeout, "the download is too slow");
     }
     if (m_isUnread) {
         return m_receivedBytes <= kMaxUnreadBytes || Stop();

@@ -17,8 +17,8 @@
 
 namespace suite {
 
-// Receives the replies of one exchange and decides which of them are whole. The decoded body becomes the text or goes to
-// a download's handler, both within their limits; the body of a redirect or of a download's error page goes nowhere.
+// Receives the replies of one exchange and decides which of them are whole. The decoded body becomes the text or goes
+// to a download's handler, both within their limits; the body of a redirect or of a download's error page goes nowhere.
 class ReplySink {
 public:
     // download: null collects the text. keepsHeaders: whether TakeHeaders is to have anything.

@@ -149,20 +149,20 @@ struct HttpExchange {
 //
 // A reply counts when it is whole, to its last byte; anything less is kHttpConnectionBroken:
 // - Its head begins with an HTTP/1.0 or 1.1 status line and ends with an empty line. An interim reply (1xx) is none.
-// - Its body has the announced length, or all of its chunks. Without either it ends with an orderly close over http; over
-//   https it is refused, because a cut TLS connection looks the same.
-// - It says so in one way: two lengths that differ, a length beside chunks, a length that is no number, a transfer coding
-//   other than "chunked", or such a field on several lines are refused.
+// - Its body has the announced length, or all of its chunks. Without either it ends with an orderly close over http;
+//   over https it is refused, because a cut TLS connection looks the same.
+// - It says so in one way: two lengths that differ, a length beside chunks, a length that is no number, a transfer
+//   coding other than "chunked", or such a field continued on a second line are refused.
 // A redirect, and the error page of a download, are whole at the end of their head.
 // Bytes behind a reply's end are dropped together with the connection.
 //
-// Encodings that are undone, whether they were asked for or not: gzip (x-gzip), deflate (with zlib's wrapping or raw) and
-// br, one at a time, a single gzip member. The encoded body must come to its own end, with nothing behind it; an empty
-// body under an encoding is kHttpBadEncoding, but for the statuses 204 and 304.
+// Encodings that are undone, asked for or not: gzip (x-gzip), deflate (with zlib's wrapping or raw) and br, one at a
+// time, a single gzip member. The encoded body must come to its own end, with nothing behind it; an empty body under an
+// encoding is kHttpBadEncoding, but for the statuses 204 and 304.
 //
-// kHttpReplyTooLarge: headers of more than 256 KiB or 1,000 lines, or one line of more than 100 KiB; a text of more than
-// 16 MiB after decoding; a download beyond its handler's limit; an encoded body that unfolds to more than 200 times its
-// size, the first MiB excepted; an announced length of more than 18 digits.
+// kHttpReplyTooLarge: headers of more than 256 KiB or 1,000 lines, or one line of more than 100 KiB; a text of more
+// than 16 MiB after decoding; a download beyond its handler's limit; an encoded body that unfolds to more than 200
+// times its size, the first MiB excepted; an announced length of more than 18 digits.
 class HTTPLIB_API CurlHttpLibContext {
 public:
     // strategy: not null, must outlive the context.
