@@ -50,16 +50,16 @@ const std::set<std::string> kPublished = {
     "_ZN15UserAuthService14RegisterLogoutERNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES6_",
     "_ZN15UserAuthService14SetRealUserKeyESt6vectorIhSaIhEE",
     "_ZN15UserAuthService15ContractsCountsENSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE",
-    "_ZN15UserAuthService15ExportContractsENSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEES5_St3mapIS5_S5_"
-    "St4lessIS5_ESaISt4pairIKS5_S5_EEE",
+    ("_ZN15UserAuthService15ExportContractsENSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEES5_St3mapIS5_S5_"
+     "St4lessIS5_ESaISt4pairIKS5_S5_EEE"),
     "_ZN15UserAuthService15InitPcAvailableERN4Json5ValueE",
     "_ZN15UserAuthService15IsActiveAccountEv",
     "_ZN15UserAuthService15ReportLoginTimeENSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE",
     "_ZN15UserAuthService15RequestUserInfoEv",
     "_ZN15UserAuthService15UnInitializeSDKEv",
     "_ZN15UserAuthService16GetCurrentUserIDB5cxx11Ev",
-    "_ZN15UserAuthService16GetRtqRemoteInfoENSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEERSt3mapINS1_IcS2_"
-    "IcESaIcEEES9_St4lessIS9_ESaISt4pairIKS9_S9_EEE",
+    ("_ZN15UserAuthService16GetRtqRemoteInfoENSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEERSt3mapINS1_IcS2_"
+     "IcESaIcEEES9_St4lessIS9_ESaISt4pairIKS9_S9_EEE"),
     "_ZN15UserAuthService16GetSysConfigInfoERNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE",
     "_ZN15UserAuthService16UpdateRegistInfoEv",
     "_ZN15UserAuthService16__autoclassinit2Ey",
@@ -99,10 +99,10 @@ const std::set<std::string> kPublished = {
     "_ZN15UserAuthServiceC2Ev",
     "_ZN15UserAuthServiceD1Ev",
     "_ZN15UserAuthServiceD2Ev",
-    "_ZN18UserSyncKeyService13encodeUserKeyERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES7_S7_"
-    "RKiRKSt6vectorIhSaIhEERKNS1_IwS2_IwESaIwEEE",
-    "_ZN18UserSyncKeyService14getUserKeyListERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEES5_"
-    "St6vectorIhSaIhEES7_",
+    ("_ZN18UserSyncKeyService13encodeUserKeyERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEES7_S7_"
+     "RKiRKSt6vectorIhSaIhEERKNS1_IwS2_IwESaIwEEE"),
+    ("_ZN18UserSyncKeyService14getUserKeyListERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEES5_"
+     "St6vectorIhSaIhEES7_"),
     "_ZN18UserSyncKeyService15InitUserSyncKeyEv",
     "_ZN18UserSyncKeyService16ClearUserSyncKeyEv",
     "_ZN18UserSyncKeyService20IsSyncDriveKeyInitedEv",
