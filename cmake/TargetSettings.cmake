@@ -6,6 +6,16 @@ target_compile_definitions(project_settings INTERFACE UNICODE _UNICODE NOMINMAX 
                            # The service calls the 1.1 interface; 3.x builds it too and must not warn about it.
                            OPENSSL_API_COMPAT=0x10100000L)
 if(MSVC)
+  # Standard-library types cross the borders of the suite's DLLs: one DLL frees what another allocated, and so all must share
+  # one C runtime. The flags count too, and a static triplet of the package manager decides the runtime by itself.
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+  if((CMAKE_MSVC_RUNTIME_LIBRARY AND NOT CMAKE_MSVC_RUNTIME_LIBRARY MATCHES "DLL$")
+     OR "${CMAKE_C_FLAGS} ${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}} " MATCHES "[/-]MTd? "
+     OR VCPKG_CRT_LINKAGE STREQUAL "static"
+     OR (VCPKG_TARGET_TRIPLET MATCHES "-static" AND NOT VCPKG_TARGET_TRIPLET MATCHES "-static-md"))
+    message(FATAL_ERROR "A static C runtime (/MT) gives each DLL a heap of its own, but strings and maps of the standard "
+                        "library cross our DLL borders: build with /MD.")
+  endif()
   # C4251: exported classes hold standard-library members; suite and host are built with one compiler and runtime.
   # /sdl makes the compiler generate __autoclassinit2.
   target_compile_options(project_settings INTERFACE /W4 /WX /wd4251 /sdl /utf-8 /guard:cf /permissive-)

@@ -2,7 +2,7 @@
 # made, one a library; without it (MSVC) a package manager supplies them.
 
 if(USERAUTH_THIRD_PARTY)
-  foreach(library IN ITEMS openssl jsoncpp curl zlib brotli httplib spdlog cli11 googletest)
+  foreach(library IN ITEMS openssl jsoncpp curl zlib brotli httplib spdlog fmt cli11 googletest)
     if(NOT EXISTS "${USERAUTH_THIRD_PARTY}/${library}")
       message(FATAL_ERROR "${library} is missing under ${USERAUTH_THIRD_PARTY}: run ./dev setup first")
     endif()
@@ -28,16 +28,22 @@ endfunction()
 userauth_header_only(third_party_httplib httplib.h)
 userauth_header_only(third_party_cli11 CLI/CLI.hpp)
 userauth_header_only(third_party_spdlog spdlog/spdlog.h)
+userauth_header_only(third_party_fmt fmt/core.h)
+target_link_libraries(third_party_spdlog INTERFACE third_party_fmt)
 target_compile_definitions(third_party_spdlog INTERFACE SPDLOG_FMT_EXTERNAL FMT_HEADER_ONLY)
 
-# Brotli's encoder. The library brings no package description for this; its static archives go first, so that no DLL of
-# it is needed at run time.
+# Brotli's encoder and decoder. The library brings no package description for this; its static archives go first, so
+# that no DLL of it is needed at run time.
 find_path(third_party_brotli_INCLUDE brotli/encode.h REQUIRED)
 find_library(third_party_brotli_ENCODER NAMES brotlienc-static brotlienc REQUIRED)
+find_library(third_party_brotli_DECODER NAMES brotlidec-static brotlidec REQUIRED)
 find_library(third_party_brotli_COMMON NAMES brotlicommon-static brotlicommon REQUIRED)
 add_library(third_party_brotli INTERFACE)
 target_include_directories(third_party_brotli SYSTEM INTERFACE "${third_party_brotli_INCLUDE}")
 target_link_libraries(third_party_brotli INTERFACE "${third_party_brotli_ENCODER}" "${third_party_brotli_COMMON}")
+add_library(third_party_brotli_decoder INTERFACE)
+target_include_directories(third_party_brotli_decoder SYSTEM INTERFACE "${third_party_brotli_INCLUDE}")
+target_link_libraries(third_party_brotli_decoder INTERFACE "${third_party_brotli_DECODER}" "${third_party_brotli_COMMON}")
 
 # Copies what programs need at run time beside them: the libraries' DLLs and, for MinGW, the compiler's runtime.
 set(runtime_dlls)

@@ -5,6 +5,9 @@
 
 namespace host {
 
+// The commands that a session can run.
+CommandForms Commands();
+
 // Runs the commands and shows their steps. Returns an ExitCode; throws HostError.
 int RunSession(const Options& options, Console& console);
 

@@ -31,12 +31,16 @@ public:
 
 // The user-authentication service: one object per process that holds the account state and runs every operation.
 //
-// Operations are synchronous: they run on the caller's thread and block for the whole exchange. None throws, but for
-// RequestUserInfo (no thread to be had) and std::bad_alloc from an accessor whose copy finds no memory. Several may run
-// at once; each stores what its own reply said, the last one wins. No lock is held during an exchange or a callback.
+// Operations are synchronous: they run on the caller's thread and block for the whole exchange. Several may run at
+// once. Each stores what its own reply said; the last one wins. No lock is held during an exchange or a callback.
 //
-// A reply text has room for 40959 bytes, but for the system configuration, the reports and downloads. A longer one
-// raises the C runtime's invalid-parameter condition, which ends the process unless the host's handler returns.
+// Operations throw nothing, with one exception: RequestUserInfo, when no thread can be started. The accessors,
+// GetTraceID and BuildHeaders throw std::bad_alloc when there is no memory for what they return.
+//
+// A reply text has room for 40959 bytes. A longer one raises the C runtime's invalid-parameter condition, which ends
+// the process unless the host's handler returns. InitSysConf, ActiveUser, ReportLoginTime, RequestClientLogReport and
+// the two downloads have no such limit.
+//
 // Wide texts are UTF-16. A reply's member that is missing or of the wrong type reads as empty text or 0.
 class USERAUTH_API UserAuthService {
 public:
@@ -82,13 +86,17 @@ public:
     void SetCurrentUserInfo(const std::wstring& userId, const std::wstring& userName, const std::wstring& headImageUrl,
                             int brandId);
 
-    // == Account state read without the lock, by design ==
+    // == Account state read without the lock ==
     //
-    // The host orders these itself: it reads them after the operation that writes them has returned, on the same thread
-    // or with an ordering of its own, and does not run two writers of one of them at once. The writers are:
-    // country code: RequestAT; language type, privilege: UpdateRegistInfo; client-log flag: UpdateRegistInfo,
-    // RequestClientLogReport; activation: InitSysConf, ActiveUser; available country, valid modules: InitSysConf.
-    // InitSysConf and ActiveUser read the country code without the lock too: not while RequestAT runs.
+    // The host orders these itself. It reads one of them after the operation that writes it has returned, on the same
+    // thread or with an ordering of its own. It does not run two writers of one of them at once. The writers are:
+    //   country code                      RequestAT
+    //   language type, privilege          UpdateRegistInfo
+    //   client-log flag                   UpdateRegistInfo, RequestClientLogReport
+    //   activation                        InitSysConf, ActiveUser
+    //   available country, valid modules  InitSysConf
+    //   real user key                     SetRealUserKey
+    // InitSysConf and ActiveUser read the country code without the lock too: do not run them while RequestAT runs.
 
     std::string GetCountryCode();  // UTF-8
     std::string GetLanguageType() const;
@@ -105,15 +113,16 @@ public:
     // == Tokens ==
 
     // Exchanges an authorization code (ASCII, null reads as empty) for access token, refresh token and registration
-    // country, and stores them. The first argument is not used: deliberate, callers pass the code twice. True when the
-    // portal answered 200 with an access token, a country and the result code "0".
+    // country, and stores them. The second argument is sent. The first is not used; it belongs to the exported name.
+    // True when the portal answered 200 with an access token, a country and the result code "0".
     bool RequestAT(std::string code, const char* authorizationCode);
 
-    // Obtains a new access token with the stored refresh token; the refresh token stays. False without any exchange
-    // when there is none. When the portal answers 200 without a usable token the callback below runs, on this thread
-    // and without the lock, before this returns; any other status leaves it alone. Success clears the store's
-    // AT-expired flag. A token that arrives after a Clear on another thread is stored: the exchange was answered, and
-    // the last store wins. A host that signs out waits for its refresh, or clears again after it.
+    // Obtains a new access token with the stored refresh token; the refresh token stays. Without a refresh token the
+    // answer is false, and nothing is sent. When the portal answers 200 without a usable token, the callback below runs
+    // before this returns, on this thread and without the lock. On any other status it does not run. Success clears the
+    // store's AT-expired flag.
+    // A token that arrives after a Clear on another thread is stored: the last store wins. A host that signs out waits
+    // for its refresh to end, or clears again after it.
     const bool GetAccessTokenByRefrshToken();
 
     // Sets what runs when a sign-in is needed again; an empty function clears it. It may call any member, start a
@@ -125,19 +134,23 @@ public:
     // every 200.
     bool RequestApplicationAT();
 
-    // Takes over the sign-in of an earlier client version: restores the refresh token that it left in the configuration
-    // store, protected for this user of this machine, refreshes the access token with it and looks up the user id.
-    // Returns that id; empty when there is no usable legacy sign-in or one of the steps failed. A restored refresh
-    // token stays then. The store's item stays as it is, and its age is not looked at.
+    // Takes over the sign-in of an earlier client version. That one left a refresh token in the configuration store,
+    // protected for this user of this machine. This restores it, refreshes the access token with it and looks up the
+    // user id. Returns the id; empty when there is no usable legacy sign-in or a step failed. A refresh token that was
+    // restored stays then. The store's item is not changed, and its age is not checked. The registration country stays
+    // what it was: empty in a process that has not called RequestAT.
     std::wstring GetOldVersionUserId();
 
     // Trace id of one request: command (at least five digits), "11", Unix time in seconds, eight pseudo-random digits,
     // with "_" between them. Two calls for one command within a second give the same id.
     std::wstring GetTraceID(BaseCmd command);
 
+    // The headers of one request, by the set that it carries: name to value.
+    std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
+
     // == Identity and profile ==
 
-    // What arrives after a Clear on another thread is stored here too, as with the refresh.
+    // As with the refresh, a reply that arrives after a Clear on another thread is stored.
 
     // Look up the user id, at the gateway or at the sync server, and store it, also when it is empty. True on every
     // 200.
@@ -146,63 +159,65 @@ public:
 
     // Fetches user id, display name, portrait URL and brand and stores them; true on every 200.
     //
-    // When there is a portrait URL a background thread downloads it into the file "HeadPortrait" of the store's local
-    // application-data folder, stores that path (empty text unless the download's status was 200) and posts message
-    // 0x0C87, both parameters 0, to the store's main window. The message comes before the file is closed. Without a URL
-    // the path is emptied and the message posted at once. Two calls in a row may write the file at once.
+    // A portrait URL is downloaded by a background thread into the file "HeadPortrait" of the store's local
+    // application-data folder. The thread stores that path, or empty text unless the download's status was 200, and
+    // posts kPortraitChangedMessage to the store's main window. The message comes before the file is closed. Without a
+    // URL the path is emptied and the message posted at once. Two calls in a row may write the file at once.
     //
     // The thread keeps this library loaded until it ends; at process exit it just stops. Throws std::system_error when
     // it cannot be started, and nothing else.
     bool RequestUserInfo();
 
     // Looks up what the portal knows of the account at its registration place: language type, privilege flag and
-    // whether client logs are reported. Needs the access token and the country that RequestAT stored. True when the
-    // portal answered 200 with the result code "0"; what a reply does not say, or says in another type, stays as it
-    // was.
+    // whether client logs are reported. Sends the access token, and the country that RequestAT stored: empty when it
+    // did not run in this process. True when the portal answered 200 with the result code "0". What the reply does not
+    // say, or says in another type, stays as it was.
     bool UpdateRegistInfo();
 
-    // Whether the registration country that RequestAT stored is "CN". Any thread.
+    // Whether the registration country that RequestAT stored is "CN"; false when there is none. Any thread.
     bool IsChinaAccount();
 
     // == System configuration, reports, login devices ==
 
     // Fetches the system configuration and takes from it whether the client is available in the account's country,
     // whether the account is activated and which modules are switched on. True when the server answered 200 or 201 with
-    // JSON; otherwise everything stays as it was. What the document does not say reads as not available and no modules;
-    // the activation stays then, that of an account before too: docs/decisions/0006-account-activation.md.
+    // JSON; otherwise everything stays as it was. A document that does not name them means: not available, no modules.
+    // A document that does not tell the activation leaves it as it was, even when it is that of another account:
+    // docs/decisions/0006-account-activation.md.
     bool InitSysConf();
 
-    // Has the server refresh the account's activation: an account that is not active yet is activated by it. True when
-    // it answered 200 or 201 and told the state, which IsActiveAccount then gives; otherwise that stays as it was.
+    // Has the server refresh the account's activation; the server may activate an account by it. True when the server
+    // answered 200 or 201 and told the state, which IsActiveAccount then gives. Otherwise the state stays as it was.
     bool ActiveUser();
 
     // Reports that the client has finished the data initialisation of a business, UTF-8. A failure is in the log only.
     void ReportLoginTime(std::string business);
 
-    // Asks whether this user's client logs are to be reported; GetClientLogReportStatus then tells. False leaves that
-    // as it was.
+    // Asks whether this user's client logs are to be reported. After true GetClientLogReportStatus gives the answer;
+    // after false it gives what it gave before.
     bool RequestClientLogReport();
 
-    // Appends the devices that signed in to the account lately, in the server's order; devices is not cleared. False,
-    // and nothing appended, unless the server answered 200; a 200 without a usable list is a success without devices.
+    // Appends the devices that signed in to the account lately, in the server's order; devices is not cleared. Unless
+    // the server answered 200 nothing is appended and the result is false. A 200 without a usable list is a success:
+    // nothing is appended.
     bool GetLoginDevicesHistory(std::vector<DeviceTag>& devices);
 
     // == Contacts ==
 
     // Downloads the user's contacts as a vCard file to filePath, whose former content is lost, and logs how many there
-    // are. cookies: names and values of the portal's login. True when the server answered 200, also when the file could
-    // not be written; a failed download leaves the file with what came. Holds the whole file in memory besides.
+    // are. cookies: names and values of the portal's login. True when the server answered 200, even when the file could
+    // not be written. A failed download leaves a file with what came until then. The whole text is in memory too.
     bool ExportContracts(std::wstring url, std::wstring filePath, std::map<std::wstring, std::wstring> cookies);
 
     // == Account SDK ==
     //
-    // Thin calls on the caller's thread; the SDK's own code is passed through, -1 when its entry point is missing.
-    // Order: InitZms before any other of them and before the first request, then ZmsSignIn; UnInitializeSDK at
+    // Thin calls on the caller's thread. They return the SDK's own code, or -1 when its entry point is missing. The
+    // host calls InitZms before any other of them and before its first request, then ZmsSignIn, and UnInitializeSDK at
     // shutdown.
 
     // Tells the parameter store to start sending, initialises the SDK and registers the callback. 0 on success.
     int InitZms(ZmsNotifyCallback callback);
-    // When the SDK's "Init" fails its "Uninit" is called and that one's code is returned.
+    // When the SDK's "Init" fails, its "Uninit" is called, and the code of "Uninit" is returned.
     ZvIdErrorType InitializeSDK();
     ZvIdErrorType UnInitializeSDK();
     ZvIdErrorType RegisterNotifyFunctionInvoke(ZmsNotifyCallback callback);
@@ -227,7 +242,6 @@ private:
     bool LoadZMSSDKLibrary();
     void UpdateAppIdConfig();
     std::wstring GetRandom(int length);
-    std::map<std::wstring, std::wstring> BuildHeaders(HeadType type, const std::wstring& traceId);
     std::string GetAuthorizationContents();
     Json::Value StringToJson(std::string text);
     int GetSysConfigInfo(std::string& reply);

@@ -3,6 +3,18 @@
 #include <cstdint>
 #include <string>
 
+// Window message that tells the host's main window of a changed portrait; both parameters are 0. A fixed number, not a
+// registered message.
+inline constexpr unsigned kPortraitChangedMessage = 0x0C87;
+
+// The two services that have sync keys, as the key server numbers them.
+inline constexpr wchar_t kSyncDriveDataType[] = L"11";
+inline constexpr wchar_t kCloudPhotoDataType[] = L"12";
+
+// The two types of sync keys. A key of any other type is passed over.
+inline constexpr int kKeyType1 = 1;  // 16 bytes
+inline constexpr int kKeyType3 = 3;  // 32 bytes
+
 // Which standard header set a request carries; any other value yields the common headers only.
 enum class HeadType : int {
     kAccount = 0,       // account servers: authorization and content type

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "UserAuthExport.h"
+#include "UserAuthTypes.h"
 
 // Retrieves the user's end-to-end sync keys for the sync drive and the cloud photo library into the parameter store's
 // user record (st_UserInfo), where the drive and photo modules read them. Carries no data; any number of objects may
@@ -17,15 +18,15 @@ public:
     UserSyncKeyService& operator=(const UserSyncKeyService&);
 
     // Retrieves the keys that are missing, on the caller's thread, with the access token and the user id of
-    // UserAuthService, and tells the event hub of each service whose key is there. True when both are there; then
-    // nothing is asked or told if they were there before. Keys that arrived stay when a later step fails.
+    // UserAuthService, and tells the event hub of each service whose key is there. True when both are there. When both
+    // were there before, nothing is asked and nobody is told. Keys that arrived stay when a later step fails.
     bool InitUserSyncKey();
 
     // Zero-fills the four keys; their uuids stay.
     void ClearUserSyncKey();
 
-    // Whether the drive's key of type 1, or the photo library's of type 3, has a byte that is not zero. Deliberately
-    // different types.
+    // Whether the drive's key of type 1, or the photo library's of type 3, has a byte that is not zero. The interface
+    // gives each service its own type.
     bool IsSyncDriveKeyInited();
     bool IsCloudPhotoKeyInited();
 

@@ -21,6 +21,7 @@ if [ $# -gt 0 ]; then
   mapfile -t sources < <(printf '%s\n' "${sources[@]}" | grep -xFf <(realpath --relative-to=. -- "$@"))
   [ "${#sources[@]}" -gt 0 ] || { echo "none of these files is compiled: $*" >&2; exit 1; }
 fi
+[ "${#sources[@]}" -gt 0 ] || { echo "no source of $root in $build/compile_commands.json" >&2; exit 1; }
 
 # What each source includes, as the compiler noted it: lines "source<TAB>header of the project".
 depended=$(mktemp)

@@ -15,7 +15,10 @@ while read -r scope pattern; do
       exit 2
       ;;
   esac
-  "$here/files.sh" "${globs[@]}" | xargs -r -d '\n' grep -nHIE -e "$pattern" | sed -E 's/^([^:]*:[0-9]+): */\1: forbidden: /' &&
-    found=1
+  files=$("$here/files.sh" "${globs[@]}") || exit 2
+  # grep's failure is that it found nothing.
+  lines=$(xargs -d '\n' grep -nHIE -e "$pattern" <<< "$files") || [ -n "$lines" ] || continue
+  sed -E 's/^([^:]*:[0-9]+): */\1: forbidden: /' <<< "$lines"
+  found=1
 done < "$here/forbidden-words.txt"
 exit "$found"

@@ -4,7 +4,7 @@
 
 preset=mingw-release
 build=$root/build/$preset
-cache=${USERAUTH_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/userauthservice}
+cache=${USERAUTH_CACHE:-${XDG_CACHE_HOME:-${HOME:-}/.cache}/userauthservice}
 
 say() { printf '%s\n' "$*" >&2; }
 die() {
@@ -23,12 +23,41 @@ run_logged() {
   fi
 }
 
+# try_again SECONDS COMMAND...: repeats a failing command, with growing pauses, for so long.
+try_again() {
+  local seconds=$1 last=$((SECONDS + $1)) pause=2
+  shift
+  until "$@"; do
+    [ $((SECONDS + pause)) -le "$last" ] || return 1
+    [ "$pause" -ne 2 ] || say "failed, trying again for up to $seconds s"
+    sleep "$pause"
+    pause=$((pause < 15 ? pause * 2 : 15))
+  done
+}
+
+# own_folder FOLDER HINT: makes the folder. It must be the caller's own and writable; else HINT says what to do.
+own_folder() {
+  mkdir -p "$1" 2> /dev/null || [ -d "$1" ] || die "cannot make the folder $1: $2"
+  [ -O "$1" ] || die "$1 belongs to $(stat -c %U "$1"): $2"
+  [ -w "$1" ] || die "cannot write in $1: $2"
+}
+
 # One ./dev at a time works on a build folder. The lock is descriptor 9; what may outlive this script starts without it.
 take_lock() {
-  mkdir -p "$root/build"
+  own_folder "$root/build" "use a checkout of your own, where it can be written"
   exec 9> "$root/build/.lock"
-  if ! flock -n 9; then
-    say "waiting for another ./dev in this folder"
-    flock 9
-  fi
+  flock -n 9 || { say "waiting for another ./dev in this folder"; flock 9; }
 }
+
+# One script at a time works on the cross-built libraries of this machine. The lock is descriptor 8.
+lock_libraries() {
+  [ -n "${USERAUTH_CACHE:-}${XDG_CACHE_HOME:-}${HOME:-}" ] || die "no HOME: name a folder for the libraries with USERAUTH_CACHE"
+  [[ $cache == /* ]] || die "the cache's folder $cache is no absolute path: name one with USERAUTH_CACHE"
+  local folder
+  for folder in "$cache" "$cache/deps"; do own_folder "$folder" "name a folder of your own with USERAUTH_CACHE"; done
+  exec 8> "$cache/deps/lock"
+  flock -n 8 || { say "waiting for another build of the libraries"; flock 8; }
+}
+
+# empty_folder FOLDER LOCK: removes what is in it, all but the lock that is held: whoever waits for it waits for that file.
+empty_folder() { find "$1" -mindepth 1 -maxdepth 1 ! -name "$2" -exec rm -rf {} +; }

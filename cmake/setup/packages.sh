@@ -9,7 +9,10 @@ build_packages=(
   ca-certificates
 )
 run_packages=(wine wine64 xvfb xauth)
-check_packages=(clang-format clang-tidy)
+check_packages=(clang-format clang-tidy shellcheck)
+
+lists_log=$root/build/package-lists.log
+update_package_lists() { "$@" apt-get --error-on=any update > "$lists_log" 2>&1 < /dev/null 9>&-; }
 
 # ensure_packages NAME...: installs those that are missing.
 ensure_packages() {
@@ -28,7 +31,8 @@ ensure_packages() {
     as_root=(sudo)
   fi
   say "installing Debian packages, 1 to 3 minutes: ${missing[*]}"
-  run_logged "$root/build/package-lists.log" "${as_root[@]}" apt-get update
+  # Another apt-get may hold the lists, or a mirror be away for a moment. The lists that are there may do.
+  try_again 60 update_package_lists "${as_root[@]}" || say "not every package list could be fetched (log: $lists_log)"
   run_logged "$root/build/packages.log" "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
     apt-get -o DPkg::Lock::Timeout=300 install -y --no-install-recommends "${missing[@]}"
 }

@@ -1,6 +1,10 @@
 #include "commandline/ArgumentChecks.h"
 
+#include <ParamStore.h>
+
 #include <algorithm>
+#include <fstream>
+#include <iostream>
 
 #include "system/HostError.h"
 #include "text/FieldText.h"
@@ -9,21 +13,12 @@
 namespace host {
 namespace {
 
-constexpr int kHighestPort = 65535;
-
 bool IsBlankOrControl(char c) {
     return (c >= 0 && c <= ' ') || c == 0x7F;
 }
 
-// What follows the "://" of an http or https URL; empty when it is another text.
-std::string BehindScheme(const std::string& url) {
-    const std::size_t scheme = url.find("://");
-    const std::string name = url.substr(0, scheme);
-    return scheme != std::string::npos && (name == "http" || name == "https") ? url.substr(scheme + 3) : "";
-}
-
-// An URL for an error text, without the secrets that it may hold: what stands before an "@" and behind a "?" or "#".
-// Whatever comes before the last "@" goes, since a refused text may have any form.
+// A URL for an error text, without its secrets: what stands before an "@" and behind a "?" or "#". Everything before
+// the last "@" goes, since a refused text may have any form.
 std::string Masked(const std::string& url) {
     const std::size_t scheme = url.find("://");
     const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;
@@ -34,16 +29,9 @@ std::string Masked(const std::string& url) {
     return Printable(query == std::string::npos ? shown : shown.substr(0, query + 1) + "***");
 }
 
-// authority: HOST, HOST:PORT or [ADDRESS]:PORT.
-void CheckPort(const std::string& authority, const std::string& what) {
-    const std::size_t colon = authority.find(':', authority.find(']') == std::string::npos ? 0 : authority.find(']'));
-    if (colon == std::string::npos) {
-        return;
-    }
-    const std::string port = authority.substr(colon + 1);
-    const bool digits = !port.empty() && port.size() <= 5 && port.find_first_not_of("0123456789") == std::string::npos;
-    if (!digits || std::stoi(port) < 1 || std::stoi(port) > kHighestPort) {
-        Refuse(what + ": port \"" + Printable(port) + "\" is no number from 1 to 65535");
+void JudgeUrl(const std::string& fault, const std::string& url, const std::string& what) {
+    if (!fault.empty()) {
+        Refuse(what + ": " + fault + ": " + Masked(url));
     }
 }
 
@@ -53,28 +41,19 @@ void Refuse(const std::string& text) {
     throw HostError(kExitUsage, text);
 }
 
-std::string CheckedBaseUrl(std::string url, const std::string& what) {
-    while (!url.empty() && url.back() == '/') {
-        url.pop_back();
+void CheckBaseUrl(const std::string& url, const std::string& what) {
+    if (!url.empty()) {
+        JudgeUrl(GlobalParamWrapper::BaseUrlFault(url), url, what);
     }
-    const std::string authority = BehindScheme(url);
-    const bool valid = !authority.empty() && authority.find_first_of("/?#@\\ \t\r\n") == std::string::npos;
-    if (!url.empty() && !valid) {
-        Refuse(what + ": not a base URL like http://HOST:PORT: " + Masked(url));
-    }
-    CheckPort(authority, what);
-    return url;
 }
 
-std::string CheckedUrl(const std::string& url, const std::string& what) {
-    const std::string rest = BehindScheme(url);
-    const bool hasHost = !rest.empty() && rest.find_first_of("/?#\\") != 0;
-    if (!hasHost || std::any_of(url.begin(), url.end(), IsBlankOrControl)) {
-        Refuse(what + ": not a URL like http://HOST/PATH: " + Masked(url));
+void CheckUrl(const std::string& url, const std::string& what) {
+    const std::size_t scheme = url.find("://");
+    const std::size_t end = scheme == std::string::npos ? scheme : url.find_first_of("/?#", scheme + 3);
+    JudgeUrl(GlobalParamWrapper::BaseUrlFault(url.substr(0, end)), url, what);
+    if (std::any_of(url.begin(), url.end(), IsBlankOrControl)) {
+        JudgeUrl("must not contain blanks or control characters", url, what);
     }
-    const std::string authority = rest.substr(0, rest.find_first_of("/?#\\"));
-    CheckPort(authority.substr(authority.rfind('@') + 1), what);  // from its start when there is no "@"
-    return url;
 }
 
 std::filesystem::path CheckedFile(const std::string& file, const std::string& what) {
@@ -95,6 +74,19 @@ void CheckNewFile(const std::string& file, const std::string& what) {
     if (path.has_parent_path() && !std::filesystem::is_directory(path.parent_path(), error)) {
         Refuse(what + ": no such folder: " + ToUtf8(path.parent_path().wstring()));
     }
+}
+
+std::vector<std::string> ReadLines(const std::string& file, const std::string& what) {
+    const bool standardInput = file == "-";
+    std::ifstream stream(standardInput ? std::filesystem::path() : CheckedFile(file, what), std::ios::binary);
+    std::istream& input = standardInput ? std::cin : stream;
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(input, line);) {
+        if (line = Trimmed(line); !line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 std::pair<std::wstring, std::wstring> CheckedCookie(const std::string& cookie, const std::string& what) {

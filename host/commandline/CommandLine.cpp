@@ -8,9 +8,8 @@
 #include <algorithm>
 
 #include "commandline/ArgumentChecks.h"
-#include "commandline/CommandWords.h"
 #include "system/HostError.h"
-#include "system/LocalMemory.h"
+#include "system/WindowsHandle.h"
 #include "text/TextEncoding.h"
 
 namespace host {
@@ -28,89 +27,85 @@ constexpr char kFooter[] =
     "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
     "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
     "  userauth migrate status --config client.json\n"
-    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie ticket=12345\n"
+    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie-file cookies.txt\n"
     "\n"
     "Exit codes:\n"
     "  0  every step succeeded\n"
     "  1  a step failed, or no platform answers\n"
-    "  2  the arguments or a configuration file are wrong";
+    "  2  the arguments or a configuration file are wrong\n"
+    "  3  interrupted by Ctrl-C: files of the program's own are removed";
 
-// The texts of the arguments, before they are judged.
+// Arguments that become something else in Options.
 struct RawOptions {
     std::vector<std::string> commands;
     std::vector<std::string> cookies;
-    std::string contactsUrl;
-    std::string platform;
-    std::string sdkPlatform;
+    std::string cookieFile;
     std::string configuration;
     std::string certificateAuthority;
     std::string log;
 };
 
 void Describe(CLI::App& app, Options& options, RawOptions& raw) {
+    const auto addText = [&app](const char* name, const char* type, std::string& text, const char* description) {
+        app.add_option(name, text, description)->type_name(type);
+    };
     app.footer(kFooter);
     app.allow_windows_style_options(false);  // "/" starts a path
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
     app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
-    app.add_option("--platform", raw.platform,
-                   "Base URL of the portal and all other services (gateway: /gateway below it)")
-        ->type_name("URL");
-    app.add_option("--sdk-platform", raw.sdkPlatform,
-                   "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only")
-        ->type_name("URL");
-    app.add_option("--config", raw.configuration, "Configuration file (JSON) of the parameter store")
-        ->type_name("FILE");
-    app.add_option("--certificate-authority", raw.certificateAuthority,
-                   "Trust the authorities in this PEM file instead of the system's")
-        ->type_name("FILE");
-    app.add_option("--business", options.business, "report: the business, if not drive")->type_name("NAME");
-    app.add_option("--url", raw.contactsUrl, "contacts export: where the portal has the contacts")->type_name("URL");
-    // One text an option, so that the commands after it stay commands.
-    app.add_option("--cookie", raw.cookies, "contacts export: a cookie of the portal's login; once for each")
+    addText("--platform", "URL", options.platformUrl,
+            "Base URL of the portal and all other services (gateway: /gateway below it)");
+    addText("--sdk-platform", "URL", options.sdkPlatformUrl,
+            "Base URL for the account SDK, if not the portal's: the sandbox's SDK speaks http only");
+    addText("--config", "FILE", raw.configuration, "Configuration file (JSON) of the parameter store");
+    addText("--certificate-authority", "FILE", raw.certificateAuthority,
+            "Trust the authorities in this PEM file instead of the system's");
+    addText("--business", "NAME", options.business, "report: the business, if not drive");
+    addText("--url", "URL", options.contactsUrl, "contacts export: where the portal has the contacts");
+    // The option takes one text, so that the commands after it stay commands.
+    app.add_option("--cookie", raw.cookies,
+                   "contacts export: a cookie of the portal's login; once for each. Other users can see it in the list "
+                   "of processes: rather use --cookie-file")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
+    addText("--cookie-file", "FILE", raw.cookieFile,
+            "contacts export: the cookies, a line NAME=VALUE each; - reads them from standard input");
     app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
-    app.add_option("--log", raw.log, "Write the log to this file, events to FILE.operations.jsonl")->type_name("FILE");
+    addText("--log", "FILE", raw.log, "Write the log to this file, events to FILE.operations.jsonl");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
 }
 
-bool Has(const Options& options, Command command) {
-    return std::any_of(options.commands.begin(), options.commands.end(),
-                       [command](const CommandCall& call) { return call.command == command; });
-}
-
-void JudgeReport(const Options& options) {
-    if (!options.business.empty() && !Has(options, Command::kReport)) {
-        Refuse("--business belongs to report");
-    }
-}
-
 void JudgeContacts(const RawOptions& raw, Options& options) {
-    options.contactsUrl = raw.contactsUrl.empty() ? "" : CheckedUrl(raw.contactsUrl, "--url");
-    for (const std::string& cookie : raw.cookies) {
-        if (!options.cookies.insert(CheckedCookie(cookie, "--cookie")).second) {
-            Refuse("--cookie: a name is given twice");
+    if (!options.contactsUrl.empty()) {
+        CheckUrl(options.contactsUrl, "--url");
+    }
+    std::vector<std::string> cookies = ReadLines(raw.cookieFile, "--cookie-file");
+    cookies.insert(cookies.end(), raw.cookies.begin(), raw.cookies.end());
+    for (const std::string& cookie : cookies) {
+        if (!options.cookies.insert(CheckedCookie(cookie, "cookies")).second) {
+            Refuse("cookies: a name is given twice");
         }
     }
-    const bool exports = Has(options, Command::kContacts);
+    const bool exports = options.Has("contacts");
     if (!exports && !(options.contactsUrl.empty() && options.cookies.empty())) {
-        Refuse("--url and --cookie belong to contacts export");
+        Refuse("--url, --cookie and --cookie-file belong to contacts export");
     }
     if (options.contactsUrl.empty() && !options.cookies.empty()) {
-        Refuse("--cookie needs --url: a sandbox tells its cookies itself");
+        Refuse("--cookie and --cookie-file need --url: a sandbox tells its cookies itself");
     }
-    if (exports && options.contactsUrl.empty() && raw.platform.empty() && raw.configuration.empty()) {
+    if (exports && options.contactsUrl.empty() && options.platformUrl.empty() && raw.configuration.empty()) {
         Refuse("contacts export: say from where, with --url, or with --platform of a sandbox");
     }
 }
 
 void JudgeDemo(const RawOptions& raw, const Options& options) {
-    const bool demo = Has(options, Command::kDemo);
+    const bool demo = options.Has("demo");
     if (demo && options.commands.size() > 1) {
         Refuse("demo is a session of its own: give no other command with it");
     }
-    if (demo && !(raw.platform + raw.sdkPlatform + raw.configuration + raw.certificateAuthority).empty()) {
+    if (demo &&
+        !(options.platformUrl + options.sdkPlatformUrl + raw.configuration + raw.certificateAuthority).empty()) {
         Refuse(
             "demo brings its own platform: leave out --platform, --sdk-platform, --config and --certificate-authority");
     }
@@ -120,14 +115,15 @@ void JudgeDemo(const RawOptions& raw, const Options& options) {
 }
 
 void Judge(const RawOptions& raw, Options& options) {
-    options.commands = ReadCommandWords(raw.commands);
-    options.platformUrl = CheckedBaseUrl(raw.platform, "--platform");
-    options.sdkPlatformUrl = CheckedBaseUrl(raw.sdkPlatform, "--sdk-platform");
+    CheckBaseUrl(options.platformUrl, "--platform");
+    CheckBaseUrl(options.sdkPlatformUrl, "--sdk-platform");
     options.configuration = CheckedFile(raw.configuration, "--config");
     options.certificateAuthority = CheckedFile(raw.certificateAuthority, "--certificate-authority");
     options.log = ToWide(raw.log);
     JudgeDemo(raw, options);
-    JudgeReport(options);
+    if (!options.business.empty() && !options.Has("report")) {
+        Refuse("--business belongs to report");
+    }
     JudgeContacts(raw, options);
 }
 
@@ -143,8 +139,14 @@ std::vector<std::string> ProcessArguments() {
     return arguments;
 }
 
-std::optional<int> ReadCommandLine(std::vector<std::string> arguments, Options& options, Console& console) {
-    CLI::App app(kDescription + CommandHelp(), "userauth");
+bool Options::Has(const char* command) const {
+    return std::any_of(commands.begin(), commands.end(),
+                       [command](const CommandCall& call) { return call.name == command; });
+}
+
+std::optional<int> ReadCommandLine(std::vector<std::string> arguments, const CommandForms& commands, Options& options,
+                                   Console& console) {
+    CLI::App app(kDescription + CommandHelp(commands), "userauth");
     RawOptions raw;
     Describe(app, options, raw);
     std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
@@ -159,6 +161,7 @@ std::optional<int> ReadCommandLine(std::vector<std::string> arguments, Options& 
     } catch (const CLI::ParseError& error) {
         Refuse(std::string(error.what()) + " (see userauth --help)");
     }
+    options.commands = ReadCommandWords(raw.commands, commands);
     Judge(raw, options);
     return std::nullopt;
 }

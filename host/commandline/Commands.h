@@ -1,51 +1,31 @@
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace host {
 
-enum class Command {
-    kDemo,
-    kSignIn,
-    kWhoAmI,
-    kProfile,
-    kRegistration,
-    kModules,
-    kActivate,
-    kReport,
-    kDevices,
-    kRefresh,
-    kApplicationToken,
-    kKeys,
-    kMigrate,
-    kContacts,
-    kRoute,
-    kStatus,
-    kSignOut,
+// A command as the command line knows it.
+struct CommandForm {
+    const char* name;
+    // The words to give with it, as the help shows them. FILE is a file to make or replace, URL an http or https URL;
+    // any other word is given as it stands.
+    const char* arguments;
+    const char* description;  // its further lines are indented by the help
 };
+using CommandForms = std::vector<CommandForm>;
 
 // A command and what was given with it.
 struct CommandCall {
-    Command command;
-    std::string argument;  // UTF-8: FILE of contacts, URL of route
+    std::string name;
+    std::string argument;  // its FILE or URL, UTF-8
 };
 
-// What an earlier command of the same session must have left.
-enum class Needs {
-    kNothing,
-    kSession,  // tokens
-    kUserId,   // tokens and the user id
-};
+// The commands among the words of the command line, each with its argument. At least one; throws HostError with
+// kExitUsage.
+std::vector<CommandCall> ReadCommandWords(const std::vector<std::string>& words, const CommandForms& forms);
 
-// The command of that name; nothing when there is none.
-std::optional<Command> CommandNamed(const std::string& name);
-std::string NameOf(Command command);
-Needs NeedsOf(Command command);
-
-// All names in one line, for error texts.
-std::string CommandNames();
 // The commands with their arguments, a line or two each, for the help.
-std::string CommandHelp();
+std::string CommandHelp(const CommandForms& forms);
 
 }  // namespace host

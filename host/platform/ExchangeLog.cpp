@@ -4,11 +4,6 @@
 #include <utility>
 
 namespace host {
-namespace {
-
-thread_local int t_pauses = 0;
-
-}  // namespace
 
 struct ExchangeLog::State {
     std::mutex mutex;
@@ -17,7 +12,7 @@ struct ExchangeLog::State {
 
 ExchangeLog::ExchangeLog() : m_state(std::make_shared<State>()) {
     CurlHttpLibContext::SetExchangeObserver([state = m_state](const HttpExchange& exchange) {
-        if (t_pauses != 0) {
+        if (ExchangeLogPause::s_pauses != 0) {
             return;
         }
         const std::lock_guard<std::mutex> guard(state->mutex);
@@ -32,13 +27,6 @@ ExchangeLog::~ExchangeLog() {
 std::vector<HttpExchange> ExchangeLog::Take() {
     const std::lock_guard<std::mutex> guard(m_state->mutex);
     return std::exchange(m_state->exchanges, {});
-}
-
-ExchangeLogPause::ExchangeLogPause() {
-    ++t_pauses;
-}
-ExchangeLogPause::~ExchangeLogPause() {
-    --t_pauses;
 }
 
 }  // namespace host

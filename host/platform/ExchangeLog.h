@@ -7,7 +7,7 @@
 
 namespace host {
 
-// Collects the HTTP exchanges of the process while it lives, from every thread that has no ExchangeLogPause.
+// Collects the HTTP exchanges of all threads while it lives. A thread with an ExchangeLogPause is left out.
 class ExchangeLog {
 public:
     ExchangeLog();
@@ -15,7 +15,7 @@ public:
     ExchangeLog(const ExchangeLog&) = delete;
     ExchangeLog& operator=(const ExchangeLog&) = delete;
 
-    // Those since the last call, in the order of their end.
+    // Hands out the exchanges that ended since the last call, in the order of their ends.
     std::vector<HttpExchange> Take();
 
 private:
@@ -23,13 +23,14 @@ private:
     std::shared_ptr<State> m_state;  // shared with the observer, which may still be running when this is destroyed
 };
 
-// While one lives, the exchanges of its thread are left out.
-class ExchangeLogPause {
-public:
-    ExchangeLogPause();
-    ~ExchangeLogPause();
+// While one lives, the log leaves out the exchanges of its thread.
+struct ExchangeLogPause {
+    ExchangeLogPause() { ++s_pauses; }
+    ~ExchangeLogPause() { --s_pauses; }
     ExchangeLogPause(const ExchangeLogPause&) = delete;
     ExchangeLogPause& operator=(const ExchangeLogPause&) = delete;
+
+    static inline thread_local int s_pauses = 0;
 };
 
 }  // namespace host

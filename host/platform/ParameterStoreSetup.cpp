@@ -2,9 +2,6 @@
 
 #include <ParamStore.h>
 #include <json/value.h>
-#include <json/writer.h>
-
-#include <fstream>
 
 #include "system/HostError.h"
 #include "text/TextEncoding.h"
@@ -12,23 +9,26 @@
 namespace host {
 namespace {
 
-// By way of a file, which is how the store takes settings.
-void LoadSettings(const Json::Value& settings, const std::filesystem::path& file) {
-    std::ofstream(file, std::ios::binary) << Json::writeString(Json::StreamWriterBuilder(), settings);
-    LoadParameterStore(file);
+void RequireLoaded(bool loaded, const std::string& error) {
+    if (!loaded) {
+        throw HostError(kExitUsage, error);
+    }
+}
+
+void LoadSettings(const Json::Value& settings) {
+    std::string error;
+    const std::string text = settings.toStyledString();
+    RequireLoaded(GlobalParamWrapper::GetInstance()->LoadConfigurationText(text, error), error);
 }
 
 }  // namespace
 
 void LoadParameterStore(const std::filesystem::path& file) {
     std::string error;
-    if (!GlobalParamWrapper::GetInstance()->LoadConfiguration(file.wstring(), error)) {
-        throw HostError(kExitUsage, error);
-    }
+    RequireLoaded(GlobalParamWrapper::GetInstance()->LoadConfiguration(file.wstring(), error), error);
 }
 
-void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem::path& folder,
-                           const StoreFolders& folders) {
+void PointParameterStoreTo(const std::string& platformUrl, const StoreFolders& folders) {
     Json::Value root;
     for (const char* const service : {"portalUrl", "syncServerUrl", "userInformationServiceUrl", "basicServiceUrl"}) {
         root[service] = platformUrl;
@@ -40,13 +40,13 @@ void PointParameterStoreTo(const std::string& platformUrl, const std::filesystem
     if (!folders.user.empty()) {
         root["appDataLocalPath"] = ToUtf8(folders.user.wstring());
     }
-    LoadSettings(root, folder / "parameter-store.json");
+    LoadSettings(root);
 }
 
-void StoreLegacyItem(const std::wstring& item, const std::filesystem::path& folder) {
+void StoreLegacyItem(const std::wstring& item) {
     Json::Value root;
     root["legacyItems"]["0"] = ToUtf8(item);
-    LoadSettings(root, folder / "legacy-items.json");
+    LoadSettings(root);
 }
 
 }  // namespace host

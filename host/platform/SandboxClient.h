@@ -7,13 +7,13 @@
 
 namespace host {
 
-// The endpoints that a sandbox platform has for itself, below "/sandbox". What is asked here is no part of the session:
-// the steps do not show it among their exchanges. baseUrl: without a slash at the end; path: with one at its start.
+// The control endpoints of a sandbox platform, below "/sandbox". These exchanges are no part of the session, so the
+// steps do not show them. baseUrl has no slash at its end, path has one at its start.
 
-// The object that it answers with; nothing when there is no sandbox at that URL, or it refuses.
+// Asks with a GET; the object of the reply. Nothing when no sandbox answers at that URL, or it refuses.
 std::optional<Json::Value> AskSandbox(const std::string& baseUrl, const std::string& path);
 
-// Whether it took the text, JSON.
+// Posts a JSON text; whether the sandbox took it.
 bool TellSandbox(const std::string& baseUrl, const std::string& path, const std::string& json);
 
 }  // namespace host

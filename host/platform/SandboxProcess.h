@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/ChildProcess.h"
+#include "system/WindowsHandle.h"
 
 namespace host {
 
@@ -11,10 +11,17 @@ namespace host {
 struct SandboxAddress {
     std::string http;
     std::string https;
-    std::filesystem::path certificateAuthority;  // PEM file of the authority that it made for https
 };
 
-// A running sandbox-server.exe. It ends when its standard input does, so with this object or with this process.
+// A started program and our ends of its pipes.
+struct ChildProcess {
+    WindowsHandle job;  // ends the program when closed; null where the system refuses jobs
+    WindowsHandle process;
+    WindowsHandle input;   // what it reads from its standard input
+    WindowsHandle output;  // what it writes to its standard output
+};
+
+// A running sandbox-server.exe. It ends with its standard input, so with this object or with this process.
 class SandboxProcess {
 public:
     // Starts the program on free ports and waits until it is ready, 20 s at most. It writes its authority to

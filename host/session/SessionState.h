@@ -2,14 +2,11 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "commandline/CommandLine.h"
 #include "platform/SandboxProcess.h"
-#include "platform/SdkConfiguration.h"
-#include "session/StepReport.h"
+#include "system/Folders.h"
 #include "system/PortraitWindow.h"
-#include "system/TemporaryFolder.h"
 #include "text/Console.h"
 
 class UserAuthService;
@@ -19,24 +16,21 @@ namespace host {
 // What the steps of one session share.
 struct SessionState {
     SessionState(const Options& given, Console& shownOn) : options(given), console(shownOn) {}
-    ~SessionState();
-    SessionState(const SessionState&) = delete;
-    SessionState& operator=(const SessionState&) = delete;
 
     const Options& options;
-    Console& console;  // for what a step shows while it runs
+    Console& console;
+    const CommandCall* call = nullptr;  // the command whose steps run; null before the first
     TemporaryFolder folder;
-    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; after the folder, which holds its file
+    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; below the folder, which must outlive it
     std::string platformUrl;                  // empty until the set-up has run
     UserAuthService* service = nullptr;       // null until it was created
     std::string authorizationCode;            // from its delivery to its exchange
     std::unique_ptr<PortraitWindow> window;   // null until a profile is requested
     std::wstring gatewayUserId;               // what the two look-ups found last
     std::wstring syncServerUserId;
-    std::string reportedBusiness;                        // what was reported last; UTF-8
-    std::unique_ptr<SdkConfiguration> sdkConfiguration;  // until the SDK has read it
+    std::string reportedBusiness;  // what was reported last; UTF-8
     bool sdkInitialised = false;
-    bool madeLegacyItem = false;  // the earlier client's sign-in in the store is of this session's making
+    bool madeLegacyItem = false;  // this session made the earlier client's sign-in in the store
 };
 
 }  // namespace host

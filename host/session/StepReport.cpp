@@ -4,9 +4,9 @@
 #include <json/value.h>
 #include <json/writer.h>
 
-#include <cstdio>
+#include <algorithm>
 
-#include "commandline/CommandLine.h"
+#include "session/SessionState.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -14,6 +14,7 @@ namespace host {
 namespace {
 
 constexpr std::size_t kTitleWidth = 38;
+constexpr std::size_t kTimeWidth = 12;
 constexpr std::size_t kFieldIndent = 12;
 constexpr std::size_t kFieldWidth = 22;
 constexpr int kHttpOk = 200;
@@ -28,12 +29,6 @@ std::string Padded(std::string text, std::size_t width) {
     return text;
 }
 
-std::string Milliseconds(double milliseconds) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%9.1f ms", milliseconds);
-    return text;
-}
-
 std::string ExchangeText(const HttpExchange& exchange) {
     if (exchange.code < 0) {
         return "no HTTP reply (" + std::to_string(exchange.code) + ")";
@@ -42,7 +37,7 @@ std::string ExchangeText(const HttpExchange& exchange) {
     return "HTTP " + std::to_string(exchange.code) + connection;
 }
 
-// Each followed by "; ", the same ones in a row told once.
+// "HTTP 200, new connection; 2 x HTTP 200, reused connection; ": equal ones in a row are told once.
 std::string ExchangeTexts(const std::vector<HttpExchange>& exchanges) {
     std::string texts;
     for (std::size_t first = 0, next = 0; first < exchanges.size(); first = next) {
@@ -57,17 +52,13 @@ std::string ExchangeTexts(const std::vector<HttpExchange>& exchanges) {
 }
 
 // "access token" to "accessToken".
-std::string MachineName(const std::string& name) {
-    std::string machineName;
-    bool startsWord = false;
-    for (const char c : name) {
-        const bool lower = c >= 'a' && c <= 'z';
-        if (c != ' ') {
-            machineName += startsWord && lower ? static_cast<char>(c - 'a' + 'A') : c;
-        }
-        startsWord = c == ' ';
+std::string MachineName(std::string name) {
+    for (std::size_t space = name.find(' '); space != std::string::npos; space = name.find(' ')) {
+        name.erase(space, 1);
+        const bool lower = name[space] >= 'a' && name[space] <= 'z';
+        name[space] = static_cast<char>(name[space] - (lower ? 'a' - 'A' : 0));
     }
-    return machineName;
+    return name;
 }
 
 Json::Value ExchangeJson(const HttpExchange& exchange) {
@@ -96,102 +87,34 @@ bool EndedWell(const std::vector<HttpExchange>& exchanges) {
     return !exchanges.empty() && (exchanges.back().code == kHttpOk || exchanges.back().code == kHttpCreated);
 }
 
-}  // namespace
-
-struct StepReport::Outcome {
+// What a finished step shows.
+struct Outcome {
+    const Step& step;
     StepResult result;
-    double milliseconds = 0;
+    std::chrono::duration<double, std::milli> time;
     std::vector<HttpExchange> exchanges;
 };
 
-bool ShowsRunningStep(const Console& console, const Options& options) {
-    return console.IsTerminal() && !options.json && !options.verbose;
-}
-
-StepReport::StepReport(Console& console, const Options& options)
-    : m_console(console), m_options(options), m_showsRunning(ShowsRunningStep(console, options)) {}
-
-bool StepReport::Run(const Step& step) {
-    Announce(step);
-    m_exchanges.Take();  // what another thread did between two steps belongs to neither
-    const Clock::time_point start = Clock::now();
-    StepResult result;
-    try {
-        result = step.run();
-    } catch (const std::exception& error) {
-        // A terminal shows the text as the program's last line anyway.
-        const bool shown = m_console.IsTerminal() && !m_options.json;
-        Finish(step, start, {false, shown ? "" : error.what(), {}});
-        throw;
-    }
-    return Finish(step, start, std::move(result));
-}
-
-bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult result) {
-    Outcome outcome{std::move(result), std::chrono::duration<double, std::milli>(Clock::now() - start).count(),
-                    m_exchanges.Take()};
-    outcome.result.ok = outcome.result.ok && (!outcome.result.judgedByStatus || EndedWell(outcome.exchanges));
-
-    ++m_count;
-    m_milliseconds += outcome.milliseconds;
-    if (!outcome.result.ok && m_failed.empty()) {
-        m_failed = step.title;
-    }
-    if (m_options.verbose) {
-        Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own
-    }
-    m_options.json ? ShowJson(step, outcome) : ShowLine(step, outcome);
-    return outcome.result.ok;
-}
-
-bool StepReport::RunAll(const std::vector<Step>& steps) {
-    for (const Step& step : steps) {
-        if (!Run(step)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-void StepReport::Conclude() {
-    if (m_options.json || m_count == 0) {
-        return;
-    }
-    const std::string steps = std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ");
-    if (AllSucceeded()) {
-        char time[32];
-        std::snprintf(time, sizeof(time), "%.0f ms", m_milliseconds);
-        m_console.Write("\n" + steps + Paint(kGreen, "all succeeded") + ", " + time + "\n");
-    } else {
-        m_console.Write("\n" + steps + Paint(kRed, "failed") + ": " + m_failed + "\n");
-    }
-}
-
-void StepReport::Announce(const Step& step) {
-    if (m_showsRunning) {
-        m_console.Write(std::string(kRunning) + step.title);
-    }
-}
-
-void StepReport::ShowLine(const Step& step, const Outcome& outcome) {
-    std::string line = m_showsRunning ? kRewriteLine : "";
-    line += outcome.result.ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
-    line += Padded(step.title, kTitleWidth) + Milliseconds(outcome.milliseconds) + "  ";
+// verdict: what the line starts with.
+std::string TextLines(const Outcome& outcome, const std::string& verdict) {
+    const std::string time = Milliseconds(outcome.time);
+    std::string line = verdict + Padded(outcome.step.title, kTitleWidth);
+    line += Padded("", kTimeWidth - std::min(kTimeWidth, time.size())) + time + "  ";
     line += ExchangeTexts(outcome.exchanges) + Printable(outcome.result.detail);
     line.erase(line.find_last_not_of("; ") + 1);
     for (const auto& [name, value] : outcome.result.fields) {
         line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
     }
-    m_console.Write(line + TableText(outcome.result.table, kFieldIndent) + "\n");
+    return line + TableText(outcome.result.table, kFieldIndent) + "\n";
 }
 
-void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
+std::string JsonLine(const Outcome& outcome) {
     Json::Value json;
-    json["step"] = step.name;
-    json["title"] = step.title;
+    json["step"] = outcome.step.name;
+    json["title"] = outcome.step.title;
     json["ok"] = outcome.result.ok;
     json["detail"] = WellFormed(outcome.result.detail);
-    json["milliseconds"] = outcome.milliseconds;
+    json["milliseconds"] = outcome.time.count();
     json["exchanges"] = Json::Value(Json::arrayValue);
     for (const HttpExchange& exchange : outcome.exchanges) {
         json["exchanges"].append(ExchangeJson(exchange));
@@ -208,11 +131,75 @@ void StepReport::ShowJson(const Step& step, const Outcome& outcome) {
     builder["emitUTF8"] = true;
     builder["precision"] = 3;
     builder["precisionType"] = "decimal";
-    m_console.Write(Json::writeString(builder, json) + "\n");
+    return Json::writeString(builder, json) + "\n";
+}
+
+}  // namespace
+
+bool ShowsRunningStep(const SessionState& state) {
+    return state.console.IsTerminal() && !state.options.json && !state.options.verbose;
+}
+
+StepReport::StepReport(SessionState& state) : m_state(state), m_showsRunning(ShowsRunningStep(state)) {}
+
+bool StepReport::Run(const Step& step) {
+    if (m_showsRunning) {
+        m_state.console.Write(std::string(kRunning) + step.title);
+    }
+    m_exchanges.Take();  // an exchange that ended between two steps belongs to neither
+    const Clock::time_point start = Clock::now();
+    StepResult result;
+    try {
+        result = step.run(m_state);
+    } catch (const std::exception& error) {
+        // On a terminal the text is the program's last line, and would stand there twice.
+        const bool shown = m_state.console.IsTerminal() && !m_state.options.json;
+        Finish(step, start, {false, shown ? "" : error.what()});
+        throw;
+    }
+    return Finish(step, start, std::move(result));
+}
+
+bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult result) {
+    const Clock::duration time = Clock::now() - start;
+    Outcome outcome{step, std::move(result), time, m_exchanges.Take()};
+    const bool ok = outcome.result.ok && (!outcome.result.judgedByStatus || EndedWell(outcome.exchanges));
+    outcome.result.ok = ok;
+
+    ++m_count;
+    m_time += time;
+    if (!ok && m_failed.empty()) {
+        m_failed = step.title;
+    }
+    if (m_state.options.verbose) {
+        Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own
+    }
+    const std::string verdict = ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
+    m_state.console.Write(m_state.options.json ? JsonLine(outcome)
+                                               : TextLines(outcome, (m_showsRunning ? kRewriteLine : "") + verdict));
+    return ok;
+}
+
+bool StepReport::RunAll(const std::vector<Step>& steps) {
+    for (const Step& step : steps) {
+        if (!Run(step)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void StepReport::Conclude() {
+    if (m_state.options.json || m_count == 0) {
+        return;
+    }
+    const std::string verdict = AllSucceeded() ? Paint(kGreen, "all succeeded") + ", " + Milliseconds(m_time)
+                                               : Paint(kRed, "failed") + ": " + m_failed;
+    m_state.console.Write("\n" + std::to_string(m_count) + (m_count == 1 ? " step, " : " steps, ") + verdict + "\n");
 }
 
 std::string StepReport::Paint(const char* colour, const std::string& text) const {
-    return m_console.HasColour() ? colour + text + kPlain : text;
+    return m_state.console.HasColour() ? colour + text + kPlain : text;
 }
 
 }  // namespace host

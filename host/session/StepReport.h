@@ -1,26 +1,24 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/ExchangeLog.h"
-#include "text/Console.h"
 #include "text/Table.h"
 
 namespace host {
 
-struct Options;
+struct SessionState;
 
 // What a step found out. Texts are UTF-8 and hold no secret.
 struct StepResult {
     bool ok = false;
-    std::string detail;                                       // one line; may be empty
-    std::vector<std::pair<std::string, std::string>> fields;  // name in lower-case words, and value
-    Table table = {};                                         // may be empty
-    // For an operation without a result of its own: ok only if the last exchange ended with 200 or 201 as well.
+    std::string detail = {};                                       // one line; may be empty
+    std::vector<std::pair<std::string, std::string>> fields = {};  // name in lower-case words, and value
+    Table table = {};                                              // may be empty
+    // For an operation that returns nothing: the step also fails unless its last exchange ended with 200 or 201.
     bool judgedByStatus = false;
 };
 
@@ -28,49 +26,43 @@ struct StepResult {
 struct Step {
     const char* name;
     const char* title;
-    std::function<StepResult()> run;
+    StepResult (*run)(SessionState& state);
 };
 
 // What the line of a running step starts with.
 constexpr char kRunning[] = "  ...     ";
 
-// Whether a step has a line while it runs, which its outcome replaces: on a terminal, unless log lines come in between.
-bool ShowsRunningStep(const Console& console, const Options& options);
+// Whether a step has a line while it runs, which its outcome replaces. Only on a terminal without log lines.
+bool ShowsRunningStep(const SessionState& state);
 
 // Runs steps and shows each with its outcome, its time and the HTTP exchanges that it made: as lines for people or as
 // one JSON object a line.
 class StepReport {
 public:
-    // Both must outlive it.
-    StepReport(Console& console, const Options& options);
+    // The state must outlive it.
+    explicit StepReport(SessionState& state);
 
-    // Whether it succeeded. An exception counts as a failure and passes through: the program ends with it and shows its
-    // text.
+    // Whether it succeeded. An exception of the step counts as a failure and is thrown on: the program ends with it.
     bool Run(const Step& step);
-    // In order, up to the first that fails; whether all succeeded.
+    // Runs the steps in order, up to the first that fails; whether all succeeded.
     bool RunAll(const std::vector<Step>& steps);
 
-    // The closing line for people. After the last step.
+    // Writes the closing line for people, after the last step.
     void Conclude();
 
     bool AllSucceeded() const { return m_failed.empty(); }
 
 private:
     using Clock = std::chrono::steady_clock;
-    struct Outcome;
 
-    void Announce(const Step& step);
     bool Finish(const Step& step, Clock::time_point start, StepResult result);
-    void ShowLine(const Step& step, const Outcome& outcome);
-    void ShowJson(const Step& step, const Outcome& outcome);
     std::string Paint(const char* colour, const std::string& text) const;
 
-    Console& m_console;
-    const Options& m_options;
+    SessionState& m_state;
     const bool m_showsRunning;
     ExchangeLog m_exchanges;
     int m_count = 0;
-    double m_milliseconds = 0;
+    Clock::duration m_time{};
     std::string m_failed;  // title of the first step that failed
 };
 

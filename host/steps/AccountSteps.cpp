@@ -34,19 +34,19 @@ StepResult ShowAccountState(SessionState& state) {
 StepResult AskMadeUpUser(SessionState& state) {
     std::wstring userId = L"nobody-of-this-name";
     const bool changed = state.service->IsZmsAccountChanged(userId);
-    return {changed, std::string(changed ? "changed" : "not changed") + " for a made-up user id", {}};
+    return {changed, std::string(changed ? "changed" : "not changed") + " for a made-up user id"};
 }
 
 StepResult RegisterLogoutEntry(SessionState& state) {
     std::string name = "Sign out";
     std::string description = "Ends the session of this computer";
     const int code = static_cast<int>(state.service->RegisterLogout(name, description));
-    return {code == 0, "RegisterLogout returned " + std::to_string(code), {}};
+    return {code == 0, "RegisterLogout returned " + std::to_string(code)};
 }
 
 StepResult OpenAccountCentre(SessionState& state) {
     const int code = static_cast<int>(state.service->OpenAccountCenterInvoke());
-    return {code == 0, "OpenAccountCenterInvoke returned " + std::to_string(code), {}};
+    return {code == 0, "OpenAccountCenterInvoke returned " + std::to_string(code)};
 }
 
 StepResult ClearAccountState(SessionState& state) {
@@ -57,37 +57,63 @@ StepResult ClearAccountState(SessionState& state) {
     const bool cleared = !keys.IsSyncDriveKeyInited() && !keys.IsCloudPhotoKeyInited() &&
                          service.GetCurrentAT().empty() && service.GetCurrentRT().empty() &&
                          service.GetCurrentUserID().empty() && service.GetCurrentUserHeadImageLocalPath().empty();
-    return {cleared, "tokens, user id and sync keys are gone; the parameter store is the client's to clear", {}};
+    return {cleared, "tokens, user id and sync keys are gone; the parameter store is the client's to clear"};
 }
 
 StepResult UninitialiseSdk(SessionState& state) {
     const int code = static_cast<int>(state.service->UnInitializeSDK());
-    return {code == 0, "UnInitializeSDK returned " + std::to_string(code), {}};
+    return {code == 0, "UnInitializeSDK returned " + std::to_string(code)};
+}
+
+StepResult AskRoute(SessionState& state, const std::string& url) {
+    std::map<std::string, std::string> headers;
+    const std::string text = state.service->GetRtqRemoteInfo(ToWide(url), headers);
+    Table table{{"header", "value"}};
+    for (const auto& [name, value] : headers) {
+        table.rows.push_back({name, value});
+    }
+    if (text.empty()) {
+        return {false, SeeLog("no text"), {}, table};
+    }
+    return {true, std::to_string(text.size()) + " bytes", {{"text", text}}, table};
+}
+
+StepResult AskGivenRoute(SessionState& state) {
+    return AskRoute(state, state.call->argument);
+}
+
+StepResult AskSandboxRoute(SessionState& state) {
+    return AskRoute(state, state.platformUrl + "/routing/v1/remote");
 }
 
 }  // namespace
 
-std::vector<Step> StatusSteps(SessionState& state) {
-    return {{"status", "account state", [&state] { return ShowAccountState(state); }}};
+std::vector<Step> StatusSteps() {
+    return {{"status", "account state", ShowAccountState}};
 }
 
-std::vector<Step> AccountSdkSteps(SessionState& state) {
+std::vector<Step> AccountSdkSteps() {
     return {
-        {"account-changed", "account SDK compares the user", [&state] { return AskMadeUpUser(state); }},
-        {"register-logout", "logout entry registered", [&state] { return RegisterLogoutEntry(state); }},
-        {"account-centre", "account centre opened", [&state] { return OpenAccountCentre(state); }},
+        {"account-changed", "account SDK compares the user", AskMadeUpUser},
+        {"register-logout", "logout entry registered", RegisterLogoutEntry},
+        {"account-centre", "account centre opened", OpenAccountCentre},
     };
 }
 
-std::vector<Step> SignOutSteps(SessionState& state) {
-    return {{"sign-out", "account state cleared", [&state] { return ClearAccountState(state); }}};
+std::vector<Step> SignOutSteps() {
+    return {{"sign-out", "account state cleared", ClearAccountState}};
 }
 
-std::vector<Step> CloseSteps(SessionState& state) {
-    if (!state.sdkInitialised) {
-        return {};
-    }
-    return {{"close-sdk", "account SDK released", [&state] { return UninitialiseSdk(state); }}};
+std::vector<Step> CloseSteps() {
+    return {{"close-sdk", "account SDK released", UninitialiseSdk}};
+}
+
+std::vector<Step> RouteSteps() {
+    return {{"routing", "routing service asked", AskGivenRoute}};
+}
+
+std::vector<Step> DemoRouteSteps() {
+    return {{"routing", "routing service asked", AskSandboxRoute}};
 }
 
 }  // namespace host

@@ -1,42 +1,34 @@
 #include <HttpLib.h>
 #include <ParamStore.h>
-
-#include <algorithm>
+#include <UserAuthService.h>
+#include <windows.h>
 
 #include "platform/ParameterStoreSetup.h"
-#include "platform/PlatformProbe.h"
 #include "steps/Steps.h"
 #include "system/HostError.h"
-#include "system/ModuleFolder.h"
 #include "text/TextEncoding.h"
 
 namespace host {
 namespace {
 
-// Of a user whose name has Thai, Cyrillic and an emoji, as a profile folder is named after its user.
+// A profile folder is named after its user: this user's name has Thai, Cyrillic and an emoji.
 constexpr wchar_t kDemoUserFolder[] =
     L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u041D\u0430\u0434\u0435\u0436\u0434\u0430 \U0001F98A";
 
-// Instead of it where the system cannot make such a name: Wine cannot without a UTF-8 locale.
+// Taken where the system cannot make such a name, as Wine without a UTF-8 locale.
 constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
 
-bool IsDemo(const Options& options) {
-    return options.commands.front().command == Command::kDemo;
-}
+constexpr int kLongestSeconds = 10;
 
-// Whether it gets tokens, and so begins with a platform that answers.
-bool SignsIn(const Options& options) {
-    const auto signsIn = [](const CommandCall& call) {
-        return call.command == Command::kDemo || call.command == Command::kSignIn || call.command == Command::kMigrate;
-    };
-    return std::any_of(options.commands.begin(), options.commands.end(), signsIn);
+// PEM file of the authority that the sandbox makes for https.
+std::filesystem::path SandboxAuthority(const SessionState& state) {
+    return state.folder.Path() / "sandbox-authority.pem";
 }
 
 StepResult StartSandbox(SessionState& state) {
-    state.sandbox = std::make_unique<SandboxProcess>(ProgramFolder() / "sandbox-server.exe",
-                                                     state.folder.Path() / "sandbox-authority.pem");
+    state.sandbox = std::make_unique<SandboxProcess>(ProgramFolder() / "sandbox-server.exe", SandboxAuthority(state));
     const SandboxAddress& address = state.sandbox->Address();
-    return {true, address.http + " and " + address.https, {}};
+    return {true, address.http + " and " + address.https};
 }
 
 StoreFolders DemoFolders(const SessionState& state) {
@@ -60,15 +52,56 @@ StepResult ConfigureParameterStore(SessionState& state) {
     const std::string url = sandbox ? sandboxUrl : options.platformUrl;
     const StoreFolders folders = sandbox ? DemoFolders(state) : StoreFolders();
     if (!url.empty()) {
-        PointParameterStoreTo(url, state.folder.Path(), folders);
+        PointParameterStoreTo(url, folders);
     }
     const bool trustsSandbox = sandbox && options.https;
     CurlHttpLibContext::SetDefaultCertPath(
-        (trustsSandbox ? sandbox->Address().certificateAuthority : options.certificateAuthority).wstring());
+        (trustsSandbox ? SandboxAuthority(state) : options.certificateAuthority).wstring());
     const std::wstring portal = GlobalParamWrapper::GetInstance()->GetPortalUrl();
     state.platformUrl = ToUtf8(portal);
     const std::string files = sandbox ? ", files in " + ToUtf8(folders.user.filename().wstring()) : "";
-    return {true, (portal.empty() ? "no portal" : "portal " + state.platformUrl) + files, {}};
+    return {true, (portal.empty() ? "no portal" : "portal " + state.platformUrl) + files};
+}
+
+// What is wrong with the platform, and what to do about it.
+std::string Cause(int error, const std::string& url) {
+    switch (error) {
+        case kHttpInvalidRequest:
+            return url + " is no URL that can be asked: look at its host and its port, a number from 1 to 65535";
+        case kHttpNameNotResolved:
+            return "the host name in " + url + " has no address: check the spelling and the network";
+        case kHttpConnectFailed:
+            return "no account platform answers at " + url +
+                   ": start one with sandbox-server.exe, or name another with --platform";
+        case kHttpTimeout:
+            return url + " does not answer within 10 s";
+        case kHttpCertificateUntrusted:
+            return "the certificate of " + url +
+                   " is not trusted: name the file of its authority with --certificate-authority";
+        case kHttpCertificateWrongName:
+            return "the certificate of " + url + " is made out to another host";
+        case kHttpTlsFailed:
+            return url + " speaks no TLS 1.2 or newer: is it meant to be http?";
+        case kHttpCertificateFileInvalid:
+            return "the file of --certificate-authority holds no certificate";
+        case kHttpConnectionBroken:
+            return url + " breaks the connection: is it meant to be https?";
+        default:
+            return "no exchange with " + url + " is possible: HTTP library error " + std::to_string(error);
+    }
+}
+
+// Throws HostError unless the platform answers a request, with any status.
+void RequirePlatform(const std::string& platformUrl) {
+    BasicHttpLibStrategy strategy;
+    strategy.SetUrl(ToWide(platformUrl + "/"));
+    strategy.SetHttpRequestMethod(HttpRequestMethod::kGet);
+    std::string reply;
+    const int code = CurlHttpLibContext(&strategy).Request(reply, kLongestSeconds);
+    if (code < 0) {
+        const bool usage = code == kHttpCertificateFileInvalid || code == kHttpInvalidRequest;
+        throw HostError(usage ? kExitUsage : kExitStepFailed, Cause(code, platformUrl));
+    }
 }
 
 StepResult ReachPlatform(SessionState& state) {
@@ -76,22 +109,30 @@ StepResult ReachPlatform(SessionState& state) {
         throw HostError(kExitUsage, "no platform given: name one with --platform or in the file of --config");
     }
     RequirePlatform(state.platformUrl);
-    return {true, "", {}};
+    return {true, ""};
+}
+
+StepResult CreateService(SessionState& state) {
+    state.service = UserAuthService::GetInstance();
+    constexpr wchar_t kSdk[] = L"ZVAccountSdk.dll";
+    if (!GetModuleHandleW(kSdk)) {
+        return {false, ToUtf8(kSdk) + " did not load: it belongs beside UserAuthService.dll"};
+    }
+    return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(kSdk)};
 }
 
 }  // namespace
 
-std::vector<Step> SetUpSteps(SessionState& state) {
-    const Options& options = state.options;
+std::vector<Step> SetUpSteps(bool withSandbox, bool needsPlatform) {
     std::vector<Step> steps;
-    if (IsDemo(options)) {
-        steps.push_back({"sandbox", "sandbox platform started", [&state] { return StartSandbox(state); }});
+    if (withSandbox) {
+        steps.push_back({"sandbox", "sandbox platform started", StartSandbox});
     }
-    steps.push_back(
-        {"parameter-store", "parameter store configured", [&state] { return ConfigureParameterStore(state); }});
-    if (SignsIn(options)) {
-        steps.push_back({"platform", "platform reachable", [&state] { return ReachPlatform(state); }});
+    steps.push_back({"parameter-store", "parameter store configured", ConfigureParameterStore});
+    if (needsPlatform) {
+        steps.push_back({"platform", "platform reachable", ReachPlatform});
     }
+    steps.push_back({"service", "service created, account SDK loaded", CreateService});
     return steps;
 }
 

@@ -1,11 +1,13 @@
+#include <Logger.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 #include <windows.h>
 
-#include "steps/SignInOutcome.h"
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
 #include "steps/Steps.h"
-#include "system/HostError.h"
-#include "system/ModuleFolder.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -13,10 +15,60 @@ namespace host {
 namespace {
 
 constexpr std::chrono::seconds kLongestSignIn{15};
+// Environment variable with the platform's URL. The sandbox's SDK reads it when it is initialised, before its file.
+// Another SDK does not know it.
+constexpr wchar_t kPlatformVariable[] = L"ZVACCOUNTSDK_PLATFORM_URL";
 
-// Codes of the sandbox's SDK; another one's are its own business.
+// Codes of the sandbox's SDK. Another SDK has codes of its own.
 constexpr int kSdkConfigurationMissing = 101;
 constexpr int kSdkConfigurationInvalid = 102;
+
+// What the account SDK reported through the notification callback.
+struct SignInOutcome {
+    bool succeeded = false;
+    std::string authorizationCode;  // when it succeeded; a secret until it is used
+    std::string reason;             // when it failed
+    unsigned long threadId = 0;     // the thread that the callback ran on
+};
+
+// The last outcome of a sign-in waits here. There is one mailbox a process, since the callback has no context.
+struct Mailbox {
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::optional<SignInOutcome> outcome;
+};
+
+Mailbox& TheMailbox() {
+    // Never destroyed: the SDK may call back until the process is gone.
+    static Mailbox* const mailbox = new Mailbox;
+    return *mailbox;
+}
+
+// The callback to register. Any thread.
+void OnAccountNotification(MessageType type, char* first, char* second) {
+    SignInOutcome outcome;
+    outcome.threadId = GetCurrentThreadId();
+    if (type == MessageType::kSignInSucceeded) {
+        outcome.succeeded = true;
+        outcome.authorizationCode = first;
+    } else if (type == MessageType::kSignInFailed) {
+        outcome.reason = "account SDK code " + std::string(first) + ": " + second;
+    } else {
+        return;  // no outcome of a sign-in
+    }
+    Mailbox& mailbox = TheMailbox();
+    const std::lock_guard<std::mutex> guard(mailbox.mutex);
+    mailbox.outcome = std::move(outcome);
+    mailbox.arrived.notify_all();
+}
+
+// Waits for an outcome and takes it out of the mailbox; nothing when the time ran out.
+std::optional<SignInOutcome> WaitForSignInOutcome(std::chrono::milliseconds longest) {
+    Mailbox& mailbox = TheMailbox();
+    std::unique_lock<std::mutex> lock(mailbox.mutex);
+    mailbox.arrived.wait_for(lock, longest, [&mailbox] { return mailbox.outcome.has_value(); });
+    return std::exchange(mailbox.outcome, std::nullopt);
+}
 
 std::string MeaningOf(int sdkCode) {
     switch (sdkCode) {
@@ -25,26 +77,18 @@ std::string MeaningOf(int sdkCode) {
         case static_cast<int>(ZvIdErrorType::kEntryPointMissing):
             return ", it lacks the entry point";
         case kSdkConfigurationMissing:
-            return ", with the sandbox's SDK: no readable ZMSCoreConfig.json beside ZVAccountSdk.dll";
+            return ", with the sandbox's SDK: no platform given and no readable ZMSCoreConfig.json beside "
+                   "ZVAccountSdk.dll";
         case kSdkConfigurationInvalid:
-            return ", with the sandbox's SDK: \"client_id\" (nine digits) or \"platform_url\" (http://HOST:PORT) in "
-                   "ZMSCoreConfig.json is missing or malformed";
+            return ", with the sandbox's SDK: the platform is no http URL, or \"client_id\" (nine digits) or "
+                   "\"platform_url\" in ZMSCoreConfig.json is missing or malformed";
         default:
             return ", a code of its own";
     }
 }
 
 StepResult SdkResult(const char* operation, int code) {
-    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + MeaningOf(code), {}};
-}
-
-StepResult CreateService(SessionState& state) {
-    state.service = UserAuthService::GetInstance();
-    const std::filesystem::path sdk = LoadedAccountSdk();
-    if (sdk.empty()) {
-        return {false, "ZVAccountSdk.dll did not load: it belongs beside UserAuthService.dll", {}};
-    }
-    return {state.service->GetGPWPtr() == GlobalParamWrapper::GetInstance(), ToUtf8(sdk.filename().wstring()), {}};
+    return {code == 0, std::string(operation) + ": account SDK returned " + std::to_string(code) + MeaningOf(code)};
 }
 
 std::string SdkPlatformUrl(const SessionState& state) {
@@ -56,27 +100,19 @@ std::string SdkPlatformUrl(const SessionState& state) {
 
 StepResult ConfigureSdk(SessionState& state) {
     const std::string url = SdkPlatformUrl(state);
-    // The sandbox's SDK speaks http only, and what another one wants is its own business.
-    if (state.options.sdkPlatformUrl.empty() && url.rfind("https://", 0) == 0) {
-        return {true,
-                "ZMSCoreConfig.json stays as it is, since the platform is https: --sdk-platform URL puts a URL in",
-                {}};
+    // The sandbox's SDK speaks http only. Another SDK is configured by its own file.
+    if (state.options.sdkPlatformUrl.empty() && AsciiLower(url).rfind("https://", 0) == 0) {
+        SetEnvironmentVariableW(kPlatformVariable, nullptr);
+        return {true, "by its own file, since the platform is https: --sdk-platform URL names another URL"};
     }
-    state.sdkConfiguration.reset();  // a turn is taken once
-    state.sdkConfiguration = std::make_unique<SdkConfiguration>(ServiceFolder() / "ZMSCoreConfig.json", url);
-    return {true, "platform_url " + url, {}};
+    SetEnvironmentVariableW(kPlatformVariable, ToWide(url).c_str());
+    return {true, "platform " + url};
 }
 
 StepResult InitialiseSdk(SessionState& state) {
     const int code = state.service->InitZms(&OnAccountNotification);
-    const bool restored = !state.sdkConfiguration || state.sdkConfiguration->Restore();
-    state.sdkConfiguration.reset();
     state.sdkInitialised = code == 0;
     StepResult result = SdkResult("InitZms", code);
-    if (!restored) {
-        result.ok = false;
-        result.detail += ", ZMSCoreConfig.json could not be put back";
-    }
     const bool startSend = GlobalParamWrapper::GetInstance()->GetStartSend();
     result.ok = result.ok && startSend;
     result.detail += std::string(", start-send flag ") + (startSend ? "set" : "not set");
@@ -84,31 +120,32 @@ StepResult InitialiseSdk(SessionState& state) {
 }
 
 StepResult StartSignIn(SessionState& state) {
-    ForgetSignInOutcome();
+    WaitForSignInOutcome({});  // an earlier one goes
     return SdkResult("ZmsSignIn", static_cast<int>(state.service->ZmsSignIn()));
 }
 
 StepResult AwaitCode(SessionState& state) {
     const std::optional<SignInOutcome> outcome = WaitForSignInOutcome(kLongestSignIn);
     if (!outcome) {
-        return {false, "the account SDK did not call back within 15 s", {}};
+        return {false, "the account SDK did not call back within 15 s"};
     }
     if (!outcome->succeeded) {
-        return {false, outcome->reason, {}};
+        return {false, outcome->reason};
     }
     state.authorizationCode = outcome->authorizationCode;
+    Logger::SetSecret("authorization code", ToWide(state.authorizationCode));
     const std::string threads = "callback on thread " + std::to_string(outcome->threadId) + ", caller on thread " +
                                 std::to_string(GetCurrentThreadId());
-    return {outcome->threadId != GetCurrentThreadId(), Characters(state.authorizationCode.size()) + ", " + threads, {}};
+    return {outcome->threadId != GetCurrentThreadId(), Characters(state.authorizationCode.size()) + ", " + threads};
 }
 
 StepResult ExchangeCode(SessionState& state) {
     const std::string code = std::exchange(state.authorizationCode, std::string());
     const bool exchanged = state.service->RequestAT(code, code.c_str());
-    return {exchanged, exchanged ? "" : SeeLog("RequestAT refused"), {}};
+    return {exchanged, exchanged ? "" : SeeLog("RequestAT refused")};
 }
 
-// In the account state and in the parameter store.
+// The tokens are in the account state, and the same in the parameter store.
 StepResult CheckTokens(SessionState& state) {
     UserAuthService& service = *state.service;
     const GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();
@@ -128,24 +165,20 @@ StepResult CheckTokens(SessionState& state) {
 
 StepResult AskSignedIn(SessionState& state) {
     const bool signedIn = state.service->IsZmsSignIn();
-    return {signedIn, signedIn ? "somebody is signed in" : "nobody is signed in", {}};
+    return {signedIn, signedIn ? "somebody is signed in" : "nobody is signed in"};
 }
 
 }  // namespace
 
-std::vector<Step> CreationSteps(SessionState& state) {
-    return {{"service", "service created, account SDK loaded", [&state] { return CreateService(state); }}};
-}
-
-std::vector<Step> SignInSteps(SessionState& state) {
+std::vector<Step> SignInSteps() {
     return {
-        {"sdk-configuration", "account SDK configured", [&state] { return ConfigureSdk(state); }},
-        {"account-sdk", "account SDK initialised", [&state] { return InitialiseSdk(state); }},
-        {"sign-in", "sign-in accepted", [&state] { return StartSignIn(state); }},
-        {"authorization-code", "authorization code delivered", [&state] { return AwaitCode(state); }},
-        {"request-at", "code exchanged for tokens", [&state] { return ExchangeCode(state); }},
-        {"tokens", "tokens in account state", [&state] { return CheckTokens(state); }},
-        {"signed-in", "account SDK knows the session", [&state] { return AskSignedIn(state); }},
+        {"sdk-configuration", "account SDK configured", ConfigureSdk},
+        {"account-sdk", "account SDK initialised", InitialiseSdk},
+        {"sign-in", "sign-in accepted", StartSignIn},
+        {"authorization-code", "authorization code delivered", AwaitCode},
+        {"request-at", "code exchanged for tokens", ExchangeCode},
+        {"tokens", "tokens in account state", CheckTokens},
+        {"signed-in", "account SDK knows the session", AskSignedIn},
     };
 }
 

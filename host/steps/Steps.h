@@ -1,6 +1,5 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "session/SessionState.h"
@@ -8,33 +7,32 @@
 
 namespace host {
 
-// The steps of each stretch of a session, in order. The state must outlive them.
-std::vector<Step> SetUpSteps(SessionState& state);
-std::vector<Step> CreationSteps(SessionState& state);  // the service; needed by all that follow
-std::vector<Step> SignInSteps(SessionState& state);
-std::vector<Step> UserIdSteps(SessionState& state);  // for commands whose requests name the user
-std::vector<Step> WhoAmISteps(SessionState& state);
-std::vector<Step> ProfileSteps(SessionState& state);
-std::vector<Step> RegistrationSteps(SessionState& state);
-std::vector<Step> ConfigurationSteps(SessionState& state);
-std::vector<Step> ActivationSteps(SessionState& state);
-std::vector<Step> ReportSteps(SessionState& state);
-std::vector<Step> DeviceSteps(SessionState& state);
-std::vector<Step> RefreshSteps(SessionState& state);
-std::vector<Step> ApplicationTokenSteps(SessionState& state);
-std::vector<Step> SyncKeySteps(SessionState& state);
-std::vector<Step> LegacySignInSteps(SessionState& state);
-std::vector<Step> ContactsSteps(SessionState& state, const std::string& file);
-std::vector<Step> RouteSteps(SessionState& state, const std::string& url);
-std::vector<Step> StatusSteps(SessionState& state);
-std::vector<Step> SignOutSteps(SessionState& state);
-std::vector<Step> CloseSteps(SessionState& state);
+// The steps of each stretch of a session, in order.
+std::vector<Step> SetUpSteps(bool withSandbox, bool needsPlatform);  // the last one creates the service
+std::vector<Step> SignInSteps();
+std::vector<Step> UserIdSteps();  // for commands whose requests name the user
+std::vector<Step> WhoAmISteps();
+std::vector<Step> ProfileSteps();
+std::vector<Step> RegistrationSteps();
+std::vector<Step> ConfigurationSteps();
+std::vector<Step> ActivationSteps();
+std::vector<Step> ReportSteps();
+std::vector<Step> DeviceSteps();
+std::vector<Step> RefreshSteps();
+std::vector<Step> ApplicationTokenSteps();
+std::vector<Step> SyncKeySteps();
+std::vector<Step> LegacySignInSteps();
+std::vector<Step> ContactsSteps();
+std::vector<Step> RouteSteps();
+std::vector<Step> StatusSteps();
+std::vector<Step> SignOutSteps();
+std::vector<Step> CloseSteps();  // once the SDK was initialised
 
-// Likewise, of the demo only: with a sandbox of our own.
-std::vector<Step> ComparedKeySteps(SessionState& state);
-std::vector<Step> DemoContactsSteps(SessionState& state);
-std::vector<Step> DemoRouteSteps(SessionState& state);
-std::vector<Step> AccountSdkSteps(SessionState& state);  // what else a client asks the SDK while somebody is signed in
-std::vector<Step> ExpiredTokenSteps(SessionState& state);
+// Steps of the demo only. They need the sandbox that it started.
+std::vector<Step> ComparedKeySteps();
+std::vector<Step> DemoContactsSteps();
+std::vector<Step> DemoRouteSteps();
+std::vector<Step> AccountSdkSteps();  // the SDK's other questions and requests
+std::vector<Step> ExpiredTokenSteps();
 
 }  // namespace host

@@ -11,9 +11,9 @@ namespace {
 
 StepResult RequestApplicationToken(SessionState& state) {
     const bool answered = state.service->RequestApplicationAT();
-    // Every 200 is a success to the operation, also one without a token.
+    // The operation succeeds with every reply of status 200, also with one without a token.
     const std::wstring token = GlobalParamWrapper::GetInstance()->GetAppAT();
-    return {answered && !token.empty(), answered ? LengthOnly(token) + " in parameter store" : SeeLog(), {}};
+    return {answered && !token.empty(), answered ? LengthOnly(token) + " in parameter store" : SeeLog()};
 }
 
 struct RefreshAttempt {
@@ -22,7 +22,7 @@ struct RefreshAttempt {
     bool onCallingThread = true;
 };
 
-// Refreshes with an AT-expiry callback of its own, which it takes away again.
+// Refreshes while an AT-expiry callback of ours is set.
 RefreshAttempt AttemptRefresh(UserAuthService& service) {
     RefreshAttempt attempt;
     const DWORD caller = GetCurrentThreadId();
@@ -49,46 +49,44 @@ StepResult Refresh(SessionState& state) {
     store.SetAtIsExpired(true);  // as a client does when a server refuses the token
     const RefreshAttempt attempt = AttemptRefresh(*state.service);
     if (!attempt.refreshed) {
-        return {false, WhyNotRefreshed(*state.service, attempt), {}};
+        return {false, WhyNotRefreshed(*state.service, attempt)};
     }
     const std::wstring now = state.service->GetCurrentAT();
     const bool changed = now != before;
     const bool stored = store.GetCurrentAt() == now && !store.GetAtIsExpired();
-    const bool mustChange = state.sandbox != nullptr;  // it never issues a token twice
-    return {stored && (changed || !mustChange),
-            "access token " + LengthOnly(now) + (changed ? ", changed" : ", not changed") +
-                "; expired in parameter store: " + YesOrNo(store.GetAtIsExpired()),
-            {}};
+    const bool mustChange = state.sandbox != nullptr;  // the sandbox never issues a token twice
+    return {stored && (changed || !mustChange), "access token " + LengthOnly(now) +
+                                                    (changed ? ", changed" : ", not changed") +
+                                                    "; expired in parameter store: " + YesOrNo(store.GetAtIsExpired())};
 }
 
-// The sandbox answers a refresh with a revoked token with 200 and without a token.
+// To a revoked refresh token the sandbox answers status 200 without a token.
 StepResult RefreshInVain(SessionState& state) {
     if (!TellSandbox(state.sandbox->Address().http, "/sandbox/revoke", "{\"kind\":\"refresh\"}")) {
-        return {false, "the sandbox does not revoke the refresh token", {}};
+        return {false, "the sandbox does not revoke the refresh token"};
     }
     const std::wstring before = state.service->GetCurrentAT();
     const RefreshAttempt attempt = AttemptRefresh(*state.service);
     const bool expected = !attempt.refreshed && attempt.callbacks == 1 && attempt.onCallingThread &&
                           state.service->GetCurrentAT() == before;
-    return {expected,
-            std::string("refresh token revoked by sandbox, refresh ") + (attempt.refreshed ? "granted" : "refused") +
-                ", callback ran " + std::to_string(attempt.callbacks) + (attempt.callbacks == 1 ? " time" : " times") +
-                (attempt.onCallingThread ? " on the calling thread" : " on another thread"),
-            {}};
+    return {expected, std::string("refresh token revoked by sandbox, refresh ") +
+                          (attempt.refreshed ? "granted" : "refused") + ", callback ran " +
+                          std::to_string(attempt.callbacks) + (attempt.callbacks == 1 ? " time" : " times") +
+                          (attempt.onCallingThread ? " on the calling thread" : " on another thread")};
 }
 
 }  // namespace
 
-std::vector<Step> ApplicationTokenSteps(SessionState& state) {
-    return {{"application-token", "application token", [&state] { return RequestApplicationToken(state); }}};
+std::vector<Step> ApplicationTokenSteps() {
+    return {{"application-token", "application token", RequestApplicationToken}};
 }
 
-std::vector<Step> RefreshSteps(SessionState& state) {
-    return {{"refresh", "access token refreshed", [&state] { return Refresh(state); }}};
+std::vector<Step> RefreshSteps() {
+    return {{"refresh", "access token refreshed", Refresh}};
 }
 
-std::vector<Step> ExpiredTokenSteps(SessionState& state) {
-    return {{"at-expiry", "AT-expiry callback on refused refresh", [&state] { return RefreshInVain(state); }}};
+std::vector<Step> ExpiredTokenSteps() {
+    return {{"at-expiry", "AT-expiry callback on refused refresh", RefreshInVain}};
 }
 
 }  // namespace host

@@ -10,6 +10,7 @@ enum ExitCode : int {
     kExitOk = 0,
     kExitStepFailed = 1,  // the platform does not answer, or a step went wrong
     kExitUsage = 2,       // arguments or a configuration file are wrong
+    kExitInterrupted = 3  // Ctrl-C, or the console is closed
 };
 
 // Ends the program with one line on standard error. The text is UTF-8, one line, without the program's name.

@@ -1,80 +1,65 @@
 #include "system/PortraitWindow.h"
 
+#include <ParamStore.h>
+#include <UserAuthTypes.h>
 #include <windows.h>
 
-#include "system/SystemError.h"
+#include "system/Interruption.h"
+#include "system/WindowsHandle.h"
 
 namespace host {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr wchar_t kClassName[] = L"UserAuthHostPortraitWindow";
-// Wine ends its desktop with the last program that has a window: one that starts at that moment gets none.
+// Wine ends its desktop with the last program that has a window. A program that starts at that moment gets no window.
 constexpr int kAttempts = 5;
 constexpr DWORD kPauseMilliseconds = 200;
-constexpr UINT kPortraitChanged = 0x0C87;  // the service's number; both parameters are 0
-
-LRESULT CALLBACK HandleMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
-    auto* const owner = reinterpret_cast<PortraitWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == kPortraitChanged && first == 0 && second == 0 && owner) {
-        owner->OnPortraitChanged();
-        return 0;
-    }
-    return DefWindowProcW(window, message, first, second);
-}
 
 HWND MakeWindow() {
-    WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = &HandleMessage;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = kClassName;
-    RegisterClassW(&windowClass);  // fails harmlessly when an earlier window has registered it
     HWND window = nullptr;
     for (int attempt = 0; !window && attempt < kAttempts; ++attempt) {
         Sleep(attempt == 0 ? 0 : kPauseMilliseconds);
-        window = CreateWindowExW(0, kClassName, L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                 windowClass.hInstance, nullptr);
+        // Any class will do: the message is taken from the queue and reaches no window procedure.
+        window = CreateWindowExW(0, L"STATIC", L"userauth", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     }
-    if (!window) {
-        FailWithSystemError("cannot make a window", GetLastError());
-    }
+    RequireDone(window, "cannot make a window");
     return window;
 }
 
-void DispatchWaitingMessages() {
+bool TakeMessage(HWND window) {
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
+    return PeekMessageW(&message, window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) &&
+           message.wParam == 0 && message.lParam == 0;
 }
 
 }  // namespace
 
 PortraitWindow::PortraitWindow() : m_window(MakeWindow()) {
-    SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    GlobalParamWrapper::GetInstance()->SetMainWnd(m_window);
 }
 
 PortraitWindow::~PortraitWindow() {
+    GlobalParamWrapper::GetInstance()->SetMainWnd(nullptr);  // a download may still run
     DestroyWindow(m_window);
 }
 
 void PortraitWindow::Forget() {
-    DispatchWaitingMessages();
-    m_arrived = false;
+    while (TakeMessage(m_window)) {
+    }
 }
 
 bool PortraitWindow::WaitForMessage(std::chrono::milliseconds longest) {
     const Clock::time_point end = Clock::now() + longest;
-    for (;;) {
-        DispatchWaitingMessages();
+    while (!TakeMessage(m_window)) {
         const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (m_arrived || rest <= 0) {
-            return m_arrived;
+        if (rest <= 0 || Interrupted()) {
+            return false;
         }
-        MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(rest), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        const HANDLE interruption = InterruptionEvent();
+        MsgWaitForMultipleObjects(1, &interruption, FALSE, static_cast<DWORD>(rest), QS_POSTMESSAGE);
     }
+    return true;
 }
 
 }  // namespace host

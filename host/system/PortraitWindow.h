@@ -6,8 +6,8 @@ struct HWND__;
 
 namespace host {
 
-// A message-only window that receives the service's portrait-changed message, as a client's main window does. Its
-// messages are handled on the thread that created it, only while that thread waits here.
+// A message-only window that is the parameter store's main window while it lives, and so receives the service's
+// portrait-changed message. The message waits in the queue of the thread that made the window.
 class PortraitWindow {
 public:
     // Throws HostError with kExitStepFailed.
@@ -16,20 +16,14 @@ public:
     PortraitWindow(const PortraitWindow&) = delete;
     PortraitWindow& operator=(const PortraitWindow&) = delete;
 
-    HWND__* Handle() const { return m_window; }
-
-    // Drops what has come so far; before a profile is requested.
+    // Drops the messages that have come so far. To be called before a profile is requested.
     void Forget();
 
-    // Handles messages until a portrait-changed message has come; false when the time ran out.
+    // Waits until a portrait-changed message has come; false when the time ran out, or the person interrupts.
     bool WaitForMessage(std::chrono::milliseconds longest);
-
-    // Called by the window's procedure.
-    void OnPortraitChanged() { m_arrived = true; }
 
 private:
     HWND__* m_window;
-    bool m_arrived = false;
 };
 
 }  // namespace host

@@ -18,7 +18,7 @@ public:
 
     // Whether standard output is a terminal on which a line may be rewritten.
     bool IsTerminal() const { return m_terminal; }
-    // Whether it may be coloured besides: not when the environment has a NO_COLOR that is not empty.
+    // Whether that terminal may be coloured: not when the environment variable NO_COLOR has a value.
     bool HasColour() const { return m_colour; }
 
 private:

@@ -47,6 +47,12 @@ std::string YesOrNo(bool value) {
     return value ? "yes" : "no";
 }
 
+std::string Milliseconds(std::chrono::duration<double, std::milli> time) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%.1f ms", time.count());
+    return text;
+}
+
 std::string SeeLog(const std::string& what) {
     return what + ": --verbose shows the log";
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -16,6 +17,8 @@ std::string LengthOnly(const std::wstring& secret);
 // "none" when it is empty.
 std::string TextOrNone(const std::wstring& text);
 std::string YesOrNo(bool value);
+// "12.3 ms".
+std::string Milliseconds(std::chrono::duration<double, std::milli> time);
 
 // What failed, and where to read more: "failed: --verbose shows the log".
 std::string SeeLog(const std::string& what = "failed");

@@ -15,10 +15,11 @@ struct CodeUnits {
     wchar_t last;
 };
 
-// What a terminal shows two cells wide: East Asian scripts and forms (UAX 11, in blocks), and beyond the basic plane.
+// Code units that a terminal shows two cells wide: East Asian scripts and forms (UAX 11, in blocks), and the first
+// halves of surrogate pairs.
 constexpr CodeUnits kWide[] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF}, {0xAC00, 0xD7A3}, {0xD800, 0xDBFF},
                                {0xF900, 0xFAFF}, {0xFE30, 0xFE6F}, {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}};
-// What adds no cell: second halves, and marks above or below a letter (Latin, Thai).
+// Code units that take no cell: second halves of surrogate pairs, and marks above or below a letter (Latin, Thai).
 constexpr CodeUnits kNoWidth[] = {{0xDC00, 0xDFFF}, {0x0300, 0x036F}, {0x0E31, 0x0E31}, {0x0E34, 0x0E3A},
                                   {0x0E47, 0x0E4E}, {0x200B, 0x200F}, {0xFE00, 0xFE0F}};
 

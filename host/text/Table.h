@@ -5,10 +5,10 @@
 
 namespace host {
 
-// Rows of a step's result. Texts are UTF-8; every row has as many as there are columns.
+// Rows of a step's result. Texts are UTF-8. Every row has one text for each column.
 struct Table {
     std::vector<std::string> columns;  // names in lower-case words
-    std::vector<std::vector<std::string>> rows;
+    std::vector<std::vector<std::string>> rows = {};
 };
 
 // The table as lines with aligned columns, the names first; each starts with a line feed and the indent. Empty when

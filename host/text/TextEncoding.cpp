@@ -24,4 +24,16 @@ std::string WellFormed(const std::string& text) {
     return ToUtf8(ToWide(text));
 }
 
+std::string AsciiLower(std::string text) {
+    for (char& c : text) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return text;
+}
+
+std::string Trimmed(std::string text) {
+    text.erase(text.find_last_not_of(" \t\r\n") + 1);
+    return text;
+}
+
 }  // namespace host

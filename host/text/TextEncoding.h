@@ -11,4 +11,10 @@ std::wstring ToWide(const std::string& utf8);
 // A text from elsewhere that may not be UTF-8, as UTF-8.
 std::string WellFormed(const std::string& text);
 
+// ASCII letters in lower case, the rest as it is.
+std::string AsciiLower(std::string text);
+
+// Without the blanks and line ends at its end.
+std::string Trimmed(std::string text);
+
 }  // namespace host

@@ -2,10 +2,25 @@
 
 #include <utility>
 
+#include "../SignInContract.h"
 #include "JsonText.h"
 #include "PlatformClient.h"
 
 namespace accountsdk {
+namespace {
+
+// Each must match byte for byte; an application id that the SDK was not told is the platform's to judge.
+Code CheckSignInArguments(const SignInArguments& arguments, const std::string& clientId) {
+    if (!clientId.empty() && arguments.applicationId != clientId) {
+        return kWrongApplicationId;
+    }
+    if (arguments.scopes != sandbox::kSignInScopes) {
+        return kWrongScopes;
+    }
+    return arguments.location == sandbox::kSignInLocation ? kOk : kWrongLocation;
+}
+
+}  // namespace
 
 AccountSdk& AccountSdk::Instance() {
     // Never destroyed: at process exit the system has killed a running sign-in anywhere, perhaps inside these members.
@@ -64,7 +79,7 @@ Code AccountSdk::SignIn(const char* applicationId, const char* scopes, const cha
     if (!m_callback) {
         return kNoCallback;
     }
-    return m_signIns.Start(m_configuration->platformUrl, std::move(arguments), m_callback) ? kOk : kThreadNotStarted;
+    return m_signIns.Start(m_configuration->platform, std::move(arguments), m_callback) ? kOk : kThreadNotStarted;
 }
 
 Code AccountSdk::HasAccountChanged(const char* userId) {
@@ -75,7 +90,7 @@ Code AccountSdk::HasAccountChanged(const char* userId) {
     if (!configuration) {
         return kNotInitialised;
     }
-    const SessionReply session = PlatformClient(configuration->platformUrl).CurrentSession();
+    const SessionReply session = PlatformClient(configuration->platform).CurrentSession();
     if (session.code != kOk) {
         return session.code;
     }
@@ -84,7 +99,7 @@ Code AccountSdk::HasAccountChanged(const char* userId) {
 
 Code AccountSdk::IsAccountLoggedIn() {
     const auto configuration = CopyConfiguration();
-    return configuration ? PlatformClient(configuration->platformUrl).CurrentSession().code : kNotInitialised;
+    return configuration ? PlatformClient(configuration->platform).CurrentSession().code : kNotInitialised;
 }
 
 Code AccountSdk::OpenAccountCenter() {
@@ -102,7 +117,7 @@ Code AccountSdk::SetLogoutEnable(const char* entryJson) {
 
 const char* AccountSdk::OAuthDomain() {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    return m_configuration ? m_configuration->platformUrl.c_str() : "";
+    return m_configuration ? m_configuration->platform.text.c_str() : "";
 }
 
 std::unique_ptr<const SdkConfiguration> AccountSdk::CopyConfiguration() {

@@ -11,8 +11,8 @@ namespace accountsdk {
 enum Code : int {
     kOk = 0,
     kAccountChanged = 11,         // "HasAccountChanged": another user is signed in
-    kConfigurationMissing = 101,  // no readable ZMSCoreConfig.json beside the library
-    kConfigurationInvalid = 102,  // not a JSON object, or "client_id" or "platform_url" missing or malformed
+    kConfigurationMissing = 101,  // no platform in the environment and no readable ZMSCoreConfig.json
+    kConfigurationInvalid = 102,  // the file is no JSON object, or "client_id" or the platform's URL is malformed
     kNotInitialised = 103,        // "Init" has not succeeded
     kArgumentMissing = 104,       // a null pointer where a text or a function is needed
     kWrongApplicationId = 105,    // differs from "client_id"

@@ -36,17 +36,17 @@ Reply Send(httplib::Client& http, httplib::Request request) {
 }  // namespace
 
 struct PlatformClient::Http {
-    explicit Http(const std::string& platformUrl) : url(platformUrl), client(platformUrl) {
+    explicit Http(const PlatformUrl& platform) : url(platform), client(platform.host, platform.port) {
         client.set_connection_timeout(kConnectSeconds);
         client.set_read_timeout(kReadSeconds);
         client.set_write_timeout(kReadSeconds);
     }
 
-    std::string url;
+    PlatformUrl url;
     httplib::Client client;
 };
 
-PlatformClient::PlatformClient(const std::string& url) : m_http(std::make_unique<Http>(url)) {}
+PlatformClient::PlatformClient(const PlatformUrl& platform) : m_http(std::make_unique<Http>(platform)) {}
 PlatformClient::~PlatformClient() = default;
 
 SignInReply PlatformClient::SignIn(const SignInArguments& arguments) {
@@ -56,13 +56,13 @@ SignInReply PlatformClient::SignIn(const SignInArguments& arguments) {
     body["location"] = arguments.location;
     httplib::Request request;
     request.method = "POST";
-    request.path = "/sandbox/sign-in";
+    request.path = m_http->url.path + "/sandbox/sign-in";
     request.set_header("Content-Type", "application/json");
     request.body = CompactText(body);
 
     const Reply reply = Send(m_http->client, std::move(request));
     if (reply.status == kNone) {
-        return {kNoAnswer, "", "no account platform answers at " + m_http->url + " (" + reply.text + ")"};
+        return {kNoAnswer, "", "no account platform answers at " + m_http->url.text + " (" + reply.text + ")"};
     }
     const Json::Value root = ParseObject(reply.text);
     const std::string code = TextMember(root, "code");
@@ -80,7 +80,7 @@ SignInReply PlatformClient::SignIn(const SignInArguments& arguments) {
 SessionReply PlatformClient::CurrentSession() {
     httplib::Request request;
     request.method = "GET";
-    request.path = "/sandbox/session";
+    request.path = m_http->url.path + "/sandbox/session";
     const Reply reply = Send(m_http->client, std::move(request));
     if (reply.status == kNone) {
         return {kNoAnswer, ""};

@@ -4,9 +4,16 @@
 #include <string>
 
 #include "AccountSdkContract.h"
-#include "SignInArguments.h"
+#include "PlatformUrl.h"
 
 namespace accountsdk {
+
+// The three texts of "SignIn".
+struct SignInArguments {
+    std::string applicationId;
+    std::string scopes;
+    std::string location;
+};
 
 // Outcome of a sign-in at the platform.
 struct SignInReply {
@@ -25,8 +32,7 @@ struct SessionReply {
 // One thread at a time.
 class PlatformClient {
 public:
-    // url: as SdkConfiguration::platformUrl.
-    explicit PlatformClient(const std::string& url);
+    explicit PlatformClient(const PlatformUrl& platform);
     ~PlatformClient();
     PlatformClient(const PlatformClient&) = delete;
     PlatformClient& operator=(const PlatformClient&) = delete;

@@ -1,8 +1,11 @@
 #include "SdkConfiguration.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "JsonText.h"
 #include "OwnModule.h"
@@ -12,40 +15,49 @@ namespace {
 
 constexpr std::size_t kClientIdDigits = 9;
 
-bool IsDigits(const std::string& text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+bool IsClientId(const std::string& text) {
+    return text.size() == kClientIdDigits &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-bool IsPort(const std::string& text) {
-    return IsDigits(text) && text.size() <= 5 && std::stoi(text) >= 1 && std::stoi(text) <= 65535;
-}
-
-bool IsPlatformUrl(const std::string& url) {
-    static const std::string kScheme = "http://";
-    if (url.compare(0, kScheme.size(), kScheme) != 0) {
-        return false;
-    }
-    const std::string authority = url.substr(kScheme.size());
-    const std::size_t colon = authority.find(':');
-    const std::string host = authority.substr(0, colon);
-    const bool hostOk = !host.empty() && host.find_first_of("/?#@ \t\r\n") == std::string::npos;
-    return hostOk && (colon == std::string::npos || IsPort(authority.substr(colon + 1)));
+// The system is asked, not the C runtime, which keeps a copy from the start of the process: programs set the variable
+// while they run. Empty when it is not set.
+std::string PlatformUrlOfProcess() {
+    constexpr std::size_t kLongestVariable = 32767;  // with the terminating zero
+    std::wstring wide(kLongestVariable, L'\0');
+    const DWORD length =
+        GetEnvironmentVariableW(L"ZVACCOUNTSDK_PLATFORM_URL", wide.data(), static_cast<DWORD>(wide.size()));
+    wide.resize(length < wide.size() ? length : 0);
+    const int size = static_cast<int>(wide.size());
+    std::string text(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, nullptr, 0, nullptr, nullptr)),
+        '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, text.data(), static_cast<int>(text.size()), nullptr, nullptr);
+    return text;
 }
 
 }  // namespace
 
 Code LoadSdkConfiguration(SdkConfiguration& configuration) {
+    std::string url = PlatformUrlOfProcess();
+    std::string clientId;
     std::ifstream file(OwnModuleFolder() / "ZMSCoreConfig.json", std::ios::binary);
-    if (!file) {
+    if (file) {
+        const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        const Json::Value root = ParseObject(text);
+        clientId = TextMember(root, "client_id");
+        url = url.empty() ? TextMember(root, "platform_url") : url;
+        if (!IsClientId(clientId)) {
+            return kConfigurationInvalid;
+        }
+    } else if (url.empty()) {
         return kConfigurationMissing;
     }
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    const Json::Value root = ParseObject(text);
-    SdkConfiguration read{TextMember(root, "client_id"), TextMember(root, "platform_url")};
-    if (read.clientId.size() != kClientIdDigits || !IsDigits(read.clientId) || !IsPlatformUrl(read.platformUrl)) {
+    auto platform = ParsePlatformUrl(url);
+    if (!platform) {
         return kConfigurationInvalid;
     }
-    configuration = std::move(read);
+    configuration = {std::move(clientId), *std::move(platform)};
     return kOk;
 }
 

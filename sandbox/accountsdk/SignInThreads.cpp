@@ -8,7 +8,6 @@
 #include <chrono>
 
 #include "OwnModule.h"
-#include "PlatformClient.h"
 
 namespace accountsdk {
 namespace {
@@ -18,8 +17,8 @@ constexpr std::chrono::seconds kLongestWait{20};
 }  // namespace
 
 struct SignInThreads::SignIn {
-    SignIn(SignInThreads& owner, const std::string& platformUrl, SignInArguments signInArguments, NotifyCallback notify)
-        : threads(owner), client(platformUrl), arguments(std::move(signInArguments)), callback(notify) {}
+    SignIn(SignInThreads& owner, const PlatformUrl& platform, SignInArguments signInArguments, NotifyCallback notify)
+        : threads(owner), client(platform), arguments(std::move(signInArguments)), callback(notify) {}
 
     SignInThreads& threads;
     PlatformClient client;
@@ -30,8 +29,8 @@ struct SignInThreads::SignIn {
     bool cancelled = false;  // likewise
 };
 
-bool SignInThreads::Start(const std::string& platformUrl, SignInArguments arguments, NotifyCallback callback) {
-    auto signIn = std::make_shared<SignIn>(*this, platformUrl, std::move(arguments), callback);
+bool SignInThreads::Start(const PlatformUrl& platform, SignInArguments arguments, NotifyCallback callback) {
+    auto signIn = std::make_shared<SignIn>(*this, platform, std::move(arguments), callback);
     auto parameter = std::make_unique<std::shared_ptr<SignIn>>(signIn);
     signIn->module = ReferenceOwnModule();
     if (!signIn->module) {

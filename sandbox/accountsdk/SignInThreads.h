@@ -7,7 +7,7 @@
 #include <string>
 
 #include "AccountSdkContract.h"
-#include "SignInArguments.h"
+#include "PlatformClient.h"
 
 namespace accountsdk {
 
@@ -16,7 +16,7 @@ namespace accountsdk {
 class SignInThreads {
 public:
     // Returns at once; the callback comes later, on the new thread. False when there is no thread.
-    bool Start(const std::string& platformUrl, SignInArguments arguments, NotifyCallback callback);
+    bool Start(const PlatformUrl& platform, SignInArguments arguments, NotifyCallback callback);
 
     // Takes their callback from the running sign-ins and waits for their end, at most 20 s: no callback starts after
     // the return. False when the time ran out, as it does while a callback runs on, or with a platform whose reply

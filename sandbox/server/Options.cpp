@@ -1,10 +1,8 @@
 #include "Options.h"
 
-#ifdef _WIN32
 #include <windows.h>
-
+// After windows.h.
 #include <shellapi.h>
-#endif
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -18,7 +16,6 @@ namespace {
 constexpr int kBadOptionsExitCode = 2;
 constexpr int kHighestPort = 65535;
 
-#ifdef _WIN32
 std::string ToUtf8(const wchar_t* text) {
     const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
     std::string converted(static_cast<std::size_t>(std::max(size, 1)), '\0');
@@ -28,7 +25,7 @@ std::string ToUtf8(const wchar_t* text) {
 }
 
 // The arguments of main have lost every character outside the ANSI code page; these have not.
-std::vector<std::string> Utf8Arguments(int, const char* const*) {
+std::vector<std::string> Utf8Arguments() {
     int count = 0;
     const std::unique_ptr<wchar_t*, decltype(&LocalFree)> list(CommandLineToArgvW(GetCommandLineW(), &count),
                                                                &LocalFree);
@@ -38,11 +35,6 @@ std::vector<std::string> Utf8Arguments(int, const char* const*) {
     }
     return arguments;
 }
-#else
-std::vector<std::string> Utf8Arguments(int count, const char* const* arguments) {
-    return {arguments + std::min(count, 1), arguments + count};
-}
-#endif
 
 void Describe(CLI::App& application, Options& options) {
     application.add_option("--http-port", options.httpPort, "Port for HTTP, 0 for any free one")
@@ -56,15 +48,17 @@ void Describe(CLI::App& application, Options& options) {
     application.add_option("--tls-max", options.tlsMax, "Highest TLS version to offer")
         ->check(CLI::IsMember({"1.1", "1.2", "1.3"}))
         ->capture_default_str();
+    application.add_flag("--end-with-input", options.endWithInput,
+                         "End when standard input does: for a program that starts this one");
 }
 
 }  // namespace
 
-CommandLine ReadCommandLine(int count, const char* const* arguments) {
+CommandLine ReadCommandLine() {
     CommandLine commandLine;
-    CLI::App application("Account platform on 127.0.0.1. Serves until its standard input ends.", "sandbox-server");
+    CLI::App application("Account platform on 127.0.0.1. Serves until Ctrl-C.", "sandbox-server");
     Describe(application, commandLine.options);
-    auto list = Utf8Arguments(count, arguments);
+    auto list = Utf8Arguments();
     std::reverse(list.begin(), list.end());  // the parser takes them from the back
     try {
         application.parse(std::move(list));

@@ -10,6 +10,7 @@ struct Options {
     std::string authorityFile;          // UTF-8 path that receives the authority's certificate; empty: none is written
     std::string tlsName = "127.0.0.1";  // host name or IP address in the server's certificate
     std::string tlsMax = "1.3";         // highest TLS version offered: 1.1, 1.2 or 1.3
+    bool endWithInput = false;          // else Ctrl-C is what ends it
 };
 
 struct CommandLine {
@@ -19,6 +20,6 @@ struct CommandLine {
 };
 
 // Reads the process's command line. Bad options are reported in one line on standard error, help on standard output.
-CommandLine ReadCommandLine(int count, const char* const* arguments);
+CommandLine ReadCommandLine();
 
 }  // namespace sandbox

@@ -1,5 +1,5 @@
-#include "RoutingService.h"
-
+#include "Endpoints.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
 #include "http/JsonText.h"
@@ -8,26 +8,16 @@ namespace sandbox {
 namespace {
 
 // Any header fields will do.
-std::string RequestFault(const PlatformRequest& request) {
-    HeaderInspection inspection(request.head);
-    inspection.ExpectNoBody();
-    return request.query.empty() ? inspection.Reason() : "the query is not empty";
-}
-
 PlatformReply RemoteEndpoints(const PlatformRequest& request) {
-    if (const auto fault = RequestFault(request); !fault.empty()) {
-        return ErrorReply(400, fault);
-    }
-    Json::Value reply(Json::objectValue);
-    reply["region"] = "CN";
-    reply["ttlSeconds"] = 300;
+    HeaderInspection(request.head).ExpectNoBody();
+    RequireQuery(request, "");
+    Json::Value hosts(Json::arrayValue);
     for (const auto* host : {"rtq1.example.com", "rtq2.example.com"}) {
-        Json::Value endpoint(Json::objectValue);
-        endpoint["host"] = host;
-        endpoint["port"] = 443;
-        reply["endpoints"].append(endpoint);
+        hosts.append(JsonObject({{"host", host}, {"port", 443}}));
     }
-    return {200, JsonLine(reply), {{"x-zv-region", "CN"}, {"Cache-Control", "max-age=300"}}};
+    auto reply = JsonReply(JsonObject({{"region", "CN"}, {"ttlSeconds", 300}, {"endpoints", hosts}}));
+    reply.headers = {{"x-zv-region", "CN"}, {"Cache-Control", "max-age=300"}};
+    return reply;
 }
 
 }  // namespace

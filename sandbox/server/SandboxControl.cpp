@@ -1,43 +1,39 @@
-#include "SandboxControl.h"
-
 #include "../SignInContract.h"
+#include "Endpoints.h"
 #include "checks/WireConstants.h"
-#include "http/ControlEndpoint.h"
+#include "http/JsonText.h"
 
 namespace sandbox {
 namespace {
 
 constexpr const char* kPathFaults = "/sandbox/faults";
 
+PlatformReply EmptyReply() {
+    return JsonReply(Json::Value(Json::objectValue));
+}
+
 PlatformReply SessionReply(const Session& session) {
-    Json::Value reply(Json::objectValue);
-    reply["signedIn"] = session.signedIn;
-    reply["userId"] = session.userId;
-    reply["displayName"] = session.displayName;
-    return JsonReply(reply);
+    return JsonReply(
+        JsonObject({{"signedIn", session.signedIn}, {"userId", session.userId}, {"displayName", session.displayName}}));
+}
+
+void Expect(const Json::Value& body, const char* member, std::string_view value) {
+    if (body[member] != std::string(value)) {
+        throw Refusal(Wrong::kBody, std::string(member) + " is not \"" + std::string(value) + "\"");
+    }
 }
 
 PlatformReply SignIn(const Json::Value& body, PlatformState& state) {
-    struct Expected {
-        const char* member;
-        std::string_view value;
-    };
-    for (const auto& [member, value] : {Expected{"applicationId", kApplicationId}, Expected{"scopes", kSignInScopes},
-                                        Expected{"location", kSignInLocation}}) {
-        if (!body[member].isString() || body[member].asString() != value) {
-            return ErrorReply(400, std::string(member) + " is not \"" + std::string(value) + "\"");
-        }
-    }
+    Expect(body, "applicationId", kApplicationId);
+    Expect(body, "scopes", kSignInScopes);
+    Expect(body, "location", kSignInLocation);
     const auto grant = state.SignIn();
-    Json::Value reply(Json::objectValue);
-    reply["code"] = grant.code;
-    reply["userId"] = grant.userId;
-    return JsonReply(reply);
+    return JsonReply(JsonObject({{"code", grant.code}, {"userId", grant.userId}}));
 }
 
 PlatformReply SelectAccount(const Json::Value& body, PlatformState& state) {
     if (!body["userId"].isString() || !state.SelectAccount(body["userId"].asString())) {
-        return ErrorReply(400, "userId is not that of an account");
+        throw Refusal(Wrong::kBody, "userId is not that of an account");
     }
     return SessionReply(state.CurrentSession());
 }
@@ -45,34 +41,30 @@ PlatformReply SelectAccount(const Json::Value& body, PlatformState& state) {
 PlatformReply AdvanceClock(const Json::Value& body, PlatformState& state) {
     const auto& seconds = body["advanceSeconds"];
     if (!seconds.isUInt() || !state.AdvanceClock(std::chrono::seconds(seconds.asUInt()))) {
-        return ErrorReply(400, "advanceSeconds is not a whole number, or the clock would be more than " +
-                                   std::to_string(std::chrono::seconds(kLongestAdvance).count()) + " s ahead in all");
+        throw Refusal(Wrong::kBody, "advanceSeconds is not a whole number, or the clock would be more than " +
+                                        std::to_string(std::chrono::seconds(kLongestAdvance).count()) +
+                                        " s ahead in all");
     }
-    return JsonReply(Json::Value(Json::objectValue));
+    return EmptyReply();
 }
 
 PlatformReply Revoke(const Json::Value& body, PlatformState& state) {
-    const auto kind = body["kind"].isString() ? body["kind"].asString() : std::string();
+    const auto& kind = body["kind"];
     if (kind != "access" && kind != "refresh") {
-        return ErrorReply(400, "kind is neither \"access\" nor \"refresh\"");
+        throw Refusal(Wrong::kBody, "kind is neither \"access\" nor \"refresh\"");
     }
     const auto revoked = state.Revoke(kind == "access" ? TokenKind::kAccess : TokenKind::kRefresh);
-    Json::Value reply(Json::objectValue);
-    reply["revoked"] = static_cast<Json::UInt64>(revoked);
-    return JsonReply(reply);
+    return JsonReply(JsonObject({{"revoked", static_cast<Json::UInt64>(revoked)}}));
 }
 
 PlatformReply PutFault(const Json::Value& body, const EndpointTable& endpoints, FaultTable& faults) {
-    auto parsed = ParseFault(body);
-    if (!parsed.reason.empty()) {
-        return ErrorReply(400, parsed.reason);
-    }
+    auto fault = ReadFault(body);
     // A fault of this very endpoint could not be taken back.
-    if (!endpoints.Knows(parsed.fault.endpoint) || parsed.fault.endpoint == kPathFaults) {
-        return ErrorReply(400, "endpoint is not one that can have faults: " + parsed.fault.endpoint);
+    if (!endpoints.Knows(fault.endpoint) || fault.endpoint == kPathFaults) {
+        throw Refusal(Wrong::kBody, "endpoint is not one that can have faults: " + fault.endpoint);
     }
-    faults.Put(std::move(parsed.fault));
-    return JsonReply(Json::Value(Json::objectValue));
+    faults.Put(std::move(fault));
+    return EmptyReply();
 }
 
 Json::Value CountsOf(const std::map<std::string, std::uint64_t>& counts) {
@@ -85,25 +77,18 @@ Json::Value CountsOf(const std::map<std::string, std::uint64_t>& counts) {
 
 PlatformReply Statistics(const TrafficLog& traffic) {
     const auto totals = traffic.Totals();
-    Json::Value reply(Json::objectValue);
-    reply["connections"] = CountsOf(totals.connections);
-    reply["requests"] = CountsOf(totals.requests);
-    return JsonReply(reply);
+    return JsonReply(
+        JsonObject({{"connections", CountsOf(totals.connections)}, {"requests", CountsOf(totals.requests)}}));
 }
 
 PlatformReply LastRequest(const PlatformRequest& request, const TrafficLog& traffic) {
     const auto endpoint = request.parameters.find("endpoint");
     if (endpoint == request.parameters.end()) {
-        return ErrorReply(400, "endpoint is missing in the query");
+        throw Refusal(Wrong::kQuery, "endpoint is missing in the query");
     }
     const auto recorded = traffic.LastRequest(endpoint->second);
-    if (!recorded) {
-        return ErrorReply(404, "no request came for " + endpoint->second);
-    }
-    Json::Value reply(Json::objectValue);
-    reply["head"] = recorded->head;
-    reply["body"] = recorded->body;
-    return JsonReply(reply);
+    return recorded ? JsonReply(JsonObject({{"head", recorded->head}, {"body", recorded->body}}))
+                    : ErrorReply(404, "no request came for " + endpoint->second);
 }
 
 }  // namespace
@@ -126,7 +111,7 @@ void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, FaultTa
                   WithObject([&](const Json::Value& body) { return PutFault(body, endpoints, faults); }));
     endpoints.Add("DELETE", kPathFaults, [&](const PlatformRequest&) {
         faults.Clear();
-        return JsonReply(Json::Value(Json::objectValue));
+        return EmptyReply();
     });
     endpoints.Add("GET", "/sandbox/statistics", [&](const PlatformRequest&) { return Statistics(traffic); });
     endpoints.Add("GET", "/sandbox/last-request",

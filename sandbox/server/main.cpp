@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -6,28 +8,17 @@
 #include <stdexcept>
 #include <thread>
 
+#include "Endpoints.h"
 #include "Options.h"
-#include "RoutingService.h"
-#include "SandboxControl.h"
-#include "contacts/ContactsControl.h"
-#include "contacts/ContactsPortal.h"
+#include "contacts/Endpoints.h"
 #include "crypto/Certificates.h"
 #include "http/HttpFrontEnd.h"
 #include "http/JsonText.h"
 #include "http/RecordingServer.h"
-#include "profile/GatewayService.h"
-#include "profile/PhotoHost.h"
-#include "profile/RegistrationService.h"
-#include "profile/SyncService.h"
-#include "profile/UserInformationService.h"
-#include "synckey/UserKeyControl.h"
-#include "synckey/UserKeyService.h"
-#include "sysconf/BasicService.h"
-#include "sysconf/BasicServiceControl.h"
-#include "sysconf/LoginDevices.h"
-#include "token/ApplicationTokenService.h"
-#include "token/CodeExchangeService.h"
-#include "token/RefreshService.h"
+#include "profile/Endpoints.h"
+#include "synckey/Endpoints.h"
+#include "sysconf/Endpoints.h"
+#include "token/Endpoints.h"
 
 namespace sandbox {
 namespace {
@@ -103,14 +94,31 @@ private:
 };
 
 void AnnounceReady(int httpPort, int httpsPort, const std::string& authorityFile) {
-    Json::Value ready(Json::objectValue);
-    ready["http"] = "http://127.0.0.1:" + std::to_string(httpPort);
-    ready["https"] = "https://127.0.0.1:" + std::to_string(httpsPort);
-    ready["caFile"] = authorityFile;
-    std::cout << JsonLine(ready) << std::endl;
+    std::cout << JsonLine(JsonObject({{"http", "http://127.0.0.1:" + std::to_string(httpPort)},
+                                      {"https", "https://127.0.0.1:" + std::to_string(httpsPort)},
+                                      {"caFile", authorityFile}}))
+              << std::endl;
 }
 
-void WaitForEndOfInput() {
+HANDLE EndEvent() {
+    static const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    return event;
+}
+
+// Ctrl-C, Ctrl-Break, or the console's window is closed. Runs on a thread of its own.
+BOOL WINAPI OnConsoleEvent(DWORD kind) {
+    SetEvent(EndEvent());
+    if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) {
+        Sleep(INFINITE);  // the system ends the process when this returns; main is to return first
+    }
+    return TRUE;
+}
+
+void WaitForEnd(bool ofInput) {
+    if (!ofInput) {
+        WaitForSingleObject(EndEvent(), INFINITE);
+        return;
+    }
     while (std::cin.get() != std::char_traits<char>::eof()) {
     }
 }
@@ -130,13 +138,12 @@ struct Platform {
 };
 
 Platform::Platform() {
-    AddPortalEndpoints(endpoints, state);
+    AddCodeExchangeEndpoint(endpoints, state);
     AddRefreshEndpoint(endpoints, state);
     AddApplicationTokenEndpoint(endpoints, state);
     AddRegistrationEndpoint(endpoints, state);
     AddGatewayEndpoint(endpoints, state);
-    AddSyncEndpoint(endpoints, state);
-    AddUserInformationEndpoint(endpoints, state);
+    AddUserInformationEndpoints(endpoints, state);
     AddPhotoEndpoints(endpoints, state);
     AddRoutingEndpoints(endpoints);
     AddUserKeyEndpoints(endpoints, state, userKeys);
@@ -150,7 +157,7 @@ Platform::Platform() {
     AddContactsControl(endpoints, state, contacts);
 }
 
-// Until the input ends. False when a listener failed meanwhile, which has been reported.
+// Serves until it is told to end. False when a listener failed meanwhile, which has been reported.
 bool Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
     Platform platform;
@@ -173,8 +180,11 @@ bool Serve(const Options& options) {
 
     RunningServer<RecordingHttpServer> runningHttp(http);
     RunningServer<RecordingHttpsServer> runningHttps(https);
+    if (!options.endWithInput) {
+        SetConsoleCtrlHandler(OnConsoleEvent, TRUE);  // without it Ctrl-C ends the process at once
+    }
     AnnounceReady(httpPort, httpsPort, options.authorityFile);
-    WaitForEndOfInput();
+    WaitForEnd(options.endWithInput);
     frontEnd.Stop();
     const bool httpServed = runningHttp.Stop();
     return runningHttps.Stop() && httpServed;
@@ -183,9 +193,9 @@ bool Serve(const Options& options) {
 }  // namespace
 }  // namespace sandbox
 
-int main(int argumentCount, char** arguments) {
+int main() {
     try {
-        const auto commandLine = sandbox::ReadCommandLine(argumentCount, arguments);
+        const auto commandLine = sandbox::ReadCommandLine();
         return commandLine.run && !sandbox::Serve(commandLine.options) ? 1 : commandLine.exitCode;
     } catch (const std::exception& error) {
         std::cerr << "sandbox-server: " << error.what() << std::endl;

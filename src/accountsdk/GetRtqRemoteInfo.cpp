@@ -4,9 +4,9 @@
 #include "request/UserAuthRequest.h"
 
 std::string UserAuthService::GetRtqRemoteInfo(std::wstring url, std::map<std::string, std::string>& headers) try {
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(std::move(url));
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result, headers);
     return result.nHttpCode == userauth::kHttpOk ? result.szResponse : std::string();
 } catch (...) {

@@ -2,7 +2,7 @@
 
 #include "UserAuthService.h"
 #include "core/BoundedFormat.h"
-#include "core/ModulePath.h"
+#include "core/Modules.h"
 #include "core/ServiceLog.h"
 
 namespace {
@@ -39,8 +39,8 @@ void ReportLoadFailure(DWORD error) {
 bool UserAuthService::LoadZMSSDKLibrary() try {
     const std::wstring directory = userauth::GetCurrentModuleDirectory();
     const std::wstring path = directory + L"ZVAccountSdk.dll";
-    // Not checked: it takes effect only where the host has called SetDefaultDllDirectories, and the full path does not
-    // need it.
+    // The result is not checked. The folder counts only where the host has called SetDefaultDllDirectories, and the
+    // full path below does not need it.
     AddDllDirectory(directory.c_str());
     // Without a folder the name alone would search the current directory and PATH for a library to run.
     const HMODULE module = directory.empty() ? nullptr : LoadLibraryW(path.c_str());

@@ -7,7 +7,7 @@
 #include "UserAuthService.h"
 #include "core/DeploymentConstants.h"
 #include "core/JsonText.h"
-#include "core/ModulePath.h"
+#include "core/Modules.h"
 #include "core/TextEncoding.h"
 
 namespace {

@@ -13,7 +13,7 @@ constexpr unsigned kOemCodePage = 1;
 // Business event of the sign-in: basic event, operation, action.
 constexpr int kEventSignIn[] = {248, 5, 4};
 
-// The blank at the end is deliberate: the platform compares the list as a whole.
+// The blank at the end is kept as it is.
 constexpr char kScopes[] = USERAUTH_SCOPE_HOST
     "/auth/account/base.profile " USERAUTH_SCOPE_HOST "/auth/account/devicelist " USERAUTH_SCOPE_HOST
     "/auth/drive " USERAUTH_SCOPE_HOST
@@ -22,7 +22,7 @@ constexpr char kScopes[] = USERAUTH_SCOPE_HOST
     "/auth/drive/extension " USERAUTH_SCOPE_HOST "/auth/clouddatasync " USERAUTH_SCOPE_HOST
     "/auth/account/account.flags " USERAUTH_SCOPE_HOST "/auth/account/realname/state ";
 
-// Deliberately not JSON: the SDK expects this text for "no location".
+// Not JSON: kept as it is.
 constexpr char kLocation[] = R"({"LocationX":,"LocationY":})";
 
 }  // namespace

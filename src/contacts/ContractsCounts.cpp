@@ -8,8 +8,8 @@ namespace {
 // Business event of the export: basic event, operation, action.
 constexpr int kEventContactsExport[] = {148, 1, 0};
 
-// Every occurrence counts, wherever it stands, and the search goes on one character behind it: both deliberate, the
-// numbers are compared with those of other clients.
+// Every occurrence counts, wherever it stands, and the search goes on one character behind it, so that "BEGINBEGIN" is
+// one. Kept as it is.
 std::size_t CountCards(const std::string& content) {
     const std::string mark = "BEGIN";
     std::size_t count = 0;

@@ -20,13 +20,13 @@ std::wstring CookieText(const std::map<std::wstring, std::wstring>& cookies) {
     return text;
 }
 
-UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::wstring>& cookies) {
+userauth::UserAuthRequest::HeaderMap Headers(const std::map<std::wstring, std::wstring>& cookies) {
     return {
         {L"Accept", L"application/json, text/plain, */*"},
         {L"Accept-Encoding", L"gzip, deflate, br"},
         {L"Accept-Language", L"zh-CN"},
-        {L"Cache-Control", L"application/json, text/plain, */*"},  // deliberately the text of "Accept"
-        {L"ContentType", L"application/force-download"},           // deliberately without a hyphen
+        {L"Cache-Control", L"application/json, text/plain, */*"},  // the text of "Accept": kept as it is
+        {L"ContentType", L"application/force-download"},           // without a hyphen: kept as it is
         {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
         {L"Cookie", CookieText(cookies)},
     };
@@ -46,8 +46,8 @@ bool Keep(userauth::DownloadBuffer& content, const char* data, std::size_t size)
 
 bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
                                       std::map<std::wstring, std::wstring> cookies) try {
-    UserAuthRequest::HeaderMap headers = Headers(cookies);
-    // Whether the file can be written is not checked: the download runs for the count anyway, and only its status
+    userauth::UserAuthRequest::HeaderMap headers = Headers(cookies);
+    // Nobody checks whether the file can be written: the download runs for the count anyway, and its status alone
     // decides.
     std::ofstream file(std::filesystem::path(filePath), std::ios::binary | std::ios::trunc);
     userauth::DownloadBuffer content;
@@ -62,7 +62,7 @@ bool UserAuthService::ExportContracts(std::wstring url, std::wstring filePath,
         file.seekp(static_cast<std::streamoff>(total));
         return true;
     });
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(std::move(url), std::move(headers));
     if (request.SendDownRequest(&handler) != userauth::kHttpOk) {
         userauth::WriteLog(kSeverityFailure, __LINE__, kTag, L"Error: ExportContracts failed!");

@@ -4,7 +4,8 @@
 
 namespace userauth {
 
-// The account brand id in decimal, for the client's modules. Written under the account-state lock.
+// The account brand id in decimal. The interface asks for it; nothing in this library reads it. Written under the
+// account-state lock.
 extern std::string g_accountBrandText;
 
 }  // namespace userauth

@@ -16,8 +16,8 @@ std::string g_accountBrandText;
 }  // namespace userauth
 
 void UserAuthService::Clear() {
-    // Deliberately these four only: name, portrait URL, country, brand, flags, modules and key stay, and the store is
-    // not told.
+    // These four are what the interface empties. Name, portrait URL, country, brand, flags, modules and key stay, and
+    // the store is not told: that is up to the host.
     const ExclusiveHold hold(m_lock);
     m_strCurrentRT.clear();
     m_strCurrentAT.clear();
@@ -106,7 +106,7 @@ void UserAuthService::SetCurrentUserInfo(const std::wstring& userId, const std::
 #pragma GCC diagnostic ignored "-Wignored-qualifiers"  // the const result is part of the exported signature
 #endif
 
-// Without the lock, by design: the host reads these after the operation that wrote them has returned.
+// Without the lock: the host reads these after the operation that wrote them has returned (UserAuthService.h).
 
 std::string UserAuthService::GetCountryCode() {
     return userauth::WideToMultiByte(m_strCountryCode, userauth::kUtf8CodePage);
@@ -132,8 +132,7 @@ std::vector<std::wstring> UserAuthService::GetValidModule() {
 }
 
 void UserAuthService::SetRealUserKey(std::vector<std::uint8_t> key) {
-    OPENSSL_cleanse(m_vecRealUserKey.data(), m_vecRealUserKey.size());
-    m_vecRealUserKey = key;
+    m_vecRealUserKey.swap(key);  // needs no memory: the stored key is never lost
     OPENSSL_cleanse(key.data(), key.size());
 }
 

@@ -5,11 +5,16 @@
 
 namespace userauth {
 
-// The two directions serve different peers and take two alphabets (RFC 4648), on purpose: what comes from the server is
-// in the standard one (section 4), what goes out is in the URL-safe one (section 5). One cannot read the other.
+// Two alphabets (RFC 4648): the standard one (section 4) and the URL-safe one (section 5). One cannot read the other.
+// The key exchange takes both, on purpose: the key server sends the standard one and wants the URL-safe one. The
+// authorization header is in the standard one.
 
 // URL-safe base64 of length bytes, padded with "=", without line breaks; empty for a length of 0.
 std::string Base64UrlEncode(const unsigned char* bytes, std::int32_t length);
+
+// Standard base64 of the bytes, padded, on one line, through OpenSSL's filter. Throws
+// std::bad_alloc when memory runs out: what is sent is whole or not sent.
+std::string EncodeStandardBase64(const std::string& bytes);
 
 // The bytes of a standard base64 text, up to its end or to the first character that is not in the alphabet ("=", "-",
 // "_", a blank, a line break): what follows is ignored without error. A last group of n characters gives n - 1 bytes.

@@ -1,8 +1,10 @@
 #pragma once
 
-// Values that belong to one deployment of the client. This file is the only place to change them; the hosts stand on
-// reserved example domains until a deployment sets its own.
 namespace userauth {
+
+// Values that belong to one deployment of the client. This library takes them from here only. The hosts stand on
+// reserved example domains until a deployment sets its own. A deployment that changes the application id changes it in
+// the account SDK's own configuration file too.
 
 // The client's numeric id at the account platform, nine decimal digits: sent at sign-in, in the authorization text and
 // to the basic service, and written into the account SDK's configuration.
@@ -16,5 +18,14 @@ inline constexpr wchar_t kAccountTestHost[] = L"account-test.example.com";
 
 // Prefix of every sign-in scope but "openid".
 #define USERAUTH_SCOPE_HOST "https://www.example.com"
+
+// What this client calls itself towards the account servers.
+inline constexpr char kProductTag[] = "NimbaPC";
+inline constexpr char kClientVersion[] = "11.2.4.301";
+inline constexpr char kPackageName[] = "com.zorvan.cloud.pc";
+inline constexpr wchar_t kDeviceType[] = L"6";
+inline constexpr wchar_t kTerminal[] = L"PC";
+inline constexpr wchar_t kAuthorizationVersion[] = L"1";
+inline constexpr wchar_t kOsBrand[] = L"Windows";
 
 }  // namespace userauth

@@ -6,22 +6,75 @@
 #include <memory>
 #include <utility>
 
+#include "UserAuthService.h"
+
 namespace userauth {
 namespace {
 
-bool Parse(const Json::CharReaderBuilder& builder, const std::string& text, Json::Value& value) {
+constexpr int kLongestDigitRun = 1024;
+
+// Position behind a string, given that of its opening quote; the text's end when it is not closed.
+std::size_t BehindString(const std::string& text, std::size_t quote) {
+    for (std::size_t at = quote + 1; at < text.size(); ++at) {
+        if (text[at] == '\\') {
+            ++at;
+        } else if (text[at] == '"') {
+            return at + 1;
+        }
+    }
+    return text.size();
+}
+
+// Position behind a comment of either kind, given that of its first slash; behind the slash when it begins none.
+std::size_t BehindComment(const std::string& text, std::size_t slash) {
+    const bool block = text.compare(slash, 2, "/*") == 0;
+    if (!block && text.compare(slash, 2, "//") != 0) {
+        return slash + 1;
+    }
+    const std::size_t end = block ? text.find("*/", slash + 2) : text.find_first_of("\r\n", slash + 2);
+    return end == std::string::npos ? text.size() : end + (block ? 2 : 1);
+}
+
+// The C runtime reads a number of n digits in n * n steps: a megabyte of digits takes minutes. Digits within strings
+// and comments are not converted and do not count. Strings and comments are found as both readers find them, up to the
+// first error in the text; behind an error no number is converted.
+bool HasEndlessNumber(const std::string& text) {
+    int digits = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const char character = text[at];
+        digits = character >= '0' && character <= '9' ? digits + 1 : 0;
+        if (digits > kLongestDigitRun) {
+            return true;
+        }
+        at = character == '"' ? BehindString(text, at) : character == '/' ? BehindComment(text, at) : at + 1;
+    }
+    return false;
+}
+
+// Every parse goes through here.
+template <typename Read>
+bool Parse(const std::string& text, const Read& read) {
+    if (HasEndlessNumber(text)) {
+        return false;
+    }
     try {
-        const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-        return reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
+        return read(text.data(), text.data() + text.size());
     } catch (const std::exception&) {
         return false;
     }
 }
 
+bool ParseByDefaultRules(const std::string& text, Json::Value& value) {
+    return Parse(text, [&value](const char* begin, const char* end) {
+        const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+        return reader->parse(begin, end, &value, nullptr);
+    });
+}
+
 }  // namespace
 
 bool ParseJsonText(std::string text, Json::Value& value) {
-    if (text.empty() || !Parse(Json::CharReaderBuilder(), text, value)) {
+    if (text.empty() || !ParseByDefaultRules(text, value)) {
         return false;
     }
     return value.isArray() || value.isObject();
@@ -29,22 +82,12 @@ bool ParseJsonText(std::string text, Json::Value& value) {
 
 Json::Value ParseLeniently(const std::string& text) {
     Json::Value value;
-    Parse(Json::CharReaderBuilder(), text, value);
+    ParseByDefaultRules(text, value);
     return value;
 }
 
-bool ParseDocument(const std::string& text, Json::Value& value) {
-    // The rules of the library's older reader, which the servers' replies were written against.
-    Json::CharReaderBuilder builder;
-    builder["allowTrailingCommas"] = false;
-    builder["skipBom"] = false;
-    Json::Value parsed;
-    const bool done = Parse(builder, text, parsed);
-    value = done ? std::move(parsed) : Json::Value();
-    return done;
-}
-
-// The two writers are deprecated in favour of a configurable one that cannot reproduce their layouts to the byte.
+// The older reader and the two writers are deprecated in favour of configurable ones. Those accept other texts, and
+// cannot reproduce the writers' layouts to the byte.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -52,6 +95,16 @@ bool ParseDocument(const std::string& text, Json::Value& value) {
 #pragma warning(push)
 #pragma warning(disable : 4996)
 #endif
+
+bool ParseDocument(const std::string& text, Json::Value& value) {
+    Json::Value parsed;
+    const bool done = Parse(text, [&parsed](const char* begin, const char* end) {
+        constexpr bool kCollectComments = true;
+        return Json::Reader().parse(begin, end, parsed, kCollectComments);
+    });
+    value = done ? std::move(parsed) : Json::Value();
+    return done;
+}
 
 std::string WriteCompactLine(const Json::Value& value) {
     return Json::FastWriter().write(value);
@@ -68,3 +121,7 @@ std::string WriteStyledDocument(const Json::Value& value) {
 #endif
 
 }  // namespace userauth
+
+Json::Value UserAuthService::StringToJson(std::string text) try { return userauth::ParseLeniently(text); } catch (...) {
+    return {};
+}

@@ -7,7 +7,8 @@
 namespace userauth {
 
 // Everything that turns JSON text into values and back. None of these throws on any text: the library's exceptions
-// (nesting beyond its limit of 1,000 among them) count as a failed parse.
+// (nesting beyond its limit of 1,000 among them) count as a failed parse. So does a text with more than 1,024 digits in
+// a row outside strings and comments, wherever it stands: it is not parsed at all.
 
 // Parses a whole text. True only for an array or an object at the root; false on empty text. On failure value holds
 // what the reader left.
@@ -16,8 +17,9 @@ bool ParseJsonText(std::string text, Json::Value& value);
 // Parses with the library's default settings and ignores the outcome: a malformed text yields what the reader left.
 Json::Value ParseLeniently(const std::string& text);
 
-// Parses a server's reply or a file. Comments are allowed and collected; a byte-order mark and trailing commas are
-// errors. False with value null when the text is not JSON.
+// Parses a server's reply or a file with the library's older reader, whose rules differ from those above: a byte-order
+// mark, a trailing comma and a plus sign before a number are errors, and a minus sign alone is 0. Comments are allowed
+// and collected. False with value null when the text is not JSON.
 bool ParseDocument(const std::string& text, Json::Value& value);
 
 // One line, no indentation, ending in a line feed, everything outside ASCII escaped: a request body.

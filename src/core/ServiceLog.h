@@ -6,14 +6,18 @@
 
 namespace userauth {
 
-// Number of this library in the suite's log.
+// Numbers in the suite's log: of this library, and of the suite as a whole.
 inline constexpr int kLoggerModule = 10;
+inline constexpr int kSuiteLoggerModule = 0;
 
 // Writes one line of this library. line: __LINE__ of the call; functionTag: "Class::Method".
-void WriteLog(LogSeverity severity, int line, const char* functionTag, const std::wstring& message);
+inline void WriteLog(LogSeverity severity, int line, const char* functionTag, const std::wstring& message) {
+    Logger::Output(kLoggerModule, severity, line, functionTag, message, true);
+}
 
-// Writes a line under module 0 instead, as two lines deliberately are: evaluations of the whole suite look for them
-// there.
-void WriteSuiteLog(LogSeverity severity, int line, const char* functionTag, const std::wstring& message);
+// Writes a line under the suite's number instead. Two lines have always been there, and are kept there.
+inline void WriteSuiteLog(LogSeverity severity, int line, const char* functionTag, const std::wstring& message) {
+    Logger::Output(kSuiteLoggerModule, severity, line, functionTag, message, true);
+}
 
 }  // namespace userauth

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "UserAuthService.h"
-#include "core/ModuleReference.h"
-#include "core/PortraitChangedMessage.h"
+#include "core/Modules.h"
+#include "core/WindowMessages.h"
 #include "request/UserAuthRequest.h"
 
 namespace userauth {

@@ -4,16 +4,16 @@
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 bool UserAuthService::RequestUserIdFromSyncServer() try {
     constexpr char kTag[] = "UserAuthService::RequestUserIdFromSyncServer";
     const std::wstring url =
         GlobalParamWrapper::GetInstance()->GetSyncServerUrl() + L"/drive/v1/about?fields=user(userId)";
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(url, {{L"Authorization", L"Bearer " + GetInstance()->GetCurrentAT()}});
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
 
     userauth::WriteLog(kSeverityProgress, __LINE__, kTag,

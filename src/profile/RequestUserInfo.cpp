@@ -5,12 +5,12 @@
 #include <exception>
 
 #include "UserAuthService.h"
-#include "core/PortraitChangedMessage.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
+#include "core/WindowMessages.h"
 #include "profile/PortraitDownload.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 namespace {
@@ -25,12 +25,12 @@ constexpr char kTag[] = "UserAuthService::RequestUserInfo";
 constexpr int kEventUserInfo[] = {251, 5, 0};
 
 // Sends the request and leaves its lines in the log.
-WebRequestResult SendProfileRequest(const std::wstring& accessToken) {
+userauth::WebRequestResult SendProfileRequest(const std::wstring& accessToken) {
     const std::wstring url = GlobalParamWrapper::GetInstance()->GetUserInformationserviceUrl() +
                              L"/KeCloudUserInformationService/v1/users?fields=userId,displayName,profilePhotoLink";
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetGetRequest(url, {{L"Authorization", L"Bearer " + accessToken}});
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
     WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("RequestUserInfo", url, result.nHttpCode));
     Logger::OutputOperationLog(kEventUserInfo[0], kEventUserInfo[1], kEventUserInfo[2]);
@@ -42,7 +42,7 @@ WebRequestResult SendProfileRequest(const std::wstring& accessToken) {
 bool UserAuthService::RequestUserInfo() try {
     // One file without extension, whatever the image type.
     const std::wstring portraitPath = GlobalParamWrapper::GetInstance()->GetAppDataLocalPath() + L"\\HeadPortrait";
-    const WebRequestResult result = SendProfileRequest(GetInstance()->GetCurrentAT());
+    const userauth::WebRequestResult result = SendProfileRequest(GetInstance()->GetCurrentAT());
     if (result.nHttpCode != userauth::kHttpOk) {
         WriteLog(kSeverityFailure, __LINE__, kTag,
                  L"Error: GetUserInfo failed, httpcode = " + std::to_wstring(result.nHttpCode));
@@ -56,7 +56,7 @@ bool UserAuthService::RequestUserInfo() try {
     } else {
         WriteLog(kSeverityProgress, __LINE__, kTag, L"GetprofilePhotoLink start");
         DeleteFileW(portraitPath.c_str());
-        // Deliberately decoded in the ANSI code page for the download, while the stored link below is decoded as UTF-8.
+        // The download takes the link in the ANSI code page, the account state below in UTF-8: kept as it is.
         userauth::StartPortraitDownload({portraitPath, MultiByteToWide(photoLink, userauth::kAnsiCodePage), this});
     }
     const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);

@@ -6,7 +6,7 @@
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 namespace {
@@ -15,11 +15,11 @@ using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::UpdateRegistInfo";
 
-JsonData Body(const std::string& countryCode, const std::wstring& traceId) {
+userauth::JsonData Body(const std::string& countryCode, const std::wstring& traceId) {
     Json::Value body(Json::objectValue);
     body["registerCountryCode"] = countryCode;
     body["traceId"] = userauth::WideToMultiByte(traceId, userauth::kAnsiCodePage);
-    return JsonData(body);
+    return userauth::JsonData(body);
 }
 
 }  // namespace
@@ -29,9 +29,9 @@ bool UserAuthService::UpdateRegistInfo() try {
     const std::wstring url =
         GlobalParamWrapper::GetInstance()->GetPortalUrl() + L"/pcclient/getRegisterInfo?traceId=" + traceId;
     const std::string country = userauth::WideToMultiByte(GetCurrentCountryCode(), userauth::kUtf8CodePage);
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetPostRequest(url, BuildHeaders(HeadType::kAccount, traceId), Body(country, traceId));
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
 
     WriteLog(kSeverityProgress, __LINE__, kTag, L"UpdateRegistInfo httpcode:" + std::to_wstring(result.nHttpCode));
@@ -52,5 +52,9 @@ bool UserAuthService::UpdateRegistInfo() try {
     WriteLog(kSeverityProgress, __LINE__, kTag, L"UpdateRegistInfo successed!");
     return true;
 } catch (...) {
+    return false;
+}
+
+bool UserAuthService::IsChinaAccount() try { return GetCurrentCountryCode() == L"CN"; } catch (...) {
     return false;
 }

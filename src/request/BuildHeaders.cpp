@@ -1,12 +1,11 @@
 #include <ParamStore.h>
 
 #include "UserAuthService.h"
+#include "core/Base64.h"
 #include "core/DeploymentConstants.h"
 #include "core/TextEncoding.h"
-#include "request/ClientConstants.h"
 #include "request/DeviceIdentity.h"
 #include "request/OsVersionText.h"
-#include "request/StandardBase64.h"
 
 namespace {
 
@@ -14,6 +13,7 @@ using HeaderMap = std::map<std::wstring, std::wstring>;
 using userauth::kAnsiCodePage;
 using userauth::kUtf8CodePage;
 using userauth::MultiByteToWide;
+using userauth::WideToMultiByte;
 
 constexpr wchar_t kJson[] = L"application/json";
 
@@ -41,7 +41,9 @@ HeaderMap CommonHeaders(const std::wstring& traceId) {
 
 }  // namespace
 
-std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) try {
+// This, GetAuthorizationContents and GetTraceID may throw std::bad_alloc: the operation that asked answers then, and
+// nothing is sent with half its headers.
+std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) {
     HeaderMap headers = CommonHeaders(traceId);
     const auto authorization = [this] { return MultiByteToWide(GetAuthorizationContents(), kAnsiCodePage); };
     const auto version = [] { return MultiByteToWide(userauth::kClientVersion, kUtf8CodePage); };
@@ -64,7 +66,7 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
             headers.emplace(L"x-zv-os", userauth::OsVersionText());
             headers.emplace(L"AuthType",
                             MultiByteToWide(userauth::EncodeStandardBase64(userauth::kPackageName), kAnsiCodePage));
-            // A deliberate leftover without effect: the common "Host" stays.
+            // A leftover without effect: the common "Host" stays. Kept as it is.
             headers.emplace(L"Host", userauth::kAccountTestHost);
             break;
         case HeadType::kCodeExchange:
@@ -78,6 +80,13 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
             break;
     }
     return headers;
-} catch (...) {
-    return {};
+}
+
+// Base64 of "6:<SDK text>:<application id>::<URL-encoded access token>"; 6 is this client's device type.
+std::string UserAuthService::GetAuthorizationContents() {
+    const std::wstring accessToken = userauth::UrlEncode(GetCurrentAT());
+    return userauth::EncodeStandardBase64(WideToMultiByte(userauth::kDeviceType, kAnsiCodePage) + ":" +
+                                          WideToMultiByte(m_strSdkDeviceId, kAnsiCodePage) + ":" +
+                                          WideToMultiByte(userauth::kApplicationId, kAnsiCodePage) +
+                                          "::" + WideToMultiByte(accessToken, kAnsiCodePage));
 }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <new>
@@ -31,6 +32,11 @@ DeviceIdentity ReadDeviceIdentity() {
     return received <= bytes ? ReadSmbiosTable(table.get(), received) : DeviceIdentity();
 }
 
+// C0, delete and C1.
+bool IsControl(wchar_t character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
 std::atomic<const DeviceIdentity*> g_identity{nullptr};
 
 }  // namespace
@@ -49,8 +55,10 @@ const DeviceIdentity& CurrentDeviceIdentity() {
 
 std::wstring DeviceNameHeader(const DeviceIdentity& identity) {
     constexpr std::size_t kLongestName = 250;
-    const std::wstring& name = identity.system.productName;
-    return name.empty() ? L"PC" : name.substr(0, kLongestName);
+    std::wstring name = identity.system.productName.substr(0, kLongestName);
+    // The HTTP library refuses a request whose header value holds a line break or a zero.
+    std::replace_if(name.begin(), name.end(), IsControl, L' ');
+    return name.empty() ? L"PC" : name;
 }
 
 }  // namespace userauth

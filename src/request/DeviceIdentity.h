@@ -8,7 +8,8 @@ namespace userauth {
 // every request: two first callers at the same moment may each read it, and the first to be done stays.
 const DeviceIdentity& CurrentDeviceIdentity();
 
-// The device name as requests carry it: the system's product name, at most its first 250 characters, or "PC".
+// The device name as requests carry it: the system's product name, at most its first 250 characters, with a blank for
+// each control character; "PC" when there is no name.
 std::wstring DeviceNameHeader(const DeviceIdentity& identity);
 
 }  // namespace userauth

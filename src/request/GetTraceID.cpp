@@ -26,17 +26,15 @@ wchar_t Digit(int value) {
 
 }  // namespace
 
-std::wstring UserAuthService::GetTraceID(BaseCmd command) try {
+std::wstring UserAuthService::GetTraceID(BaseCmd command) {
     const auto time = static_cast<unsigned>(userauth::CurrentUnixTime());
     const std::wstring random = GetRandom(kRandomDigits);
     return Format(L"%05d_", static_cast<int>(command)) + m_strTraceIdCode + Format(L"_%u_", time) + random;
-} catch (...) {
-    return {};
 }
 
-// Deliberately no 9 anywhere and no 8 in front, and the generator is seeded on every call: servers and logs know this
-// alphabet.
-std::wstring UserAuthService::GetRandom(int length) try {
+// No digit is 9, the first is below 8, and the generator is seeded on every call. Kept as it is: servers and logs see
+// exactly this alphabet.
+std::wstring UserAuthService::GetRandom(int length) {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     if (length < 1) {
         return {};
@@ -46,6 +44,4 @@ std::wstring UserAuthService::GetRandom(int length) try {
         digits += Digit(std::rand() % 9);  // NOLINT(cert-msc50-cpp)
     }
     return digits;
-} catch (...) {
-    return {};
 }

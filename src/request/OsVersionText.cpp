@@ -9,7 +9,7 @@
 namespace userauth {
 namespace {
 
-constexpr wchar_t kUnknownPlatform[] = L"Unknow Platform";  // the spelling that servers know
+constexpr wchar_t kUnknownPlatform[] = L"Unknow Platform";  // the spelling is kept as it is
 constexpr std::uint32_t kWorkstation = 1;
 constexpr std::uint32_t kX64 = 9;
 constexpr int kServerR2Metric = 89;
@@ -22,7 +22,7 @@ struct ProductRow {
     const wchar_t* server;
 };
 
-// Version 10 is deliberately "NT" on every workstation and "2016" on every server. Version 5.2 has rules of its own.
+// Version 10 is "NT" on every workstation and "2016" on every server: kept as it is. Version 5.2 has rules of its own.
 constexpr ProductRow kProducts[] = {
     {4, 0, 2, L"Microsoft Windows NT 4.0", L"Microsoft Windows NT 4.0"},
     {4, 0, 1, L"Microsoft Windows 95", L"Microsoft Windows 95"},
@@ -56,7 +56,7 @@ OwnedModule LoadSystemNtdll() {
     return OwnedModule(LoadLibraryW(path));
 }
 
-// The version record is bent by compatibility settings of the host's manifest; ntdll's numbers are not.
+// The host's manifest and compatibility settings change what the version record says; ntdll's numbers stay true.
 void OverwriteWithTrueNumbers(OsVersion& version) {
     const OwnedModule ntdll = LoadSystemNtdll();
     const FARPROC entry = ntdll == nullptr ? nullptr : GetProcAddress(ntdll.get(), "RtlGetNtVersionNumbers");

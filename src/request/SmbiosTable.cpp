@@ -31,13 +31,18 @@ struct Structure {
     bool Has(std::size_t offset) const { return offset < formattedLength; }
     std::uint8_t Byte(std::size_t offset) const { return Has(offset) ? bytes[offset] : std::uint8_t{0}; }
 
-    // The string whose number stands at the given offset.
-    std::wstring StringAt(std::size_t offset) const { return String(Byte(offset)); }
+    // Reads the string whose number stands at the given offset. Number 0 says that there is none: the field stays, so
+    // that a second structure of a type takes nothing back that the first has told.
+    void ReadString(std::size_t offset, std::wstring& field) const {
+        if (const unsigned number = Byte(offset)) {
+            field = String(number);
+        }
+    }
 
-    // The n-th string, from 1; 0 means none.
+    // The n-th string, from 1; empty when the set has not as many.
     std::wstring String(unsigned number) const {
         const std::uint8_t* start = Strings();
-        for (unsigned current = 1; number != 0 && start < tableEnd && *start != 0; ++current) {
+        for (unsigned current = 1; start < tableEnd && *start != 0; ++current) {
             const std::uint8_t* const end = std::find(start, tableEnd, std::uint8_t{0});
             if (current == number) {
                 return MultiByteToWide(std::string(start, end), kAnsiCodePage);
@@ -73,9 +78,9 @@ std::wstring Release(const Structure& structure, std::size_t offset, bool twoDig
 }
 
 void ReadBios(const Structure& structure, DeviceIdentity::Bios& bios) {
-    bios.vendor = structure.StringAt(4);
-    bios.version = structure.StringAt(5);
-    bios.releaseDate = structure.StringAt(8);
+    structure.ReadString(4, bios.vendor);
+    structure.ReadString(5, bios.version);
+    structure.ReadString(8, bios.releaseDate);
     bios.release = Release(structure, 20, false);
     bios.embeddedControllerRelease = Release(structure, 22, true);
 }
@@ -83,38 +88,43 @@ void ReadBios(const Structure& structure, DeviceIdentity::Bios& bios) {
 void ReadSystem(const Structure& structure, DeviceIdentity::System& system) {
     constexpr std::size_t kUuidOffset = 8;
     constexpr std::size_t kSkuOffset = 25;
-    system.manufacturer = structure.StringAt(4);
-    system.productName = structure.StringAt(5);
-    system.version = structure.StringAt(6);
-    system.serialNumber = structure.StringAt(7);
+    structure.ReadString(4, system.manufacturer);
+    structure.ReadString(5, system.productName);
+    structure.ReadString(6, system.version);
+    structure.ReadString(7, system.serialNumber);
     if (structure.formattedLength > kUuidOffset &&
         static_cast<std::size_t>(structure.tableEnd - structure.bytes) >= kUuidOffset + system.uuid.size()) {
         std::copy_n(structure.bytes + kUuidOffset, system.uuid.size(), system.uuid.begin());
     }
     if (structure.formattedLength > kSkuOffset) {
-        system.skuNumber = structure.StringAt(kSkuOffset);
-        system.family = structure.StringAt(kSkuOffset + 1);
+        structure.ReadString(kSkuOffset, system.skuNumber);
+        structure.ReadString(kSkuOffset + 1, system.family);
     }
 }
 
 void ReadBaseboard(const Structure& structure, DeviceIdentity::Baseboard& baseboard) {
-    baseboard.manufacturer = structure.StringAt(4);
-    baseboard.product = structure.StringAt(5);
-    baseboard.version = structure.StringAt(6);
-    baseboard.serialNumber = structure.StringAt(7);
-    baseboard.assetTag = structure.StringAt(8);
+    structure.ReadString(4, baseboard.manufacturer);
+    structure.ReadString(5, baseboard.product);
+    structure.ReadString(6, baseboard.version);
+    structure.ReadString(7, baseboard.serialNumber);
+    structure.ReadString(8, baseboard.assetTag);
 }
 
 void ReadEnclosure(const Structure& structure, DeviceIdentity::Enclosure& enclosure) {
-    enclosure.manufacturer = structure.StringAt(4);
-    enclosure.version = structure.StringAt(6);
-    enclosure.serialNumber = structure.StringAt(7);
-    enclosure.assetTag = structure.StringAt(8);
+    structure.ReadString(4, enclosure.manufacturer);
+    structure.ReadString(6, enclosure.version);
+    structure.ReadString(7, enclosure.serialNumber);
+    structure.ReadString(8, enclosure.assetTag);
 }
 
 void ReadOemStrings(const Structure& structure, std::vector<std::wstring>& oemStrings) {
+    // The count that the structure gives is not trusted: it ends with the set at the latest.
     for (unsigned number = 1; number <= structure.Byte(4); ++number) {
-        oemStrings.push_back(structure.String(number));
+        const std::wstring text = structure.String(number);
+        if (text.empty()) {
+            return;
+        }
+        oemStrings.push_back(text);
     }
 }
 

@@ -57,7 +57,8 @@ struct DeviceIdentity {
 //
 // Any bytes are safe: a table shorter than its header says is read as far as it goes, the walk ends at a structure that
 // is shorter than its own header or longer than the table, and after the end-of-table structure (type 127). A string
-// number past its set reads as empty text. Texts are converted with the system's ANSI code page.
+// number past its set reads as empty text, and number 0 leaves the field as an earlier structure of the type has set
+// it. OEM strings end where their set ends. Texts are converted with the system's ANSI code page.
 DeviceIdentity ReadSmbiosTable(const std::uint8_t* bytes, std::size_t size);
 
 }  // namespace userauth

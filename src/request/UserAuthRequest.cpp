@@ -1,15 +1,13 @@
 #include "request/UserAuthRequest.h"
 
-#include <json/value.h>
-
 #include <utility>
 
 #include "core/BoundedFormat.h"
 #include "core/JsonText.h"
 #include "core/TextEncoding.h"
-#include "request/CertificatePath.h"
-#include "request/HttpLogHook.h"
+#include "request/RequestLog.h"
 
+namespace userauth {
 namespace {
 
 // Each hook logs under its own qualified name; fixed here, because every compiler names a lambda differently.
@@ -27,7 +25,7 @@ void FillResult(WebRequestResult& result, Exchange&& exchange) {
     try {
         std::string response;
         record.nHttpCode = exchange(response);
-        userauth::FormatString(record.szResponse, WebRequestResult::kResponseBytes, "%s", response.c_str());
+        FormatString(record.szResponse, WebRequestResult::kResponseBytes, "%s", response.c_str());
     } catch (...) {
         record.nHttpCode = 0;
         record.szResponse[0] = '\0';
@@ -36,6 +34,15 @@ void FillResult(WebRequestResult& result, Exchange&& exchange) {
 }
 
 }  // namespace
+
+JsonData::JsonData(Json::Value value) : m_value(std::move(value)) {}
+
+JsonData::~JsonData() {
+    // The library's clear() throws on a plain text or number.
+    if (m_value.isArray() || m_value.isObject()) {
+        m_value.clear();
+    }
+}
 
 UserAuthRequest::~UserAuthRequest() = default;
 
@@ -59,17 +66,17 @@ void UserAuthRequest::SetPostRequest(std::wstring url, HeaderMap headers, const 
 void UserAuthRequest::SendWebRequest(WebRequestResult& result) {
     FillResult(result, [this](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kCompactLogHook));
-        m_strategy.SetErrorLogFunction(userauth::HttpLogHook(kSeverityFailure, kCompactErrorHook));
-        DescribeBody(m_headers, userauth::WriteCompactLine(m_body.m_value));
-        return CurlHttpLibContext(&m_strategy).Request(response, userauth::kDefaultTimeout);
+        m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kCompactLogHook));
+        m_strategy.SetErrorLogFunction(HttpLogHook(kSeverityFailure, kCompactErrorHook));
+        DescribeBody(m_headers, WriteCompactLine(m_body.m_value));
+        return CurlHttpLibContext(&m_strategy).Request(response, kDefaultTimeout);
     });
 }
 
 void UserAuthRequest::SendWebRequest(WebRequestResult& result, ReplyHeaderMap& replyHeaders) {
     FillResult(result, [this, &replyHeaders](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kReplyHeaderLogHook));
+        m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kReplyHeaderLogHook));
         DescribeBody(m_headers, m_body.m_value.toStyledString());
         return CurlHttpLibContext(&m_strategy).Request(response, replyHeaders);
     });
@@ -78,16 +85,16 @@ void UserAuthRequest::SendWebRequest(WebRequestResult& result, ReplyHeaderMap& r
 void UserAuthRequest::SendWebRequest(WebRequestResult& result, const HeaderMap& headers) {
     FillResult(result, [this, &headers](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kGivenHeaderLogHook));
+        m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kGivenHeaderLogHook));
         DescribeBody(headers, m_body.m_value.toStyledString());
-        return CurlHttpLibContext(&m_strategy).Request(response, userauth::kDefaultTimeout);
+        return CurlHttpLibContext(&m_strategy).Request(response, kDefaultTimeout);
     });
 }
 
 int UserAuthRequest::SendDownRequest(FileTransferHandler* handler) {
     try {
         m_strategy.SetUrl(m_strUrl);
-        m_strategy.SetLogFunction(userauth::HttpLogHook(kSeveritySummary, kDownloadLogHook));
+        m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kDownloadLogHook));
         m_strategy.SetHttpRequestMethod(m_nMethod);
         m_strategy.SetHeaders(m_headers);
         std::string discarded;
@@ -101,6 +108,8 @@ int UserAuthRequest::SendDownRequest(FileTransferHandler* handler) {
 void UserAuthRequest::DescribeBody(const HeaderMap& headers, const std::string& bodyText) {
     m_strategy.SetHttpRequestMethod(m_nMethod);
     m_strategy.SetHeaders(headers);
-    m_strategy.SetCertPath(userauth::CertificatePath());
-    m_strategy.SetPostData(userauth::MultiByteToWide(bodyText, userauth::kAnsiCodePage));
+    m_strategy.SetCertPath(kCertificatePath);
+    m_strategy.SetPostData(MultiByteToWide(bodyText, kAnsiCodePage));
 }
+
+}  // namespace userauth

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <HttpLib.h>
+#include <json/value.h>
 
 #include <cstdint>
 #include <map>
 #include <string>
-
-#include "request/JsonData.h"
 
 namespace userauth {
 
@@ -16,7 +15,21 @@ inline constexpr std::int32_t kHttpOk = 200;
 // The timeout argument of every request: the HTTP library's own limits.
 inline constexpr int kDefaultTimeout = -1;
 
-}  // namespace userauth
+// File of the certificate authorities that every request names to the HTTP library. Always empty: the library applies
+// its own default.
+inline constexpr wchar_t kCertificatePath[] = L"";
+
+// Polymorphic holder of one JSON value: a request's body.
+class JsonData {
+public:
+    JsonData() = default;
+    explicit JsonData(Json::Value value);
+    JsonData(const JsonData&) = default;
+    JsonData& operator=(const JsonData&) = default;
+    virtual ~JsonData();
+
+    Json::Value m_value;
+};
 
 // Outcome of one exchange.
 struct WebRequestResult {
@@ -71,3 +84,5 @@ public:
 private:
     std::wstring m_strUrl;
 };
+
+}  // namespace userauth

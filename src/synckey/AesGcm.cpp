@@ -41,7 +41,7 @@ bool Seal(const EVP_CIPHER* cipher, const unsigned char* key, const unsigned cha
 // Writes the plaintext, of which nothing may be used unless the result is positive: its length.
 int Open(const EVP_CIPHER* cipher, const unsigned char* key, unsigned char* blob, int length,
          unsigned char* plaintext) {
-    constexpr int kAnyPadding = 5;  // GCM does not pad; deliberately kept
+    constexpr int kAnyPadding = 5;  // without effect, GCM does not pad: kept as it is
     const OwnedCipherContext owned(EVP_CIPHER_CTX_new());
     EVP_CIPHER_CTX* const context = owned.get();
     unsigned char* const ciphertext = blob + kGcmNonceBytes;

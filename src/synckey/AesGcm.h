@@ -22,15 +22,14 @@ inline constexpr std::size_t kShortBlobBytes = kGcmNonceBytes + kShortKeyBytes +
 inline constexpr std::size_t kLongBlobBytes = kGcmNonceBytes + kLongKeyBytes + kGcmTagBytes;    // 60
 
 // Wraps the first 16 bytes of the plaintext; always a blob of 44 bytes. Empty when plaintext or key is empty. Any other
-// failure (a plaintext or nonce that is too short, a key of another length) deliberately gives 44 zero bytes: callers
-// tell success from failure by nothing but an empty result.
+// failure (a plaintext or nonce that is too short, a key of another length) gives 44 zero bytes, not an empty vector:
+// the key-exchange token keeps its form, and InitUserSyncKey gives up on nothing but an empty token.
 std::vector<unsigned char> AesGcmEncrypt(std::vector<unsigned char> plaintext, std::vector<unsigned char> key,
                                          std::vector<unsigned char> nonce);
 
-// Unwraps 32 bytes from a blob of exactly 60 bytes, 16 from any other of 44 or more, of which the rest is ignored.
-// Every failure (a tag that does not match, a shorter blob, a key of another length) deliberately gives one zero byte,
-// not an empty vector: callers check the digest of what they get. Nothing of the plaintext leaves before its tag was
-// verified.
+// Unwraps 32 bytes from a blob of exactly 60 bytes. From any other blob of 44 bytes or more it unwraps 16 and ignores
+// the rest. Every failure (a tag that does not match, a shorter blob, a key of another length) gives one zero byte, not
+// an empty vector: encodeUserKey knows a failure by that. Nothing of the plaintext leaves before its tag was verified.
 std::vector<unsigned char> AesGcmDecrypt(std::vector<unsigned char> blob, std::vector<unsigned char> key);
 
 }  // namespace userauth

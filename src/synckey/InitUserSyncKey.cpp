@@ -7,7 +7,6 @@
 #include "core/WipeAtExit.h"
 #include "request/Reply.h"
 #include "synckey/KeyServiceRequest.h"
-#include "synckey/SyncKeyRecord.h"
 #include "synckey/TemporaryKey.h"
 #include "synckey/WrapTempKey.h"
 
@@ -23,9 +22,9 @@ struct ServerKey {
 
 // False unless the server answered 200 with a JSON object or array.
 bool RequestServerKey(ServerKey& key) {
-    UserAuthRequest::HeaderMap headers = userauth::KeyServiceHeaders();
+    userauth::UserAuthRequest::HeaderMap headers = userauth::KeyServiceHeaders();
     headers[L"x-zv-tempKeyEncType"] = L"EC_256";
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     userauth::SendKeyServiceRequest(userauth::KeyServiceUrl(L"/publicKey"), headers, result);
     Json::Value root;
     if (result.nHttpCode != userauth::kHttpOk || !userauth::ParseJsonText(result.szResponse, root)) {
@@ -59,10 +58,10 @@ bool UserSyncKeyService::InitUserSyncKey() try {
 
     // What the two lists answered is not looked at: each is tried, and whatever they stored counts.
     if (!IsSyncDriveKeyInited()) {
-        getUserKeyList(wideToken, version, temporaryKey, userauth::kDriveDataType);
+        getUserKeyList(wideToken, version, temporaryKey, kSyncDriveDataType);
     }
     if (!IsCloudPhotoKeyInited()) {
-        getUserKeyList(wideToken, version, temporaryKey, userauth::kPhotoDataType);
+        getUserKeyList(wideToken, version, temporaryKey, kCloudPhotoDataType);
     }
     // A key that was there before the call is told of too.
     if (IsSyncDriveKeyInited()) {

@@ -5,7 +5,6 @@
 #include "UserAuthService.h"
 #include "core/DeploymentConstants.h"
 #include "core/TextEncoding.h"
-#include "request/ClientConstants.h"
 
 namespace userauth {
 

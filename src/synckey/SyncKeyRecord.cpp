@@ -1,5 +1,7 @@
 #include "synckey/SyncKeyRecord.h"
 
+#include "UserAuthTypes.h"
+
 namespace userauth {
 namespace {
 
@@ -20,17 +22,17 @@ void StoreInto(std::uint8_t (&keyField)[Bytes], wchar_t (&uuidField)[Characters]
 
 void StoreSyncKey(st_UserInfo& record, int keyType, const std::wstring& dataType, const std::vector<unsigned char>& key,
                   const std::wstring& uuid) {
-    const bool drive = dataType == kDriveDataType;
-    if (!drive && dataType != kPhotoDataType) {
+    const bool drive = dataType == kSyncDriveDataType;
+    if (!drive && dataType != kCloudPhotoDataType) {
         return;
     }
-    if (keyType == kShortKeyType && drive) {
+    if (keyType == kKeyType1 && drive) {
         StoreInto(record.driveKey1, record.driveKeyUuid1, key, uuid);
-    } else if (keyType == kShortKeyType) {
+    } else if (keyType == kKeyType1) {
         StoreInto(record.photoKey1, record.photoKeyUuid1, key, uuid);
-    } else if (keyType == kLongKeyType && drive) {
+    } else if (keyType == kKeyType3 && drive) {
         StoreInto(record.driveKey3, record.driveKeyUuid3, key, uuid);
-    } else if (keyType == kLongKeyType) {
+    } else if (keyType == kKeyType3) {
         StoreInto(record.photoKey3, record.photoKeyUuid3, key, uuid);
     }
 }

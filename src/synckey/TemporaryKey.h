@@ -18,8 +18,8 @@ struct RandomSource {
 
 const RandomSource& PlatformRandomSource();
 
-// A fresh temporary key of 16 bytes. Deliberately without failure: whatever goes wrong leaves it all zero, and nobody
-// is told.
+// A fresh temporary key of 16 bytes. There is no failure: whatever goes wrong leaves the key all zero, and nobody is
+// told. docs/key-exchange.md says what follows from that.
 std::vector<unsigned char> DrawTemporaryKey(const RandomSource& source = PlatformRandomSource());
 
 }  // namespace userauth

@@ -18,7 +18,7 @@ std::vector<unsigned char> Unwrap(const std::string& base64, const std::vector<u
     return userauth::AesGcmDecrypt({blob.begin(), blob.end()}, temporaryKey);
 }
 
-// In a time that does not tell how far two texts of one length agree.
+// Compares without giving away, by the time it takes, how far two texts of one length agree.
 bool SameText(const std::string& left, const std::string& right) {
     return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
 }
@@ -45,8 +45,8 @@ bool UserSyncKeyService::encodeUserKey(const std::string& encryptedKey, const st
     }
     userauth::WriteLog(kSeverityProgress, __LINE__, kTag,
                        L"check user key sha256 success, keyType:" + std::to_wstring(keyType));
-    // Deliberately a success whether or not anything is stored. One byte is what a failed decryption leaves, and a
-    // server can send the digest of that.
+    // A success whether or not anything is stored: the rest of the list is to be read. One byte is what a failed
+    // decryption leaves, and a server can send the digest of that.
     if (plainKey.size() != 1) {
         userauth::StoreSyncKey(record, keyType, dataType, plainKey,
                                userauth::MultiByteToWide(keyUuid, userauth::kUtf8CodePage));

@@ -6,7 +6,6 @@
 #include "core/WipeAtExit.h"
 #include "request/Reply.h"
 #include "synckey/KeyServiceRequest.h"
-#include "synckey/SyncKeyRecord.h"
 
 namespace {
 
@@ -15,8 +14,8 @@ using userauth::WriteLog;
 constexpr char kTag[] = "UserSyncKeyService::getUserKeyList";
 
 void RequestKeyList(const std::wstring& keyExchangeToken, const std::wstring& keyVersion, const std::wstring& dataType,
-                    WebRequestResult& result) {
-    UserAuthRequest::HeaderMap headers = userauth::KeyServiceHeaders();
+                    userauth::WebRequestResult& result) {
+    userauth::UserAuthRequest::HeaderMap headers = userauth::KeyServiceHeaders();
     headers[L"x-zv-clientTrustMode"] = L"1";
     headers[L"x-zv-keyEncType"] = L"AES_128";
     headers[L"x-zv-tempKeyEncType"] = L"ECDH";
@@ -30,7 +29,7 @@ void RequestKeyList(const std::wstring& keyExchangeToken, const std::wstring& ke
 bool UserSyncKeyService::getUserKeyList(const std::wstring& keyExchangeToken, std::wstring keyVersion,
                                         std::vector<unsigned char> tempKey, const std::wstring& dataType) try {
     const userauth::WipeAtExit wipeKey(tempKey);
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     RequestKeyList(keyExchangeToken, keyVersion, dataType, result);
     if (result.nHttpCode != userauth::kHttpOk) {
         WriteLog(kSeverityFailure, __LINE__, kTag, L"get Keylist fail!");
@@ -45,7 +44,7 @@ bool UserSyncKeyService::getUserKeyList(const std::wstring& keyExchangeToken, st
         return false;
     }
     for (const userauth::Reply& entry : userauth::Reply::Of(root).Elements("keys")) {
-        for (const int keyType : {userauth::kShortKeyType, userauth::kLongKeyType}) {
+        for (const int keyType : {kKeyType1, kKeyType3}) {
             // Equality as the JSON library has it: "1" and 1.0 are not 1.
             if (entry.Equals("keyType", keyType) &&
                 !encodeUserKey(entry.ConvertedText("encryptedKey"), entry.ConvertedText("keySHA256"),

@@ -4,8 +4,7 @@
 
 #include "core/AccountStateHold.h"
 #include "core/DeploymentConstants.h"
-#include "request/CertificatePath.h"
-#include "request/HttpLogHook.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
 
 namespace userauth {
@@ -18,13 +17,13 @@ std::wstring Copy(AccountStateLock& lock, const std::wstring& field) {
     return field;
 }
 
-// Kept in this order: the extra headers join a standard set that has been made before.
+// The extra headers join the standard set, so that one is made before.
 void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy) {
     strategy.SetUrl(request.url);
     strategy.SetHttpRequestMethod(HttpRequestMethod::kPost);
     strategy.SetPostData(request.body);
     strategy.SetHeaders(request.userId, kApplicationId, request.accessToken);
-    strategy.SetCertPath(CertificatePath());
+    strategy.SetCertPath(kCertificatePath);
     strategy.SetLogFunction(HttpLogHook(kSeveritySummary, request.logHook));
     if (request.errorLogHook != nullptr) {
         strategy.SetErrorLogFunction(HttpLogHook(kSeverityFailure, request.errorLogHook));
@@ -41,6 +40,13 @@ void Describe(const BasicServiceRequest& request, BasicHttpLibStrategy& strategy
 BasicServiceRequest::BasicServiceRequest(AccountStateLock& lock, const std::wstring& currentUserId,
                                          const std::wstring& currentToken)
     : userId(Copy(lock, currentUserId)), accessToken(Copy(lock, currentToken)) {}
+
+void AskForSysConf(BasicServiceRequest& request, const std::wstring& countryCode) {
+    // One blank after the colon, and the code is not escaped: kept as it is. A code with a quote in it makes a body
+    // that is no JSON, and the server refuses it.
+    request.body = L"{\"country\": \"" + countryCode + L"\"}";
+    request.extraHeaders = {{L"x-zv-active-method", L"manual"}};
+}
 
 std::wstring BasicServiceUrl(const wchar_t* operation) {
     return GlobalParamWrapper::GetInstance()->GetBasicUrl() + L"/KeCloudUserFoundationService/PC/" + operation;

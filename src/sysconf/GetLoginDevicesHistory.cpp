@@ -18,10 +18,10 @@ using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::GetLoginDevicesHistory";
 
-JsonData Body() {
+userauth::JsonData Body() {
     Json::Value body(Json::objectValue);
     body["version"] = "2.0";
-    return JsonData(body);
+    return userauth::JsonData(body);
 }
 
 DeviceTag ReadDevice(const userauth::Reply& entry) {
@@ -45,10 +45,10 @@ DeviceTag ReadDevice(const userauth::Reply& entry) {
 
 bool UserAuthService::GetLoginDevicesHistory(std::vector<DeviceTag>& devices) try {
     const std::wstring traceId = GetTraceID(BaseCmd::kLoginDevicesHistory);
-    UserAuthRequest request;
+    userauth::UserAuthRequest request;
     request.SetPostRequest(userauth::BasicServiceUrl(L"getLastOperationRecord"),
                            BuildHeaders(HeadType::kAccount, traceId), Body());
-    WebRequestResult result;
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
     // 200 only, unlike the other basic-service operations.
     if (result.nHttpCode != userauth::kHttpOk) {

@@ -4,7 +4,7 @@
 #include "UserAuthService.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "sysconf/BasicServiceRequest.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include "core/JsonText.h"
 #include "core/ServiceLog.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "sysconf/BasicServiceRequest.h"
 
 namespace {
@@ -22,15 +22,15 @@ bool UserAuthService::RequestClientLogReport() try {
     std::string text;
     const int code = userauth::SendBasicServiceRequest(request, text);
 
-    // The small letter is deliberate: log evaluations look for it.
+    // The small letter is kept as it is.
     WriteLog(kSeverityProgress, __LINE__, kTag, L"requestClientLogReport HttpCode: " + std::to_wstring(code));
     WriteLog(kSeveritySummary, __LINE__, kTag, userauth::SummaryLine("RequestClientLogReport", request.url, code));
     if (!userauth::IsBasicServiceSuccess(code)) {
         return false;
     }
     const userauth::Reply reply(text);
-    // As the JSON library converts: null, false and 0.5 count as 0. A text, or a map that is none, it would refuse: a
-    // failure.
+    // "result" is read as the JSON library converts: null, false and 0.5 count as 0. The library refuses to convert a
+    // text, and to look for members in a "resultMap" that is neither an object nor null. Both are failures.
     if (!reply.Has("result") || !reply.Has("resultMap") || reply.ConvertedInteger("result") != 0 ||
         !reply.MayHaveMembers("resultMap")) {
         return false;

@@ -1,6 +1,8 @@
 #include <Logger.h>
 #include <ParamStore.h>
 
+#include <memory>
+
 #include "UserAuthService.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
@@ -16,17 +18,18 @@ constexpr char kTag[] = "UserAuthService::GetAccessTokenByRefrshToken";
 // Business event of the refresh: basic event, operation, action.
 constexpr int kEventRefresh[] = {321, 0, 0};
 
-WebRequestResult SendRefresh(const std::wstring& refreshToken, const std::wstring& userId,
-                             const std::wstring& traceId) {
+userauth::WebRequestResult SendRefresh(const std::wstring& refreshToken, const std::wstring& userId,
+                                       const std::wstring& traceId) {
     const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
-    UserAuthRequest::HeaderMap headers;
+    userauth::UserAuthRequest::HeaderMap headers;
     headers[L"refreshToken"] = refreshToken;
     headers[L"deviceId"] = store->GetSystemUUid();
     headers[L"userId"] = userId;
     headers[L"Cookie"] = L"siteID=1";  // whatever the user's site is
-    UserAuthRequest request;
-    request.SetPostRequest(store->GetPortalUrl() + L"/pcclient/refreshtoken?traceId=" + traceId, headers, JsonData());
-    WebRequestResult result;
+    userauth::UserAuthRequest request;
+    request.SetPostRequest(store->GetPortalUrl() + L"/pcclient/refreshtoken?traceId=" + traceId, headers,
+                           userauth::JsonData());
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
     return result;
 }
@@ -48,6 +51,20 @@ void RunAtExpireCallback(const std::function<void()>& registered) {
 
 }  // namespace
 
+RefreshTokenOperate::~RefreshTokenOperate() = default;
+
+// One copy of the host's callable, shared: a running callback stays alive when it registers another one, and what it
+// keeps between calls is kept.
+void UserAuthService::SetAtExpireCallback(const std::function<void()>& callback) try {
+    std::function<void()> stored;
+    if (callback) {
+        stored = [shared = std::make_shared<std::function<void()>>(callback)] { (*shared)(); };
+    }
+    m_atExpireCallback.swap(stored);
+} catch (...) {
+    return;  // a callable that cannot be copied: the former one stays
+}
+
 #if defined(__GNUC__)
 #pragma GCC diagnostic ignored "-Wignored-qualifiers"  // the const result is part of the exported signature
 #endif
@@ -59,7 +76,7 @@ const bool UserAuthService::GetAccessTokenByRefrshToken() try {
         return false;
     }
     const std::wstring traceId = GetTraceID(BaseCmd::kRefreshAccessToken);
-    const WebRequestResult result = SendRefresh(GetCurrentRT(), GetCurrentUserID(), traceId);
+    const userauth::WebRequestResult result = SendRefresh(GetCurrentRT(), GetCurrentUserID(), traceId);
     const userauth::Reply reply(result.szResponse);
     Logger::OutputOperationLog(kEventRefresh[0], kEventRefresh[1], kEventRefresh[2]);
 
@@ -73,7 +90,8 @@ const bool UserAuthService::GetAccessTokenByRefrshToken() try {
             GlobalParamWrapper::GetInstance()->SetAtIsExpired(false);
             return true;
         }
-        // Only here, deliberately: a transport or server error says nothing about the refresh token.
+        // Only here: a transport error or another status says nothing about the refresh token, and nobody is to sign in
+        // again for it.
         RunAtExpireCallback(m_atExpireCallback);
     }
     WriteLog(kSeverityFailure, __LINE__, kTag, L"refresh AT error statusCode: " + std::to_wstring(result.nHttpCode));

@@ -11,8 +11,9 @@
 
 namespace {
 
-// The refresh token of the legacy item; empty when there is none to be had. The item's plaintext is the token and a
-// time stamp. Of that one only the length counts, deliberately: the age of the token is the server's business.
+// The refresh token of the legacy item; empty when it holds none. The item's plaintext is the token, followed by a time
+// stamp. The stamp is cut off by its length and never read, so the token's age is not checked. Kept as it is: the
+// server judges the token.
 std::wstring LegacyRefreshToken() {
     const std::wstring item =
         ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken);

@@ -2,6 +2,7 @@
 #include <ParamStore.h>
 #include <json/value.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 
@@ -10,9 +11,8 @@
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/Reply.h"
-#include "request/SummaryLine.h"
+#include "request/RequestLog.h"
 #include "request/UserAuthRequest.h"
-#include "token/ReplaceAllIgnoringCase.h"
 
 namespace {
 
@@ -26,16 +26,40 @@ constexpr char kTag[] = "UserAuthService::RequestAT";
 // Business event of the code exchange: basic event, operation, action.
 constexpr int kEventRequestAT[] = {250, 5, 0};
 
-WebRequestResult SendCode(const std::wstring& url, const std::map<std::wstring, std::wstring>& headers,
-                          const char* authorizationCode, const std::wstring& traceId) {
+userauth::WebRequestResult SendCode(const std::wstring& url, const std::map<std::wstring, std::wstring>& headers,
+                                    const char* authorizationCode, const std::wstring& traceId) {
     Json::Value body(Json::objectValue);
     body["authorizationCode"] = authorizationCode == nullptr ? "" : authorizationCode;
     body["traceId"] = WideToMultiByte(traceId, kAnsiCodePage);
-    UserAuthRequest request;
-    request.SetPostRequest(url, headers, JsonData(body));
-    WebRequestResult result;
+    userauth::UserAuthRequest request;
+    request.SetPostRequest(url, headers, userauth::JsonData(body));
+    userauth::WebRequestResult result;
     request.SendWebRequest(result);
     return result;
+}
+
+std::string Lowered(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+    return text;
+}
+
+// Replaces every non-overlapping occurrence of a pattern, from left to right, ignoring the case of ASCII letters. An
+// empty pattern or subject leaves the subject as it is.
+void ReplaceAllIgnoringCase(std::string& subject, const std::string& pattern, const std::string& replacement) {
+    if (subject.empty() || pattern.empty()) {
+        return;
+    }
+    const std::string lowered = Lowered(subject);
+    const std::string wanted = Lowered(pattern);
+    std::string rebuilt;
+    std::size_t position = 0;
+    for (std::size_t found = lowered.find(wanted); found != std::string::npos; found = lowered.find(wanted, position)) {
+        rebuilt.append(subject, position, found - position).append(replacement);
+        position = found + wanted.size();
+    }
+    subject = rebuilt.append(subject, position, std::string::npos);
 }
 
 struct CodeExchangeReply {
@@ -60,14 +84,14 @@ CodeExchangeReply ReadReply(const char* text) {
     read.oauthHttpStatusCode = reply.Integer("oauthHttpStatusCode");
     read.oauthSubErrorCode = reply.Integer("oauthSubErrorCode");
     read.resultCode = result.StyledText("code");
-    userauth::ReplaceAllIgnoringCase(read.resultCode, "\"", "");
-    userauth::ReplaceAllIgnoringCase(read.resultCode, "\n", "");
-    read.resultDescription = result.StyledText("desc");  // deliberately keeps its quotes and its line feed
+    ReplaceAllIgnoringCase(read.resultCode, "\"", "");
+    ReplaceAllIgnoringCase(read.resultCode, "\n", "");
+    read.resultDescription = result.StyledText("desc");  // keeps its quotes and its line feed, as it always has
     return read;
 }
 
 void LogSummary(const std::wstring& url, int httpCode, const std::string& resultCode) {
-    // The description is deliberately not appended after its label.
+    // The line ends with the label of the description: kept as it is.
     WriteLog(kSeveritySummary, __LINE__, kTag,
              userauth::SummaryLine("RequestAT", url, httpCode) + L"\nResultCode:" +
                  MultiByteToWide(resultCode, userauth::kUtf8CodePage) + L"\nDescription:");
@@ -75,15 +99,15 @@ void LogSummary(const std::wstring& url, int httpCode, const std::string& result
 
 }  // namespace
 
-// The first argument is deliberately not used: the code that goes to the server is the second one.
+// The first argument is not used: kept as it is. The second one goes to the server.
 bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationCode) try {
     const std::wstring traceId = GetTraceID(BaseCmd::kRequestAccessToken);
     const std::map<std::wstring, std::wstring> headers = BuildHeaders(HeadType::kCodeExchange, traceId);
     const std::wstring url =
         GlobalParamWrapper::GetInstance()->GetPortalUrl() + L"/pcclient/getAccessTokenByCode?traceId=" + traceId;
-    const WebRequestResult result = SendCode(url, headers, authorizationCode, traceId);
+    const userauth::WebRequestResult result = SendCode(url, headers, authorizationCode, traceId);
 
-    // The line names another operation than this one: kept, log evaluations look for it.
+    // The line names another operation than this one. Kept as it is.
     WriteLog(kSeverityProgress, __LINE__, kTag, L"RequestCountryCode httpcode:" + std::to_wstring(result.nHttpCode));
     bool succeeded = false;
     if (result.nHttpCode == userauth::kHttpOk) {
@@ -95,7 +119,7 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
             m_strCountryCode = reply.countryCode;
         }
         if (reply.countryCode.empty() || reply.accessToken.empty()) {
-            // This outcome deliberately has neither the summary nor the operation log.
+            // This outcome has neither the summary nor the operation log: kept as it is.
             WriteLog(kSeverityFailure, __LINE__, kTag, L"Get registerCountryCode from portal fail");
             return false;
         }
@@ -109,7 +133,7 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
             m_strResultDesc = reply.resultDescription;
         }
         succeeded = reply.resultCode == "0";
-        // Written whatever the result code is.
+        // Written whatever the result code is: kept as it is.
         WriteLog(kSeverityProgress, __LINE__, kTag, L"Get AT successed!");
     }
 

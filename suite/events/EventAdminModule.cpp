@@ -36,7 +36,7 @@ std::shared_ptr<const EventAdminModule::Listener> EventAdminModule::State::Next(
 // Looks each listener up when its turn comes, not in one go: one that an earlier listener unsubscribed is not called.
 // Those subscribed meanwhile wait for the next event, so that a listener that subscribes cannot keep this loop alive.
 void EventAdminModule::State::Raise(SuiteEvent event) noexcept {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return;
     }
     SubscriptionId last = 0;
@@ -65,7 +65,7 @@ EventAdminModule::EventAdminModule() : m_state(std::make_unique<State>()) {}
 EventAdminModule::~EventAdminModule() = default;
 
 EventAdminModule::SubscriptionId EventAdminModule::Subscribe(SuiteEvent event, Listener listener) {
-    if (!listener || ProcessIsEnding()) {
+    if (!listener || suite::ProcessIsEnding()) {
         return 0;
     }
     try {
@@ -79,7 +79,7 @@ EventAdminModule::SubscriptionId EventAdminModule::Subscribe(SuiteEvent event, L
 }
 
 bool EventAdminModule::Unsubscribe(SubscriptionId id) {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return false;
     }
     std::shared_ptr<const Listener> released;  // its captures go after the lock: they may call the hub

@@ -76,3 +76,26 @@ void BasicHttpLibStrategy::LogError(const std::wstring& message) const {
         m_state->logError(message);
     }
 }
+
+struct FileTransferHandler::State {
+    WriteDataFunction write;
+    std::uint64_t maxSize = std::uint64_t{2} * 1024 * 1024 * 1024;
+};
+
+FileTransferHandler::FileTransferHandler() : m_state(std::make_unique<State>()) {}
+FileTransferHandler::~FileTransferHandler() = default;
+
+void FileTransferHandler::SetWriteDataFunc(WriteDataFunction function) {
+    m_state->write = std::move(function);
+}
+
+bool FileTransferHandler::WriteData(const char* data, std::size_t size, bool finalBlock) {
+    return m_state->write && m_state->write(data, size, finalBlock);
+}
+
+void FileTransferHandler::SetMaxSize(std::uint64_t bytes) {
+    m_state->maxSize = bytes;
+}
+std::uint64_t FileTransferHandler::MaxSize() const {
+    return m_state->maxSize;
+}

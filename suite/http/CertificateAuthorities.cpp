@@ -5,11 +5,13 @@
 #include <mutex>
 #include <system_error>
 
+namespace suite {
+
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kMaxPemBytes = 8 * 1024 * 1024;
+constexpr std::uintmax_t kMaxPemBytes = 8'000'000;  // libcurl takes no more
 
 // What tells one state of a file from another without reading it.
 struct FileStamp {
@@ -88,3 +90,5 @@ std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath
     }
     return pem;
 }
+
+}  // namespace suite

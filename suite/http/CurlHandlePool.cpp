@@ -1,11 +1,19 @@
 #include "CurlHandlePool.h"
 
+#if !defined(_WIN32)
+#include <sys/socket.h>
+#include <unistd.h>
+#endif
+
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <mutex>
-#include <vector>
 
+#include "LibcurlStart.h"
 #include "ProcessState.h"
+
+namespace suite {
 
 namespace {
 
@@ -15,8 +23,61 @@ constexpr std::size_t kMaxIdleHandles = 16;
 // libcurl takes up no connection that was idle for longer than 118 s.
 constexpr std::chrono::seconds kMaxIdleTime(120);
 
+// Not every system tells the reader: Wine reads a reset as an orderly end. Sending nothing asks again.
+bool WasReset(curl_socket_t socket) {
+#if defined(_WIN32)
+    return send(socket, "", 0, 0) < 0;
+#else
+    return false;
+#endif
+}
+
+int CloseNative(curl_socket_t socket) {
+#if defined(_WIN32)
+    return closesocket(socket);
+#else
+    return close(socket);
+#endif
+}
+
 void LockShared(CURL* handle, curl_lock_data data, curl_lock_access access, void* locks);
 void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
+
+curl_socket_t OpenSocket(void* handle, curlsocktype, curl_sockaddr* address) {
+    const curl_socket_t opened = socket(address->family, address->socktype, address->protocol);
+    if (opened == CURL_SOCKET_BAD) {
+        return opened;
+    }
+    try {
+        static_cast<CurlHandle*>(handle)->sockets.push_back(opened);
+        return opened;
+    } catch (const std::bad_alloc&) {
+        CloseNative(opened);
+        return CURL_SOCKET_BAD;
+    }
+}
+
+int CloseSocket(void* data, curl_socket_t closed) {
+    auto& handle = *static_cast<CurlHandle*>(data);
+    handle.lastCloseWasReset = WasReset(closed);
+    auto& open = handle.sockets;
+    open.erase(std::remove(open.begin(), open.end(), closed), open.end());
+    return CloseNative(closed);
+}
+
+// libcurl's sockets never block. An orderly end is no byte: libcurl sees that itself.
+bool HasUnaskedBytes(const CurlHandle& handle) {
+    return std::any_of(handle.sockets.begin(), handle.sockets.end(), [](curl_socket_t socket) {
+        char byte = 0;
+        return recv(socket, &byte, 1, MSG_PEEK) > 0;
+    });
+}
+
+// Closing a connection still looks for its socket in the list.
+void Destroy(CurlHandle* handle) {
+    curl_easy_cleanup(handle->easy);
+    delete handle;
+}
 
 // Lives until the process ends and is never destroyed; the DLL pins itself for the same reason. At process exit the
 // other threads have been killed at an arbitrary point, perhaps while they held one of these locks or used a
@@ -24,9 +85,9 @@ void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
 class SharedState {
 public:
     SharedState() {
-        PinThisModule();
+        suite::PinThisModule();
         m_idle.reserve(kMaxIdleHandles);
-        m_started = curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK;
+        m_started = suite::StartLibcurl();
         m_share = m_started ? curl_share_init() : nullptr;
         if (m_share != nullptr) {
             curl_share_setopt(m_share, CURLSHOPT_LOCKFUNC, &LockShared);
@@ -38,29 +99,30 @@ public:
         }
     }
 
-    CURL* Take() {
+    CurlHandle* Take() {
         if (!m_started) {
             return nullptr;
         }
         DropStale();
-        {
-            // Last in, first out: the handle used last is the likeliest to hold a live connection to the host.
-            const std::lock_guard<std::mutex> hold(m_idleLock);
-            if (!m_idle.empty()) {
-                CURL* const handle = m_idle.back().handle;
-                m_idle.pop_back();
+        while (CurlHandle* const handle = TakeIdle()) {
+            if (!HasUnaskedBytes(*handle)) {
                 return handle;
             }
+            Destroy(handle);
         }
-        CURL* const handle = curl_easy_init();
-        if (handle != nullptr && m_share != nullptr) {
-            curl_easy_setopt(handle, CURLOPT_SHARE, m_share);
+        auto handle = std::make_unique<CurlHandle>();
+        handle->easy = curl_easy_init();
+        if (handle->easy == nullptr) {
+            return nullptr;
         }
-        return handle;
+        if (m_share != nullptr) {
+            curl_easy_setopt(handle->easy, CURLOPT_SHARE, m_share);
+        }
+        return handle.release();
     }
 
-    void Return(CURL* handle) {
-        curl_easy_reset(handle);  // keeps connections and the share
+    void Return(CurlHandle* handle) {
+        curl_easy_reset(handle->easy);  // keeps connections and the share
         DropStale();
         {
             const std::lock_guard<std::mutex> hold(m_idleLock);
@@ -69,32 +131,43 @@ public:
                 return;
             }
         }
-        curl_easy_cleanup(handle);
+        Destroy(handle);
     }
 
     using Locks = std::array<std::mutex, CURL_LOCK_DATA_LAST>;
 
 private:
     struct Idle {
-        CURL* handle;
+        CurlHandle* handle;
         Clock::time_point since;
     };
 
+    // Last in, first out: the handle used last is the likeliest to hold a live connection to the host. Null: none.
+    CurlHandle* TakeIdle() {
+        const std::lock_guard<std::mutex> hold(m_idleLock);
+        if (m_idle.empty()) {
+            return nullptr;
+        }
+        CurlHandle* const handle = m_idle.back().handle;
+        m_idle.pop_back();
+        return handle;
+    }
+
     // A handle that has been idle for too long, taken out; null: there is none. The oldest lies in front.
-    CURL* TakeStale() {
+    CurlHandle* TakeStale() {
         const std::lock_guard<std::mutex> hold(m_idleLock);
         if (m_idle.empty() || Clock::now() - m_idle.front().since < kMaxIdleTime) {
             return nullptr;
         }
-        CURL* const handle = m_idle.front().handle;
+        CurlHandle* const handle = m_idle.front().handle;
         m_idle.erase(m_idle.begin());
         return handle;
     }
 
     // Closes sockets whose peers have long gone.
     void DropStale() {
-        while (CURL* const handle = TakeStale()) {
-            curl_easy_cleanup(handle);
+        while (CurlHandle* const handle = TakeStale()) {
+            Destroy(handle);
         }
     }
 
@@ -120,10 +193,19 @@ SharedState& Shared() {
 
 }  // namespace
 
-void ReturnToPool::operator()(CURL* handle) const noexcept {
+void ReturnToPool::operator()(CurlHandle* handle) const noexcept {
     Shared().Return(handle);
 }
 
 CurlLease LeaseCurlHandle() {
     return CurlLease(Shared().Take());
 }
+
+void SetSocketOptions(CurlHandle& handle) {
+    SetCurlOption(handle.easy, CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
+    SetCurlOption(handle.easy, CURLOPT_OPENSOCKETDATA, &handle);
+    SetCurlOption(handle.easy, CURLOPT_CLOSESOCKETFUNCTION, &CloseSocket);
+    SetCurlOption(handle.easy, CURLOPT_CLOSESOCKETDATA, &handle);
+}
+
+}  // namespace suite

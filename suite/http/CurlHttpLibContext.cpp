@@ -10,6 +10,8 @@
 #include "UrlText.h"
 #include "Utf8Text.h"
 
+namespace suite {
+
 namespace {
 
 using Observer = std::function<void(const HttpExchange&)>;
@@ -36,7 +38,7 @@ void DropExceptions(Call call) {
 
 // Empty parts for a URL that is refused.
 UrlParts PartsOf(const std::wstring& url) {
-    const std::optional<std::string> escaped = EscapeUrl(Utf8FromWide(url));
+    const std::optional<std::string> escaped = EscapeUrl(suite::Utf8FromWide(url));
     return (escaped ? ParseUrl(*escaped) : std::nullopt).value_or(UrlParts());
 }
 
@@ -65,7 +67,8 @@ std::wstring FinishText(const HttpExchange& exchange) {
 }
 
 std::wstring FailureText(const HttpExchange& exchange, const std::string& host, const std::string& cause) {
-    return L"HTTP: " + exchange.method + L" " + WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
+    return L"HTTP: " + exchange.method + L" " +
+           suite::WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
 }
 
 void Observe(const HttpExchange& exchange) {
@@ -84,7 +87,7 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     const UrlParts url = PartsOf(strategy.Url());
     HttpExchange exchange;
     exchange.method = strategy.Method() == HttpRequestMethod::kPost ? L"POST" : L"GET";
-    exchange.url = WideFromUtf8(url.display);
+    exchange.url = suite::WideFromUtf8(url.display);
     DropExceptions([&] { strategy.Log(L"HTTP: " + exchange.method + L" " + exchange.url + L" started"); });
     ExchangeOutcome outcome;
     try {
@@ -104,21 +107,19 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     return outcome.code;
 }
 
-// takeReply(sink): called when there is a reply. A strategy may be the host's own class, and its getters may throw.
+// takeReply: called when there is a reply. A strategy may be the host's own class, and its getters may throw.
 template <typename TakeReply>
-int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTransferHandler* download,
-                    TakeReply takeReply) {
+int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, ReplySink& sink, TakeReply takeReply) {
     if (strategy == nullptr) {
         return kHttpInvalidRequest;
     }
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return kHttpInternalError;
     }
     try {
-        ReplySink sink(download);
         const int code = Execute(*strategy, timeoutSeconds, sink);
         if (code > 0) {
-            takeReply(sink);
+            takeReply();
         }
         return code;
     } catch (...) {
@@ -128,19 +129,22 @@ int ExecuteOrRefuse(const IHttpLibStrategy* strategy, int timeoutSeconds, FileTr
 
 }  // namespace
 
+}  // namespace suite
+
 CurlHttpLibContext::CurlHttpLibContext(IHttpLibStrategy* strategy) : m_strategy(strategy) {}
 CurlHttpLibContext::~CurlHttpLibContext() = default;
 
 int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
     response.clear();
-    return ExecuteOrRefuse(m_strategy, timeoutSeconds, nullptr,
-                           [&response](ReplySink& sink) { response = sink.TakeText(); });
+    suite::ReplySink sink(nullptr, false);
+    return suite::ExecuteOrRefuse(m_strategy, timeoutSeconds, sink, [&] { response = sink.TakeText(); });
 }
 
 int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
     response.clear();
     replyHeaders.clear();
-    return ExecuteOrRefuse(m_strategy, -1, nullptr, [&](ReplySink& sink) {
+    suite::ReplySink sink(nullptr, true);
+    return suite::ExecuteOrRefuse(m_strategy, -1, sink, [&] {
         replyHeaders = sink.TakeHeaders();
         response = sink.TakeText();
     });
@@ -149,27 +153,28 @@ int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std
 int CurlHttpLibContext::Request(std::string& response, void* fileTransferHandler) {
     response.clear();
     if (fileTransferHandler == nullptr) {
-        DropExceptions([this] {
+        suite::DropExceptions([this] {
             if (m_strategy != nullptr) {
                 m_strategy->LogError(L"HTTP: request failed: a download without a file transfer handler");
             }
         });
         return kHttpInvalidRequest;
     }
-    return ExecuteOrRefuse(m_strategy, -1, static_cast<FileTransferHandler*>(fileTransferHandler), [](ReplySink&) {});
+    suite::ReplySink sink(static_cast<FileTransferHandler*>(fileTransferHandler), false);
+    return suite::ExecuteOrRefuse(m_strategy, -1, sink, [] {});
 }
 
 void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
-    if (!ProcessIsEnding()) {
-        SetDefaultAuthoritiesPath(path);
+    if (!suite::ProcessIsEnding()) {
+        suite::SetDefaultAuthoritiesPath(path);
     }
 }
 
 void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchange&)> observer) {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return;
     }
-    auto shared = observer ? std::make_shared<const Observer>(std::move(observer)) : nullptr;
-    const std::lock_guard<std::mutex> hold(Slot().lock);
-    Slot().observer.swap(shared);
+    auto shared = observer ? std::make_shared<const suite::Observer>(std::move(observer)) : nullptr;
+    const std::lock_guard<std::mutex> hold(suite::Slot().lock);
+    suite::Slot().observer.swap(shared);
 }

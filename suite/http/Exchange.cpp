@@ -8,10 +8,13 @@
 
 #include "CertificateAuthorities.h"
 #include "CurlHandlePool.h"
-#include "CurlOption.h"
+#include "HeaderText.h"
 #include "ProxySettings.h"
 #include "RedirectRule.h"
+#include "TlsTrust.h"
 #include "UrlText.h"
+
+namespace suite {
 
 namespace {
 
@@ -19,6 +22,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr long kConnectTimeoutSeconds = 15;
 constexpr long kStallSeconds = 30;
+// Of a text reply when the caller gives none. A download may take as long as it keeps up its pace.
+constexpr int kTextTimeoutSeconds = 300;
 // libcurl counts milliseconds in a 32-bit long.
 constexpr int kMaxTimeoutSeconds = 1000000;
 
@@ -57,8 +62,9 @@ void SetRequestOptions(CURL* handle, const CheckedRequest& request, curl_slist* 
     SetCurlOption(handle, CURLOPT_PROTOCOLS_STR, "http,https");
     SetCurlOption(handle, CURLOPT_FOLLOWLOCATION, 0L);
     SetCurlOption(handle, CURLOPT_HTTPHEADER, headers);
-    // Switches decoding on. The header of that name is the caller's or kept back, see BuildHeaderList.
-    SetCurlOption(handle, CURLOPT_ACCEPT_ENCODING, "");
+    // How a reply is framed is judged by the rules of this version; see ReplyHead.
+    SetCurlOption(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    SetCurlOption(handle, CURLOPT_HTTP09_ALLOWED, 0L);
     if (request.post) {
         SetCurlOption(handle, CURLOPT_POST, 1L);
         SetCurlOption(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
@@ -77,23 +83,6 @@ void SetConnectionOptions(CURL* handle, const UrlParts& url) {
     if (const std::optional<std::string> proxy = ProxyFor(url)) {
         SetCurlOption(handle, CURLOPT_PROXY, proxy->c_str());
     }
-}
-
-// libcurl compares authorities and options before it takes up a kept connection or TLS session, so one made under
-// other authorities is never used here.
-void SetTlsOptions(CURL* handle, const AuthoritiesPem& authorities) {
-    SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
-    SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
-    SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
-    SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-    if (authorities.empty()) {
-        SetCurlOption(handle, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_NATIVE_CA));
-        return;
-    }
-    std::string pem = authorities;
-    curl_blob blob = {pem.data(), pem.size(), CURL_BLOB_COPY};
-    SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
 }
 
 long InfoOf(CURL* handle, CURLINFO info) {
@@ -119,17 +108,15 @@ std::optional<TransportFailure> TunnelRefusal(CURL* handle) {
 class Exchange {
 public:
     Exchange(const std::wstring& certPath, int timeoutSeconds, ReplySink& sink) : m_certPath(certPath), m_sink(sink) {
+        if (timeoutSeconds <= 0 && !sink.IsDownload()) {
+            timeoutSeconds = kTextTimeoutSeconds;
+        }
         if (timeoutSeconds > 0) {
             m_deadline = Clock::now() + std::chrono::seconds(std::min(timeoutSeconds, kMaxTimeoutSeconds));
         }
     }
 
     ExchangeOutcome Run(CheckedRequest request) {
-        m_handle = LeaseCurlHandle();
-        if (!m_handle) {
-            Fail({kHttpInternalError, "libcurl cannot be started"});
-            return m_outcome;
-        }
         for (int redirects = 0; SendOnce(request) && !m_sink.RedirectTarget().empty(); ++redirects) {
             if (redirects == kMaxRedirects) {
                 Fail({kHttpRedirectRefused, "more than five redirects"});
@@ -149,63 +136,68 @@ public:
 private:
     // One hop. True when its reply is complete; m_outcome.code is its status then.
     bool SendOnce(const CheckedRequest& request) {
-        CURL* const handle = m_handle.get();
         const std::optional<UrlParts> url = ParseUrl(request.url);
         if (!url) {
             return Fail({kHttpInvalidRequest, "the URL is malformed"});
         }
         m_outcome.host = url->authority;
+        m_handle = LeaseCurlHandle();
+        if (!m_handle) {
+            return Fail({kHttpInternalError, "libcurl cannot be started"});
+        }
+        CURL* const handle = m_handle->easy;
+        const bool isHttps = url->scheme == "https";
         std::array<char, CURL_ERROR_SIZE> detail = {};
         const HeaderList headers = BuildHeaderList(request);
-        curl_easy_reset(handle);
         SetRequestOptions(handle, request, headers.get());
         SetConnectionOptions(handle, *url);
-        if (url->scheme == "https" && !SetAuthorities()) {
+        SetSocketOptions(*m_handle);
+        if (isHttps && !SetAuthorities()) {
             return false;
         }
         SetCurlOption(handle, CURLOPT_ERRORBUFFER, detail.data());
         if (!SetRemainingTime()) {
             return Fail({kHttpTimeout, "time limit reached"});
         }
-        m_sink.Attach(handle);
-        // A kept connection that ends before a single byte of the reply makes libcurl send the request, a POST too,
-        // once more on a new one. Deliberate: else a server that closes an idle connection at the wrong moment would
-        // fail a login.
+        m_sink.Attach(handle, isHttps);
+        // A kept connection that ends before the first line of the reply is whole makes libcurl send the request, a
+        // POST too, once more on a new one. Deliberate: else a server that closes an idle connection at the wrong
+        // moment would fail a login.
         const CURLcode result = curl_easy_perform(handle);
         const bool complete = Judge(result, detail.data());
-        // The options point into this frame.
-        curl_easy_reset(handle);
+        // Given back between the hops too: the options point into this frame, and the pool looks at the connections of
+        // what it hands out.
+        m_handle.reset();
         return complete;
     }
 
     bool Judge(CURLcode result, const char* detail) {
-        CURL* const handle = m_handle.get();
+        CURL* const handle = m_handle->easy;
         m_connectionsMade += InfoOf(handle, CURLINFO_NUM_CONNECTS);
         m_connectionsTaken += InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 ? 1 : 0;
         m_outcome.code = static_cast<int>(InfoOf(handle, CURLINFO_RESPONSE_CODE));
+        if (result == CURLE_OK && m_sink.EndsWithConnection() && m_handle->lastCloseWasReset) {
+            result = CURLE_RECV_ERROR;
+        }
+        if (m_sink.Finish(result)) {
+            return true;
+        }
         if (m_sink.Failure().code != 0) {
             return Fail(m_sink.Failure());
         }
-        // Nobody reads the body of a redirect: neither its length nor its encoding may spoil it.
-        const bool bodyUnread =
-            !m_sink.RedirectTarget().empty() && (result == CURLE_WRITE_ERROR || result == CURLE_BAD_CONTENT_ENCODING);
-        if (result != CURLE_OK && !bodyUnread) {
-            const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
-            return Fail(refusal ? *refusal
-                                : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
+        if (result == CURLE_OUT_OF_MEMORY && InfoOf(handle, CURLINFO_REQUEST_SIZE) > 0 && !m_sink.HasHead()) {
+            return Fail({kHttpReplyTooLarge, "a header line of the reply is too large"});
         }
-        if (m_sink.RedirectTarget().empty() && !m_sink.Finish()) {
-            return Fail(m_sink.Failure());
-        }
-        return true;
+        const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
+        return Fail(refusal ? *refusal : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
     }
 
     bool SetAuthorities() {
-        const std::shared_ptr<const AuthoritiesPem> authorities = AuthoritiesFor(m_certPath);
-        if (!authorities) {
+        m_authorities = AuthoritiesFor(m_certPath);
+        if (!m_authorities) {
             return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
         }
-        SetTlsOptions(m_handle.get(), *authorities);
+        SetTlsOptions(m_handle->easy, *m_authorities);
         return true;
     }
 
@@ -217,7 +209,7 @@ private:
         if (remaining <= 0) {
             return false;
         }
-        SetCurlOption(m_handle.get(), CURLOPT_TIMEOUT_MS, static_cast<long>(remaining));
+        SetCurlOption(m_handle->easy, CURLOPT_TIMEOUT_MS, static_cast<long>(remaining));
         return true;
     }
 
@@ -230,6 +222,7 @@ private:
     const std::wstring& m_certPath;
     ReplySink& m_sink;
     std::optional<Clock::time_point> m_deadline;
+    std::shared_ptr<const AuthoritiesPem> m_authorities;  // outlives the handle's options, which point into it
     CurlLease m_handle;
     ExchangeOutcome m_outcome;
     long m_connectionsMade = 0;
@@ -242,3 +235,5 @@ ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& cert
                                 ReplySink& sink) {
     return Exchange(certPath, timeoutSeconds, sink).Run(std::move(request));
 }
+
+}  // namespace suite

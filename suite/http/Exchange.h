@@ -5,6 +5,8 @@
 #include "ReplySink.h"
 #include "RequestCheck.h"
 
+namespace suite {
+
 // How one exchange, redirects included, came out.
 struct ExchangeOutcome {
     int code = 0;         // HTTP status or HttpTransportError
@@ -18,3 +20,5 @@ struct ExchangeOutcome {
 // memory throws.
 ExchangeOutcome PerformExchange(CheckedRequest request, const std::wstring& certPath, int timeoutSeconds,
                                 ReplySink& sink);
+
+}  // namespace suite

@@ -9,6 +9,8 @@
 #include "ProxyRule.h"
 #include "Utf8Text.h"
 
+namespace suite {
+
 namespace {
 
 struct GlobalDeleter {
@@ -30,7 +32,7 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     if (IsLoopback(url)) {
         return std::string();
     }
-    const std::wstring scheme = WideFromUtf8(url.scheme);
+    const std::wstring scheme = suite::WideFromUtf8(url.scheme);
     if (IsSetInEnvironment(scheme + L"_proxy") || IsSetInEnvironment(L"all_proxy")) {
         return std::nullopt;
     }
@@ -41,5 +43,8 @@ std::optional<std::string> ProxyFor(const UrlParts& url) {
     const SystemText script(config.lpszAutoConfigUrl);  // not read: the library runs no proxy scripts
     const SystemText proxy(config.lpszProxy);
     const SystemText bypass(config.lpszProxyBypass);
-    return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), scheme, WideFromUtf8(url.host)));
+    const ProxyTarget target{scheme, WideFromUtf8(url.host), WideFromUtf8(url.port)};
+    return Utf8FromWide(ProxyBySettings(TextOf(proxy), TextOf(bypass), target));
 }
+
+}  // namespace suite

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "HeaderText.h"
 #include "UrlText.h"
+
+namespace suite {
 
 namespace {
 
@@ -58,3 +61,5 @@ std::variant<CheckedRequest, std::string> FollowRedirect(const CheckedRequest& r
     }
     return next;
 }
+
+}  // namespace suite

@@ -5,6 +5,8 @@
 
 #include "RequestCheck.h"
 
+namespace suite {
+
 constexpr int kMaxRedirects = 5;
 
 // Whether a status asks for the request to be sent elsewhere (given a Location).
@@ -15,3 +17,5 @@ bool IsRedirectStatus(long status);
 // platform's requests carry tokens in both.
 std::variant<CheckedRequest, std::string> FollowRedirect(const CheckedRequest& request, long status,
                                                          const std::string& location);
+
+}  // namespace suite

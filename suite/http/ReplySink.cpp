@@ -1,48 +1,76 @@
 #include "ReplySink.h"
 
-#include <algorithm>
+#include "CurlHandlePool.h"
 
-#include "CurlOption.h"
-#include "RedirectRule.h"
-#include "RequestCheck.h"
+namespace suite {
 
 namespace {
 
-constexpr std::size_t kMaxTextBytes = 16 * 1024 * 1024;
-constexpr std::size_t kMaxHeaderBytes = 256 * 1024;
+constexpr std::uint64_t kMaxTextBytes = 16 * 1024 * 1024;
 // Reading a short body to its end keeps the connection; a long one costs more than a new connection.
-constexpr std::size_t kMaxRedirectBodyBytes = 64 * 1024;
+constexpr std::uint64_t kMaxUnreadBytes = 64 * 1024;
 
-std::string Trimmed(const std::string& text) {
-    constexpr const char* kBlanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+// What a compressed body may unfold to: any, up to the floor, so that a short reply of repeated text passes; beyond it
+// so many times its own size.
+constexpr std::uint64_t kUnfoldFloor = 1024 * 1024;
+constexpr std::uint64_t kMaxUnfoldRatio = 200;
 
 }  // namespace
 
-void ReplySink::Attach(CURL* handle) {
-    m_handle = handle;
-    m_headers.clear();
+void ReplySink::Attach(CURL* handle, bool isHttps) {
+    m_isHttps = isHttps;
+    m_head.emplace(m_keepsHeaders);
     m_redirectTarget.clear();
-    m_headerBytes = 0;
-    m_redirectBytes = 0;
-    m_headersComplete = false;
+    m_isUnread = false;
+    m_isStopped = false;
+    m_chunks = ChunkedBody();
+    m_decoder.reset();
+    m_receivedBytes = 0;
+    m_takenBytes = 0;
     SetCurlOption(handle, CURLOPT_HEADERFUNCTION, &ReplySink::OnHeader);
     SetCurlOption(handle, CURLOPT_HEADERDATA, this);
     SetCurlOption(handle, CURLOPT_WRITEFUNCTION, &ReplySink::OnBody);
     SetCurlOption(handle, CURLOPT_WRITEDATA, this);
+    // libcurl's decoders take a cut body for a whole one, and its chunk reader a body without its last byte.
+    SetCurlOption(handle, CURLOPT_HTTP_CONTENT_DECODING, 0L);
+    SetCurlOption(handle, CURLOPT_HTTP_TRANSFER_DECODING, 0L);
 }
 
-bool ReplySink::Finish() {
-    return m_download == nullptr || Deliver("", 0, true);
+bool ReplySink::Finish(CURLcode result) {
+    if (m_failure.code != 0) {
+        return false;
+    }
+    const bool isEnough = HasHead() && (m_isUnread || m_isStopped);
+    if (result != CURLE_OK && !isEnough) {
+        return false;
+    }
+    if (!HasHead()) {
+        return Refuse(kHttpConnectionBroken, "the reply ends within its headers");
+    }
+    if (!m_isUnread && m_head->HasBody()) {
+        if (m_head->IsChunked() && !m_chunks.HasEnded()) {
+            return Refuse(kHttpConnectionBroken, "connection broken");
+        }
+        if (m_decoder && !m_decoder->HasEnded()) {
+            return Refuse(kHttpBadEncoding, "the encoded reply is cut");
+        }
+    }
+    return m_download == nullptr || !m_redirectTarget.empty() || Deliver("", 0, true);
+}
+
+bool ReplySink::EndsWithConnection() const {
+    return HasHead() && m_head->HasBody() && !m_head->IsChunked() && !m_head->Length();
+}
+
+std::map<std::string, std::string> ReplySink::TakeHeaders() {
+    return m_head ? m_head->TakeFields() : std::map<std::string, std::string>();
 }
 
 // Nothing may be thrown through libcurl's frames.
 std::size_t ReplySink::OnHeader(char* data, std::size_t one, std::size_t size, void* self) {
     auto* const sink = static_cast<ReplySink*>(self);
     try {
-        return sink->AcceptHeaderLine(std::string(data, one * size)) ? one * size : 0;
+        return sink->AcceptHeaderLine({data, one * size}) ? one * size : 0;
     } catch (...) {
         sink->m_failure.code = kHttpInternalError;
         return 0;
@@ -59,90 +87,119 @@ std::size_t ReplySink::OnBody(char* data, std::size_t one, std::size_t size, voi
     }
 }
 
-bool ReplySink::AcceptHeaderLine(const std::string& line) {
-    m_headerBytes += line.size();
-    if (m_headerBytes > kMaxHeaderBytes) {
-        return Refuse(kHttpReplyTooLarge, "the reply's headers are too large");
+bool ReplySink::AcceptHeaderLine(std::string_view line) {
+    const bool hadHead = HasHead();
+    if (!m_head->Accept(line)) {
+        m_failure = m_head->Failure();
+        return false;
     }
-    if (m_headersComplete) {
-        return true;  // a trailer: what decides about the reply has been decided
-    }
-    if (line.rfind("HTTP/", 0) == 0) {  // a new reply; interim ones (1xx) come before the final one
-        m_text.clear();
-        m_headers.clear();
-        m_lastHeader.clear();
-        m_location.clear();
-    } else if (Trimmed(line).empty()) {
-        EndOfHeaders();
-    } else {
-        StoreHeader(line);
-    }
-    return true;
+    return hadHead || !HasHead() || BeginBody();
 }
 
-void ReplySink::StoreHeader(const std::string& line) {
-    const bool continuesLast = line[0] == ' ' || line[0] == '\t';
-    if (continuesLast) {
-        if (!m_lastHeader.empty()) {
-            m_headers[m_lastHeader] += " " + Trimmed(line);
-        }
-        return;
+bool ReplySink::BeginBody() {
+    m_redirectTarget = m_head->RedirectTarget();
+    m_isUnread = !m_redirectTarget.empty() || (m_download != nullptr && !m_head->IsSuccess());
+    if (!m_head->HasBody()) {
+        return true;
     }
-    const std::size_t colon = line.find(':');
-    if (colon == std::string::npos) {
-        return;
+    const std::optional<std::uint64_t> length = m_head->Length();
+    if (m_isUnread) {
+        const bool endsSoon = m_head->IsChunked() || (length && *length <= kMaxUnreadBytes);
+        return endsSoon || Stop();
     }
-    const std::string name = Trimmed(line.substr(0, colon));
-    const std::string value = Trimmed(line.substr(colon + 1));
-    if (m_location.empty() && SameHeaderName(name, "Location")) {
-        m_location = value;
+    // libcurl does not tell an orderly end of a TLS connection from a cut one.
+    if (m_isHttps && EndsWithConnection()) {
+        return Refuse(kHttpConnectionBroken, "the reply over https has neither a length nor chunks");
     }
-    const auto known = std::find_if(m_headers.begin(), m_headers.end(),
-                                    [&name](const auto& header) { return SameHeaderName(header.first, name); });
-    if (known != m_headers.end()) {
-        known->second += ", " + value;
-        m_lastHeader = known->first;
-    } else {
-        m_headers[name] = value;
-        m_lastHeader = name;
+    DecoderChoice choice = ChooseDecoder(m_head->Codings());
+    if (!choice.isKnown) {
+        return Refuse(kHttpBadEncoding, "the content encoding is not known");
     }
-}
-
-void ReplySink::EndOfHeaders() {
-    long status = 0;
-    curl_easy_getinfo(m_handle, CURLINFO_RESPONSE_CODE, &status);
-    m_headersComplete = status >= 200;
-    m_isSuccess = status >= 200 && status < 300;
-    if (IsRedirectStatus(status)) {
-        m_redirectTarget = m_location;
-    }
+    m_decoder = std::move(choice.decoder);
+    return m_decoder || !length || *length <= MaxBytes() || RefuseSize();
 }
 
 bool ReplySink::AcceptBody(const char* data, std::size_t size) {
-    if (!m_redirectTarget.empty()) {
-        m_redirectBytes += size;
-        return m_redirectBytes <= kMaxRedirectBodyBytes;
+    if (!HasHead()) {
+        return Refuse(kHttpConnectionBroken, "the reply is not HTTP");
+    }
+    m_receivedBytes += size;
+    if (m_download != nullptr && !m_pace.Accept(std::chrono::steady_clock::now(), size)) {
+        return m_isUnread ? Stop() : Refuse(kHttpTimeout, "the download is too slow");
+    }
+    if (m_isUnread) {
+        return m_receivedBytes <= kMaxUnreadBytes || Stop();
+    }
+    return m_head->IsChunked() ? AcceptChunks(data, size) : Decode(data, size);
+}
+
+bool ReplySink::AcceptChunks(const char* data, std::size_t size) {
+    switch (m_chunks.Accept(data, size, [this](const char* part, std::size_t count) { return Decode(part, count); })) {
+        case ChunkedBody::Result::kMore:
+            return true;
+        case ChunkedBody::Result::kExcess:
+            return Stop();
+        case ChunkedBody::Result::kInvalid:
+            return Refuse(kHttpConnectionBroken, "the reply's chunks are malformed");
+        default:
+            return false;
+    }
+}
+
+bool ReplySink::Decode(const char* data, std::size_t size) {
+    if (!m_decoder) {
+        return Take(data, size);
+    }
+    const auto take = [this](const char* block, std::size_t count) { return Take(block, count); };
+    if (m_decoder->Decode(data, size, take)) {
+        return true;
+    }
+    return m_failure.code == 0 ? Refuse(kHttpBadEncoding, "the content encoding cannot be undone") : false;
+}
+
+bool ReplySink::Take(const char* data, std::size_t size) {
+    m_takenBytes += size;
+    if (m_takenBytes > MaxBytes()) {
+        return RefuseSize();
+    }
+    if (m_takenBytes > kUnfoldFloor && m_takenBytes / kMaxUnfoldRatio > m_receivedBytes) {
+        return Refuse(kHttpReplyTooLarge, "the encoded reply unfolds to more than 200 times its size");
     }
     if (m_download != nullptr) {
-        return !m_isSuccess || Deliver(data, size, false);  // an error page is not the file that was asked for
-    }
-    if (size > kMaxTextBytes - m_text.size()) {
-        return Refuse(kHttpReplyTooLarge, "the reply is larger than 16 MiB");
+        return Deliver(data, size, false);
     }
     m_text.append(data, size);
     return true;
 }
 
 bool ReplySink::Deliver(const char* data, std::size_t size, bool finalBlock) {
+    const auto start = std::chrono::steady_clock::now();
     try {
-        return m_download->WriteData(data, size, finalBlock) ||
-               Refuse(kHttpWriteRefused, "the download's write function refused a block");
+        const bool accepted = m_download->WriteData(data, size, finalBlock);
+        m_pace.Excuse(std::chrono::steady_clock::now() - start);
+        return accepted || Refuse(kHttpWriteRefused, "the download's write function refused a block");
     } catch (...) {
         return Refuse(kHttpWriteRefused, "the download's write function threw");
     }
+}
+
+std::uint64_t ReplySink::MaxBytes() const {
+    return m_download != nullptr ? m_download->MaxSize() : kMaxTextBytes;
+}
+
+bool ReplySink::RefuseSize() {
+    return Refuse(kHttpReplyTooLarge, m_download != nullptr ? "the download is larger than its handler allows"
+                                                            : "the reply is larger than 16 MiB");
 }
 
 bool ReplySink::Refuse(int code, const char* cause) {
     m_failure = {code, cause};
     return false;
 }
+
+bool ReplySink::Stop() {
+    m_isStopped = true;
+    return false;
+}
+
+}  // namespace suite

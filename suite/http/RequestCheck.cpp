@@ -3,19 +3,18 @@
 #include <algorithm>
 #include <string_view>
 
+#include "HeaderText.h"
 #include "UrlText.h"
 #include "Utf8Text.h"
 
-namespace {
+namespace suite {
 
-char LowerCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+namespace {
 
 // RFC 9110, 5.6.2: the characters of a token.
 bool IsTokenCharacter(char c) {
     static constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
-    const char lower = LowerCase(c);
+    const char lower = static_cast<char>(c | 0x20);
     return (lower >= 'a' && lower <= 'z') || (c >= '0' && c <= '9') || kMarks.find(c) != std::string_view::npos;
 }
 
@@ -26,11 +25,7 @@ bool IsForbiddenInValue(char c) {
 }
 
 // Vertical tab and form feed are no blanks of HTTP, but libcurl takes a value of nothing else for an empty one.
-std::string WithoutOuterBlanks(const std::string& text) {
-    constexpr const char* kBlanks = " \t\v\f";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+constexpr std::string_view kOuterBlanks = " \t\v\f";
 
 // Framing is the library's business: a length or an encoding that does not match the body would let the peer read one
 // request as two, and an expectation would bring two final replies into one exchange.
@@ -52,11 +47,6 @@ std::string CheckHeader(const std::string& name, const std::string& value) {
 
 }  // namespace
 
-bool SameHeaderName(const std::string& left, const std::string& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return LowerCase(a) == LowerCase(b); });
-}
-
 std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy) {
     const HttpRequestMethod method = strategy.Method();
     if (method != HttpRequestMethod::kGet && method != HttpRequestMethod::kPost) {
@@ -65,7 +55,7 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     CheckedRequest request;
     request.post = method == HttpRequestMethod::kPost;
 
-    const std::optional<std::string> url = EscapeUrl(Utf8FromWide(strategy.Url()));
+    const std::optional<std::string> url = EscapeUrl(suite::Utf8FromWide(strategy.Url()));
     if (!url) {
         return "the URL holds CR, LF or NUL";
     }
@@ -75,8 +65,8 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     request.url = *url;
 
     for (const auto& [wideName, wideValue] : strategy.Headers()) {
-        const std::string name = Utf8FromWide(wideName);
-        const std::string value = Utf8FromWide(wideValue);
+        const std::string name = suite::Utf8FromWide(wideName);
+        const std::string value = suite::Utf8FromWide(wideValue);
         std::string refusal = CheckHeader(name, value);
         if (!refusal.empty()) {
             return refusal;
@@ -86,11 +76,13 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
             return "the header " + name + " is given twice";
         }
         if (!IsFramingHeader(name)) {
-            request.headers.emplace_back(name, WithoutOuterBlanks(value));
+            request.headers.emplace_back(name, Trimmed(value, kOuterBlanks));
         }
     }
     if (request.post) {
-        request.body = Utf8FromWide(strategy.PostData());
+        request.body = suite::Utf8FromWide(strategy.PostData());
     }
     return request;
 }
+
+}  // namespace suite

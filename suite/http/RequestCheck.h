@@ -7,6 +7,8 @@
 
 #include "HttpLib.h"
 
+namespace suite {
+
 // One exchange as it goes out, checked: all text is UTF-8, the URL escaped, headers without CR, LF or NUL.
 struct CheckedRequest {
     std::string url;
@@ -19,5 +21,4 @@ struct CheckedRequest {
 // std::length_error for text beyond every reason.
 std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy);
 
-// ASCII comparison without regard to letter case, as header names are compared.
-bool SameHeaderName(const std::string& left, const std::string& right);
+}  // namespace suite

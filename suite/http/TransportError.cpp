@@ -2,11 +2,14 @@
 
 #include "HttpLib.h"
 
+namespace suite {
+
 namespace {
 
 // X509_V_ERR_UNSPECIFIED. With OpenSSL, libcurl's value until it has read the chain's result, which it does after the
 // name check: a refusal with this value or 0 is one of the name. Other TLS backends of libcurl do not promise this.
 constexpr long kChainNotJudged = 1;
+constexpr long kNameMismatch = 62;  // X509_V_ERR_HOSTNAME_MISMATCH, see TlsTrust.cpp
 
 struct Meaning {
     int code;
@@ -27,11 +30,11 @@ Meaning MeaningOf(CURLcode result, long verifyResult) {
         case CURLE_OPERATION_TIMEDOUT:
             return {kHttpTimeout, "time limit reached"};
         case CURLE_PEER_FAILED_VERIFICATION:
-            return verifyResult <= kChainNotJudged
+            return verifyResult <= kChainNotJudged || verifyResult == kNameMismatch
                        ? Meaning{kHttpCertificateWrongName, "certificate is for another host"}
                        : Meaning{kHttpCertificateUntrusted, "certificate is not trusted"};
         case CURLE_SSL_CACERT_BADFILE:
-            return {kHttpCertificateFileInvalid, "the certificate file holds no usable certificate"};
+            return {kHttpCertificateFileInvalid, "the certificate file holds a damaged certificate"};
         case CURLE_SSL_CONNECT_ERROR:
         case CURLE_SSL_CIPHER:
         case CURLE_SSL_CERTPROBLEM:
@@ -46,9 +49,8 @@ Meaning MeaningOf(CURLcode result, long verifyResult) {
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_UNSUPPORTED_PROTOCOL:  // the reply has no HTTP status line
             return {kHttpConnectionBroken, "the reply is not HTTP"};
-        case CURLE_BAD_CONTENT_ENCODING:
-        case CURLE_WRITE_ERROR:  // of a decoder; the sink's own refusals are known before
-            return {kHttpBadEncoding, "the content encoding cannot be undone"};
+        case CURLE_BAD_CONTENT_ENCODING:  // of a transfer coding; content codings are not libcurl's business
+            return {kHttpConnectionBroken, "the reply does not say clearly where it ends"};
         default:
             return {kHttpInternalError, "internal error"};
     }
@@ -77,3 +79,5 @@ TransportFailure DescribeFailure(CURLcode result, const std::string& detail, lon
     }
     return {meaning.code, std::string(meaning.text) + " (" + shown + ")"};
 }
+
+}  // namespace suite

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <memory>
 
+namespace suite {
+
 namespace {
 
 struct UrlDeleter {
@@ -98,3 +100,5 @@ bool IsLoopback(const UrlParts& url) {
     return url.host == "localhost" || url.host == "[::1]" ||
            (url.host.rfind("127.", 0) == 0 && url.host.find_first_not_of("0123456789.") == std::string::npos);
 }
+
+}  // namespace suite

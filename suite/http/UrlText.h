@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace suite {
+
 // The parts of an absolute http or https URL that the library decides by. Text is UTF-8.
 struct UrlParts {
     std::string scheme;     // "http" or "https"
@@ -27,3 +29,5 @@ std::optional<std::string> ResolveReference(const std::string& base, const std::
 bool SameParty(const UrlParts& from, const UrlParts& to);
 
 bool IsLoopback(const UrlParts& url);
+
+}  // namespace suite

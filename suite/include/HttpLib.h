@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -22,14 +23,14 @@ enum HttpTransportError : int {
     kHttpInvalidRequest = -1,
     kHttpNameNotResolved = -2,         // the host or proxy name has no address
     kHttpConnectFailed = -3,           // nobody accepts the connection, or the proxy refuses it
-    kHttpTimeout = -4,                 // connect, stall or total time limit
-    kHttpCertificateUntrusted = -5,    // the peer's chain does not end at a trusted authority
-    kHttpCertificateWrongName = -6,    // a trusted certificate, but for another host
+    kHttpTimeout = -4,                 // connect, stall or total time limit; a download below its pace
+    kHttpCertificateUntrusted = -5,    // not trusted: unknown authority, expired, revoked, wrong purpose
+    kHttpCertificateWrongName = -6,    // trusted, but for another host; a common name alone names none
     kHttpTlsFailed = -7,               // any other TLS failure, versions below 1.2 included
-    kHttpCertificateFileInvalid = -8,  // the certificate path cannot be read or holds no certificate (https only)
-    kHttpConnectionBroken = -9,        // cut, reset or ended before the announced length
-    kHttpReplyTooLarge = -10,          // a text reply beyond 16 MiB after decoding
-    kHttpBadEncoding = -11,            // the content encoding could not be undone
+    kHttpCertificateFileInvalid = -8,  // the certificate file: unreadable, empty or one in it damaged (https only)
+    kHttpConnectionBroken = -9,        // cut or reset, or a reply that is not whole: see CurlHttpLibContext
+    kHttpReplyTooLarge = -10,          // a reply beyond a limit of size: see CurlHttpLibContext
+    kHttpBadEncoding = -11,            // the content encoding is not known, cut, or could not be undone
     kHttpRedirectRefused = -12,        // over five, to another scheme, from https to http, or a body to another host
     kHttpWriteRefused = -13,           // the download's write function returned false or threw
     kHttpInternalError = -14,          // out of memory, or an error that has no code of its own
@@ -76,7 +77,8 @@ public:
     // Body of a POST, sent in UTF-8.
     void SetPostData(const std::wstring& body);
 
-    // PEM file of the certificate authorities to trust for this request; empty takes the default (SetDefaultCertPath).
+    // PEM file, 8 MB at most, of the only certificate authorities to trust for this request; empty takes the default
+    // (SetDefaultCertPath).
     void SetCertPath(const std::wstring& path);
 
     // Receive the library's progress and error texts, on the requesting thread.
@@ -111,6 +113,11 @@ public:
     void SetWriteDataFunc(WriteDataFunction function);
     bool WriteData(const char* data, std::size_t size, bool finalBlock);
 
+    // Bytes that a download may have after decoding, 2 GiB when nothing is set. A larger one ends with
+    // kHttpReplyTooLarge: at once when its length is announced, else before the block that goes beyond.
+    void SetMaxSize(std::uint64_t bytes);
+    std::uint64_t MaxSize() const;
+
 private:
     struct State;
     std::unique_ptr<State> m_state;
@@ -129,10 +136,33 @@ struct HttpExchange {
 // sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observer are
 // dropped. Certificates and host names are always checked, TLS 1.2 at least. While the process ends (its other threads
 // are gone) every request fails with kHttpInternalError.
-// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting; for
-// loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
-// A request, a POST too, is sent a second time when a kept connection turns out closed before a byte of the reply came:
-// deliberate, because servers close idle connections at any moment. The server may have seen both.
+// Trust: without a PEM file of authorities Windows judges the certificates: by its stores, the authorities that it
+// fetches when they are asked for, the certificates that it refuses, and the machine's policy. Revocation counts as far
+// as Windows has it cached; where it has not, the certificate is good. The verdict falls in the handshake: an authority
+// that is removed afterwards counts on for connections that are kept (118 s idle at most) and for TLS sessions that the
+// server resumes. SSL_CERT_FILE, SSL_CERT_DIR, SSLKEYLOGFILE, OPENSSL_CONF and OpenSSL's configuration file change
+// nothing.
+// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting, its
+// SOCKS proxy too; for loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
+// A request, a POST too, is sent a second time when a kept connection turns out closed before the first line of the
+// reply was whole: deliberate, because servers close idle connections at any moment. The server may have seen both.
+//
+// A reply counts when it is whole, to its last byte; anything less is kHttpConnectionBroken:
+// - Its head begins with an HTTP/1.0 or 1.1 status line and ends with an empty line. An interim reply (1xx) is none.
+// - Its body has the announced length, or all of its chunks. Without either it ends with an orderly close over http;
+//   over https it is refused, because a cut TLS connection looks the same.
+// - It says so in one way: two lengths that differ, a length beside chunks, a length that is no number, a transfer
+//   coding other than "chunked", or such a field continued on a second line are refused.
+// A redirect, and the error page of a download, are whole at the end of their head.
+// Bytes behind a reply's end are dropped together with the connection.
+//
+// Encodings that are undone, asked for or not: gzip (x-gzip), deflate (with zlib's wrapping or raw) and br, one at a
+// time, a single gzip member. The encoded body must come to its own end, with nothing behind it; an empty body under an
+// encoding is kHttpBadEncoding, but for the statuses 204 and 304.
+//
+// kHttpReplyTooLarge: headers of more than 256 KiB or 1,000 lines, or one line of more than 100 KiB; a text of more
+// than 16 MiB after decoding; a download beyond its handler's limit; an encoded body that unfolds to more than 200
+// times its size, the first MiB excepted; an announced length of more than 18 digits.
 class HTTPLIB_API CurlHttpLibContext {
 public:
     // strategy: not null, must outlive the context.
@@ -142,18 +172,19 @@ public:
     CurlHttpLibContext& operator=(const CurlHttpLibContext&) = delete;
 
     // Performs the exchange; returns the HTTP status or an HttpTransportError. response receives the decoded body,
-    // empty on a transport error. timeoutSeconds: -1 (or 0) means the defaults, connect in 15 s and no stall of 30 s; a
-    // positive number is a limit for the whole exchange besides.
+    // empty on a transport error. Connecting may take 15 s, and 30 s without a byte of the body end the exchange.
+    // timeoutSeconds: limit for the whole exchange; -1 (or 0) means 300.
     int Request(std::string& response, int timeoutSeconds);
     // As above with the default limits. replyHeaders is replaced by the final reply's headers, names as they came;
     // values of a name that comes more than once are joined with ", ".
     int Request(std::string& response, std::map<std::string, std::string>& replyHeaders);
     // Download form: the decoded body of a reply with a status of 200 to 299 goes to the FileTransferHandler that
-    // fileTransferHandler points to; that of any other status, an error page, is read and dropped. response stays
-    // empty.
+    // fileTransferHandler points to; that of any other status, an error page, is dropped, and read for 64 KiB at most.
+    // response stays empty. No limit for the whole exchange, but a body of which less than 60 KiB come within a minute
+    // is kHttpTimeout; the time that the handler takes does not count.
     int Request(std::string& response, void* fileTransferHandler);
 
-    // Authorities for requests that name no certificate path: a PEM file, or empty for the system's store. Any thread.
+    // Authorities for requests that name no certificate path: a PEM file, or empty for Windows' verdict. Any thread.
     static void SetDefaultCertPath(const std::wstring& path);
 
     // Called after every exchange of the process, on its thread; empty removes the observer. Any thread.

@@ -42,14 +42,22 @@ public:
 
     // Reads the client's configuration file (JSON, UTF-8, comments allowed) and replaces the settings it names; the
     // others keep their values. Members, all optional texts: "portalUrl", "gatewayUrl", "syncServerUrl",
-    // "userInformationServiceUrl", "basicServiceUrl" (http or https, no trailing slash), "countryCode", "clientMode",
+    // "userInformationServiceUrl", "basicServiceUrl" (base URLs, see BaseUrlFault), "countryCode", "clientMode",
     // "appDataLocalPath" and "stateFolder" (absolute folders; the system UUID is kept in the latter; default: the local
     // application-data folder), and the object "legacyItems" (item number as text to stored text). False with a UTF-8
     // text of the form "FILE:LINE: KEY: reason" when the file cannot be read or a member is wrong; nothing is changed
     // then.
     bool LoadConfiguration(const std::wstring& file, std::string& error);
+    // The same from a text in memory; FILE of the error text is "configuration".
+    bool LoadConfigurationText(const std::string& json, std::string& error);
 
-    // Base URLs, without trailing slash; empty until configured.
+    // What keeps a UTF-8 text from being a base URL of the configuration, in words like "must name a host"; empty when
+    // nothing does. Operations append their paths and queries to a base URL as it stands. It has the scheme http or
+    // https in any letter case and a host, perhaps a port from 1 to 65535 and a path. It has no slash at its end, and
+    // no blank, control character, backslash, user name, query or fragment.
+    static std::string BaseUrlFault(const std::string& url);
+
+    // Base URLs; empty until configured.
     std::wstring GetPortalUrl() const;
     std::wstring GetGWUrl() const;
     std::wstring GetSyncServerUrl() const;
@@ -57,8 +65,13 @@ public:
     std::wstring GetBasicUrl() const;
 
     // Identity of this installation: 32 lower-case hexadecimal digits, made from the system's random source on first
-    // use and kept in the state folder. When it cannot be written it lasts for the process.
+    // use and kept in the state folder. It is made only when there is none, or when its file can be read and holds
+    // anything else. A file that another program holds is waited for, two seconds at most. When it still cannot be read
+    // it is left as it is, and this process has an identity of its own; likewise when it cannot be written.
     std::wstring GetSystemUUid() const;
+    // Why that is an identity of this process only, UTF-8, with the file and the system's error code; empty when it is
+    // the stored one.
+    std::string GetSystemUUidFault() const;
     std::wstring GetCountryCode() const;
     std::wstring GetZvClientMode() const;
     // Folder for per-user files of this machine, without trailing separator: a drive's root is "C:".
@@ -68,7 +81,8 @@ public:
     void SetMainWnd(HWND__* window);
     HWND__* GetMainWnd() const;
 
-    // Pushed by the authentication service, read by the other modules.
+    // Pushed by the authentication service, read by the other modules. The store hands the three tokens to
+    // Logger::SetSecret, so that no log line shows one.
     void SetCurrentAt(const std::wstring& accessToken);
     std::wstring GetCurrentAt() const;
     void SetCurrentRt(const std::wstring& refreshToken);

@@ -1,8 +1,12 @@
 #include "LineText.h"
 
+#include <algorithm>
+
 #include "Logger.h"
+#include "SecretValues.h"
 #include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
 constexpr std::string_view kContinuation = "\n    ";
@@ -33,11 +37,15 @@ std::string EscapeUnicodeControl(std::string_view rest, std::size_t& bytes) {
 
 }  // namespace
 
-std::string LogTextOf(std::wstring_view text) {
+std::string LogTextOf(std::wstring_view text, const SecretValues* secrets) {
     constexpr std::size_t kMaxUnits = 64 * 1024;
     std::string kept = Utf8FromWide(text.substr(0, kMaxUnits));
-    if (text.size() > kMaxUnits) {
-        kept += " [cut: " + std::to_string(text.size() - kMaxUnits) + " more]";
+    const std::wstring_view beyond = text.substr(std::min(text.size(), kMaxUnits));
+    if (secrets != nullptr) {
+        kept = secrets->Masked(kept + Utf8FromWide(beyond.substr(0, secrets->LongestForm())), kept.size());
+    }
+    if (!beyond.empty()) {
+        kept += " [cut: " + std::to_string(beyond.size()) + " more]";
     }
     return kept;
 }
@@ -76,3 +84,5 @@ std::string EscapeForLog(std::string_view text) {
     }
     return line;
 }
+
+}  // namespace suite

@@ -1,21 +1,23 @@
 #include "LogPipeline.h"
 
-#include <spdlog/async.h>
 #include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include <utility>
-#include <vector>
 
 #include "LineText.h"
+#include "LogFileName.h"
 #include "MaskSecrets.h"
+#include "OperationLine.h"
+#include "RotatingFile.h"
+#include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
-// The slots are allocated at once. At a thousand lines a second the disk may stand still for four seconds before
-// lines are lost.
-constexpr std::size_t kQueueLines = 4096;
+std::string_view ViewOf(spdlog::string_view_t text) {
+    return {text.data(), text.size()};
+}
 
 // The last step before a file or the console: whatever a caller wrote, it is masked and escaped here.
 class MaskingFormatter final : public spdlog::formatter {
@@ -23,7 +25,7 @@ public:
     void format(const spdlog::details::log_msg& message, spdlog::memory_buf_t& destination) override {
         m_time.format(message, destination);
         const std::string text =
-            EscapeForLog(MaskSecrets(std::string_view(message.payload.data(), message.payload.size())));
+            EscapeForLog(ViewOf(message.logger_name)) + " " + EscapeForLog(MaskSecrets(ViewOf(message.payload)));
         destination.append(text.data(), text.data() + text.size());
         destination.push_back('\n');
     }
@@ -45,97 +47,77 @@ public:
     std::unique_ptr<spdlog::formatter> clone() const override { return std::make_unique<JsonLineFormatter>(); }
 };
 
-// Counts what passes, and flushes all sinks when the queue has run empty: buffered while busy, on disk when idle.
-class CountingSink final : public spdlog::sinks::sink {
-public:
-    CountingSink(spdlog::sink_ptr inner, std::shared_ptr<const std::vector<spdlog::sink_ptr>> all,
-                 std::shared_ptr<QueueProgress> progress)
-        : m_inner(std::move(inner)), m_all(std::move(all)), m_progress(std::move(progress)) {}
-
-    void log(const spdlog::details::log_msg& message) override {
-        const WrittenAtExit written{*m_progress};
-        m_inner->log(message);
-        if (m_progress->ShouldFlush()) {
-            for (const spdlog::sink_ptr& target : *m_all) {
-                target->flush();
-            }
-        }
-    }
-    void flush() override { m_inner->flush(); }
-    void set_pattern(const std::string& pattern) override { m_inner->set_pattern(pattern); }
-    void set_formatter(std::unique_ptr<spdlog::formatter> formatter) override {
-        m_inner->set_formatter(std::move(formatter));
-    }
-
-private:
-    // A line that cannot be written counts too, or everybody who waits would run into the time-out.
-    struct WrittenAtExit {
-        QueueProgress& progress;
-        ~WrittenAtExit() { progress.Written(); }
-    };
-
-    spdlog::sink_ptr m_inner;
-    std::shared_ptr<const std::vector<spdlog::sink_ptr>> m_all;
-    std::shared_ptr<QueueProgress> m_progress;
-};
-
 spdlog::sink_ptr OpenFile(const std::wstring& file, const LoggerSettings& settings,
                           std::unique_ptr<spdlog::formatter> formatter) {
     const LoggerSettings defaults;
-    auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-        file, settings.maxFileBytes == 0 ? defaults.maxFileBytes : settings.maxFileBytes,
-        settings.maxFiles == 0 ? defaults.maxFiles : settings.maxFiles);
+    auto sink =
+        std::make_shared<RotatingFile>(file, settings.maxFileBytes == 0 ? defaults.maxFileBytes : settings.maxFileBytes,
+                                       settings.maxFiles == 0 ? defaults.maxFiles : settings.maxFiles);
     sink->set_formatter(std::move(formatter));
     return sink;
 }
 
-// By LogTarget; null where the settings name no such sink.
-std::vector<spdlog::sink_ptr> OpenSinks(const LoggerSettings& settings) {
-    std::vector<spdlog::sink_ptr> sinks(3);
-    if (!settings.file.empty()) {
-        sinks[0] = OpenFile(settings.file, settings, std::make_unique<MaskingFormatter>());
-        sinks[2] = OpenFile(settings.file + L".operations.jsonl", settings, std::make_unique<JsonLineFormatter>());
-    }
-    if (settings.console) {
-        sinks[1] = std::make_shared<spdlog::sinks::stderr_sink_mt>();
-        sinks[1]->set_formatter(std::make_unique<MaskingFormatter>());
-    }
-    return sinks;
+std::string LossText(std::uint64_t count) {
+    return std::to_string(count) + " lines dropped";
 }
 
 }  // namespace
 
-LogPipeline::LogPipeline(const LoggerSettings& settings)
-    : m_consoleSeverity(settings.consoleSeverity), m_progress(std::make_shared<QueueProgress>()) {
-    const std::vector<spdlog::sink_ptr> sinks = OpenSinks(settings);
-    auto open = std::make_shared<std::vector<spdlog::sink_ptr>>();
-    for (const spdlog::sink_ptr& sink : sinks) {
+LogPipeline::LogPipeline(const LoggerSettings& settings) : m_consoleSeverity(settings.consoleSeverity) {
+    const auto sink = [this](LogTarget target) -> std::unique_ptr<SinkThread>& {
+        return m_sinks[static_cast<std::size_t>(target)];
+    };
+    if (!settings.file.empty()) {
+        const LogFileName name = LogFileName::Take(settings.file);
+        spdlog::sink_ptr file = OpenFile(name.Path(), settings, std::make_unique<MaskingFormatter>());
+        spdlog::sink_ptr operations =
+            OpenFile(name.Path() + L".operations.jsonl", settings, std::make_unique<JsonLineFormatter>());
+        // The threads keep the name as long as they may write.
+        sink(LogTarget::kFile) =
+            std::make_unique<SinkThread>(std::move(file), [name](std::uint64_t count) { return LossText(count); });
+        sink(LogTarget::kOperations) = std::make_unique<SinkThread>(
+            std::move(operations), [name](std::uint64_t count) { return DroppedEventsLine(count); });
+        if (name.IsSecondChoice()) {
+            Post(LogTarget::kFile, true, "[logger]", "another process writes to " + Utf8FromWide(settings.file));
+        }
+    }
+    if (settings.console) {
+        // Without the console's common lock: a line that nobody reads would keep it for ever.
+        auto console = std::make_shared<spdlog::sinks::stderr_sink_st>();
+        console->set_formatter(std::make_unique<MaskingFormatter>());
+        sink(LogTarget::kConsole) = std::make_unique<SinkThread>(std::move(console), LossText);
+    }
+}
+
+void LogPipeline::Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept {
+    SinkThread* const sink = m_sinks[static_cast<std::size_t>(target)].get();
+    if (sink != nullptr) {
+        sink->Post(place, text, urgent);
+    }
+}
+
+bool LogPipeline::Wait(std::chrono::milliseconds timeout) {
+    const SinkThread::Clock::time_point deadline = SinkThread::Clock::now() + timeout;
+    bool done = true;
+    for (const std::unique_ptr<SinkThread>& sink : m_sinks) {
+        done = (sink == nullptr || sink->Wait(deadline)) && done;
+    }
+    return done;
+}
+
+void LogPipeline::Close() {
+    for (const std::unique_ptr<SinkThread>& sink : m_sinks) {
         if (sink != nullptr) {
-            open->push_back(sink);
+            sink->BeginToClose();
         }
     }
-    m_pool = std::make_shared<spdlog::details::thread_pool>(kQueueLines, 1);
-    for (std::size_t i = 0; i < sinks.size(); ++i) {
-        if (sinks[i] != nullptr) {
-            auto counting = std::make_shared<CountingSink>(sinks[i], open, m_progress);
-            m_loggers[i] = std::make_shared<spdlog::async_logger>("client", std::move(counting), m_pool,
-                                                                  spdlog::async_overflow_policy::overrun_oldest);
-            m_loggers[i]->flush_on(spdlog::level::err);
-            // The default handler writes to standard error, unmasked. A sink's failure has nowhere to be told.
-            m_loggers[i]->set_error_handler([](const std::string&) {});
+    const SinkThread::Clock::time_point deadline =
+        SinkThread::Clock::now() + std::chrono::milliseconds(kLongestShutdownMilliseconds);
+    for (const std::unique_ptr<SinkThread>& sink : m_sinks) {
+        if (sink != nullptr) {
+            sink->Close(deadline, std::chrono::milliseconds(kLongestStandstillMilliseconds));
         }
     }
 }
 
-LogPipeline::~LogPipeline() = default;
-
-void LogPipeline::Post(LogTarget target, bool urgent, const std::string& line) {
-    const auto& logger = m_loggers[static_cast<std::size_t>(target)];
-    if (logger != nullptr) {
-        // Past the logger's own call, which swallows a failure: a line that was not queued must not be counted.
-        const spdlog::details::log_msg message(logger->name(), urgent ? spdlog::level::err : spdlog::level::info, line);
-        m_pool->post_log(std::shared_ptr<spdlog::async_logger>(logger), message,
-                         spdlog::async_overflow_policy::overrun_oldest);
-        m_progress->Queued(m_pool->overrun_counter());
-    }
-}
+}  // namespace suite

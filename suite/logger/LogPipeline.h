@@ -1,41 +1,39 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <memory>
-#include <string>
+#include <string_view>
 
 #include "Logger.h"
-#include "QueueProgress.h"
+#include "SinkThread.h"
 
-namespace spdlog {
-class async_logger;
-namespace details {
-class thread_pool;
-}
-}  // namespace spdlog
+namespace suite {
 
 enum class LogTarget : std::size_t { kFile, kConsole, kOperations };
 
-// The open sinks, the queue before them and the thread that empties it. Construction throws when a file cannot be
-// opened; destruction writes what is queued and ends the thread.
+// The open sinks, each with its queue and thread. Construction throws when a file cannot be opened.
 class LogPipeline {
 public:
     explicit LogPipeline(const LoggerSettings& settings);
-    ~LogPipeline();
     LogPipeline(const LogPipeline&) = delete;
     LogPipeline& operator=(const LogPipeline&) = delete;
 
-    // Queues a line (UTF-8, unmasked but for operations) for a target that is open; does nothing for one that is not.
-    // urgent: written through to the file at once. Any thread. Throws when memory is short; nothing was queued then.
-    void Post(LogTarget target, bool urgent, const std::string& line);
+    // Queues a line for a target that is open; does nothing for one that is not. UTF-8; the text is masked by name when
+    // it is written, the place and events are masked already. urgent: written through to the file at once. Any thread.
+    void Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept;
+
+    // Waits until what was posted before has been written or lost. Any thread, also while another closes the sinks.
+    bool Wait(std::chrono::milliseconds timeout);
+
+    // Writes what is queued, as far as Logger::Shutdown promises, and closes the sinks. Nothing may be posted any more.
+    void Close();
 
     int ConsoleSeverity() const { return m_consoleSeverity; }
-    // Shared, so that a caller may go on waiting while the pipeline is taken down.
-    std::shared_ptr<QueueProgress> Progress() const { return m_progress; }
 
 private:
     int m_consoleSeverity;
-    std::shared_ptr<QueueProgress> m_progress;
-    std::array<std::shared_ptr<spdlog::async_logger>, 3> m_loggers;  // by LogTarget
-    std::shared_ptr<spdlog::details::thread_pool> m_pool;            // last member: its thread ends first
+    std::array<std::unique_ptr<SinkThread>, 3> m_sinks;  // by LogTarget; null: not open
 };
+
+}  // namespace suite

@@ -10,20 +10,25 @@
 
 #include "LineText.h"
 #include "LogPipeline.h"
+#include "MaskSecrets.h"
 #include "OperationLine.h"
 #include "ProcessState.h"
+#include "SecretValues.h"
+#include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
 struct LoggerState {
-    std::mutex configureMutex;  // one Configure or Shutdown at a time; held while files open and the queue drains
+    std::mutex configureMutex;  // one Configure or Shutdown at a time; held while files open and the queues drain
     std::mutex mutex;           // guards pipeline; held while a line is queued, never while one is written
-    std::unique_ptr<LogPipeline> pipeline;
+    std::shared_ptr<LogPipeline> pipeline;
+    KnownSecrets secrets;
     std::atomic<bool> open{false};  // saves the work on lines that nobody wants
 };
 
-// Never destroyed. The queue's thread must not be joined by static destructors: at process exit it has been ended
-// already, and under the loader lock it cannot end. Logger::Shutdown is the one way to take it down.
+// Never destroyed. The sinks' threads must not be joined by static destructors: at process exit they have been ended
+// already, and under the loader lock they cannot end. Logger::Shutdown is the one way to take them down.
 LoggerState& State() {
     static LoggerState* const state = new LoggerState;
     return *state;
@@ -33,31 +38,42 @@ bool IsOpen() {
     return !ProcessIsEnding() && State().open.load(std::memory_order_relaxed);
 }
 
-// Swaps the pipeline in; what it replaces is drained and ended here, after other callers have the new one.
-void Replace(std::unique_ptr<LogPipeline> pipeline) {
+// Swaps the pipeline in; what it replaces is drained and closed here, after other callers have the new one.
+void Replace(std::shared_ptr<LogPipeline> pipeline) {
     LoggerState& state = State();
-    const std::lock_guard<std::mutex> lock(state.mutex);
-    state.open.store(pipeline != nullptr, std::memory_order_relaxed);
-    std::swap(state.pipeline, pipeline);
+    {
+        const std::lock_guard<std::mutex> lock(state.mutex);
+        state.open.store(pipeline != nullptr, std::memory_order_relaxed);
+        std::swap(state.pipeline, pipeline);
+    }
+    if (pipeline != nullptr) {
+        pipeline->Close();
+    }
 }
 
-std::string LineOf(int moduleType, int severity, int line, const std::string& functionTag,
-                   const std::wstring& message) {
-    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + functionTag + ":" +
-           std::to_string(line) + " " + LogTextOf(message);
+// The tag is masked by itself: it may end in "Token", and a colon follows.
+std::string PlaceOf(int moduleType, int severity, int line, const std::string& functionTag) {
+    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + MaskSecrets(functionTag) +
+           ":" + std::to_string(line);
 }
 
 }  // namespace
+}  // namespace suite
+
+using suite::IsOpen;
+using suite::LogPipeline;
+using suite::LogTarget;
+using suite::State;
 
 bool Logger::Configure(const LoggerSettings& settings, std::string& error) {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         error = "the process is ending";
         return false;
     }
     try {
-        PinThisModule();
+        suite::PinThisModule();
         const std::lock_guard<std::mutex> lock(State().configureMutex);
-        Replace(std::make_unique<LogPipeline>(settings));
+        suite::Replace(std::make_shared<LogPipeline>(settings));
         return true;
     } catch (const std::exception& failure) {
         error = failure.what();
@@ -73,15 +89,16 @@ void Logger::Output(int moduleType, int severity, int line, const std::string& f
         return;
     }
     try {
-        const std::string text = LineOf(moduleType, severity, line, functionTag, message);
+        const std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
+        const std::string text = suite::LogTextOf(message, State().secrets.Current().get());
         const bool urgent = severity >= kSeverityFailure;
         const std::lock_guard<std::mutex> lock(State().mutex);
         LogPipeline* const pipeline = State().pipeline.get();
         if (pipeline != nullptr && toFile) {
-            pipeline->Post(LogTarget::kFile, urgent, text);
+            pipeline->Post(LogTarget::kFile, urgent, place, text);
         }
         if (pipeline != nullptr && severity >= pipeline->ConsoleSeverity()) {
-            pipeline->Post(LogTarget::kConsole, urgent, text);
+            pipeline->Post(LogTarget::kConsole, urgent, place, text);
         }
     } catch (...) {
         // Out of memory: the line is lost, the caller goes on.
@@ -98,13 +115,25 @@ void Logger::OutputOperationLog(int basicEventType, int operationType, int actio
         return;
     }
     try {
-        const std::string text = OperationLine(basicEventType, operationType, actionType, extraInformation);
+        const std::string text = suite::OperationLine(basicEventType, operationType, actionType, extraInformation,
+                                                      State().secrets.Current().get());
         const std::lock_guard<std::mutex> lock(State().mutex);
         if (State().pipeline != nullptr) {
-            State().pipeline->Post(LogTarget::kOperations, false, text);
+            State().pipeline->Post(LogTarget::kOperations, false, {}, text);
         }
     } catch (...) {
         // Out of memory: the event is lost, the caller goes on.
+    }
+}
+
+bool Logger::SetSecret(const std::string& name, const std::wstring& value) {
+    if (suite::ProcessIsEnding()) {
+        return false;
+    }
+    try {
+        return State().secrets.Set(name, suite::Utf8FromWide(value));
+    } catch (...) {
+        return false;  // out of memory
     }
 }
 
@@ -113,24 +142,24 @@ bool Logger::Flush(int timeoutMilliseconds) {
         return true;  // nothing is queued, or nothing can be waited for any more
     }
     try {
-        std::shared_ptr<QueueProgress> progress;
+        std::shared_ptr<LogPipeline> pipeline;
         {
             const std::lock_guard<std::mutex> lock(State().mutex);
-            progress = State().pipeline == nullptr ? nullptr : State().pipeline->Progress();
+            pipeline = State().pipeline;
         }
-        return progress == nullptr || progress->Wait(std::chrono::milliseconds(std::max(timeoutMilliseconds, 0)));
+        return pipeline == nullptr || pipeline->Wait(std::chrono::milliseconds(std::max(timeoutMilliseconds, 0)));
     } catch (...) {
         return false;
     }
 }
 
 void Logger::Shutdown() {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return;
     }
     try {
         const std::lock_guard<std::mutex> lock(State().configureMutex);
-        Replace(nullptr);
+        suite::Replace(nullptr);
     } catch (...) {
         // Locks that fail mean a process in ruins; there is nothing to save here.
     }

@@ -1,136 +1,120 @@
 #include "MaskSecrets.h"
 
-#include "TextScan.h"
+#include <algorithm>
 
+#include "SecretNames.h"
+#include "TextScan.h"
+#include "UnwrappedText.h"
+
+namespace suite {
 namespace {
 
-constexpr std::string_view kAuthorization = "authorization";
-constexpr std::string_view kToken = "token";
-
-std::size_t PastJoint(std::string_view text, std::size_t at) {
-    return at < text.size() && (text[at] == '_' || text[at] == '-') ? at + 1 : at;
-}
-
-// The word alone is a common one: it names a secret only between quotes, as a JSON member.
-std::size_t AfterTokenMember(std::string_view text, std::size_t at) {
-    const bool opened = at > 0 && IsQuote(text[at - 1]);
-    const std::size_t next = opened ? After(text, at, kToken) : kNone;
-    return next != kNone && QuoteAt(text, next).character != 0 ? next : kNone;
-}
-
-// Position after the name of a secret, else kNone.
-std::size_t AfterSecretName(std::string_view text, std::size_t at) {
-    const char first = Lower(text[at]);
-    if (first == 't') {
-        return AfterTokenMember(text, at);
-    }
-    if (first != 'a' && first != 'r') {
-        return kNone;
-    }
-    for (const std::string_view kind : {std::string_view("access"), std::string_view("refresh")}) {
-        const std::size_t next = After(text, at, kind);
-        if (next != kNone) {
-            return After(text, PastJoint(text, next), kToken);
-        }
-    }
-    const std::size_t next = After(text, at, kAuthorization);
-    const std::size_t code = next == kNone ? kNone : After(text, PastJoint(text, next), "code");
-    return code == kNone ? next : code;
-}
-
-// Position after "=" or ":", as they are or encoded; colon tells which. kNone: neither.
-std::size_t AfterSeparator(std::string_view text, std::size_t at, bool& colon) {
-    for (const bool isColon : {false, true}) {
-        const std::size_t plain = After(text, at, isColon ? ":" : "=");
-        const std::size_t next = plain != kNone ? plain : AfterEncoded(text, at, isColon ? "3a" : "3d");
-        if (next != kNone) {
-            colon = isColon;
-            return next;
-        }
-    }
-    return kNone;
-}
-
-// Position of the value after "Bearer" and at least one separating character, else kNone.
-std::size_t AfterBearer(std::string_view text, std::size_t at) {
-    const std::size_t word = After(text, at, "bearer");
-    if (word == kNone) {
-        return kNone;
-    }
-    const auto separates = [](char c) { return IsBlank(c) || c == '+' || c == ':' || c == '=' || c == '<'; };
-    const std::size_t value = SkipEncodedMarks(text, Skip(text, word, separates));
-    return value == word ? kNone : QuoteAt(text, value).after;
-}
-
 struct Span {
-    std::size_t begin;  // kNone: there is no secret
-    std::size_t end;
+    std::size_t begin;
+    std::size_t end;  // not behind begin: there is no secret
 };
 
-constexpr Span kNoSecret = {kNone, kNone};
+constexpr Span kNoSecret = {0, 0};
 
-std::size_t EndOfUnquoted(std::string_view text, std::size_t value, bool header, bool jsonLiteral) {
-    if (value < text.size() && (text[value] == '{' || text[value] == '[')) {
-        return text.size();  // not a token's shape at all: nothing tells where it ends
-    }
-    if (jsonLiteral) {
-        return EndOfRun(text, value, ",}]");
-    }
-    if (header) {
-        return EndOfHeaderValue(text, value);
-    }
-    const std::size_t bearer = AfterBearer(text, value);
-    const std::size_t run = Skip(text, bearer == kNone ? value : bearer, [](char c) { return c == '<'; });
-    return EndOfRun(text, run, "&<>");
+// Of "authorization", "bearer", "code", "cookie" and "token".
+constexpr std::string_view kFirstLetters = "abctABCT";
+
+// Looks for names in the unwrapped text, and for the ends of values in the original: there the escapes of a quote tell
+// which quote closes the value.
+class SecretScan {
+public:
+    explicit SecretScan(std::string_view text) : m_original(text), m_unwrapped(text), m_plain(m_unwrapped.Text()) {}
+
+    std::string Masked() const;
+
+private:
+    std::size_t OriginalAt(std::size_t at) const { return m_unwrapped.OriginalAt(at); }
+
+    Span SecretAt(std::size_t at) const;
+    Span ValueSpan(const NamedValue& value) const;
+    std::size_t EndOfUnquoted(const NamedValue& value) const;
+
+    std::string_view m_original;
+    UnwrappedText m_unwrapped;
+    std::string_view m_plain;
+};
+
+// A number of up to five digits, as in "code=404".
+bool IsStatus(std::string_view value) {
+    const std::size_t digits = Skip(value, 0, [](char c) { return c >= '0' && c <= '9'; });
+    return digits <= 5 && value.find_first_not_of(",;.", digits) == kNone;
 }
 
-// The value of the secret whose name stands at the position.
-Span NamedSecretAt(std::string_view text, std::size_t at) {
-    const std::size_t afterName = AfterSecretName(text, at);
-    if (afterName == kNone) {
-        return kNoSecret;
+std::size_t SecretScan::EndOfUnquoted(const NamedValue& value) const {
+    const std::size_t begin = OriginalAt(value.begin);
+    if (value.element) {
+        const std::size_t text = Skip(m_plain, value.begin, [](char c) { return c == '<'; });
+        return OriginalAt(std::min(m_plain.find('<', text), m_plain.size()));
     }
-    const Quote nameQuote = QuoteAt(text, afterName);
-    const bool json = nameQuote.character != 0;
-    const auto isGap = [json](char c) { return IsBlank(c) || (json && IsLineBreak(c)); };
-    bool colon = false;
-    const std::size_t separator = Skip(text, SkipEncodedMarks(text, nameQuote.after), isGap);
-    const std::size_t afterSeparator = AfterSeparator(text, separator, colon);
-    if (afterSeparator == kNone) {
-        return kNoSecret;
+    if (begin < m_original.size() && (m_original[begin] == '{' || m_original[begin] == '[')) {
+        return m_original.size();  // not a token's shape at all: nothing tells where it ends
     }
-    const Quote opening = QuoteAt(text, SkipEncodedMarks(text, Skip(text, afterSeparator, isGap)));
+    if (value.quotedName) {
+        return EndOfRun(m_original, begin, ",}]");
+    }
+    if (value.restOfLine) {
+        return EndOfHeaderValue(m_original, begin);
+    }
+    const std::size_t bearer = AfterBearer(m_plain, value.begin);
+    const std::size_t run = bearer == kNone ? begin : OriginalAt(bearer);
+    return EndOfRun(m_original, Skip(m_original, run, [](char c) { return c == '<'; }), "&<>");
+}
+
+Span SecretScan::ValueSpan(const NamedValue& value) const {
+    if (value.element) {
+        return {OriginalAt(value.begin), EndOfUnquoted(value)};
+    }
+    const Quote opening = QuoteAt(m_original, OriginalAt(value.begin));
     if (opening.character != 0) {
-        return {opening.after, EndOfQuoted(text, opening)};
+        return {opening.after, EndOfQuoted(m_original, opening)};
     }
-    const bool authorization = After(text, at, kAuthorization) == afterName;
-    return {opening.after, EndOfUnquoted(text, opening.after, authorization || colon, json)};
+    if (value.begin < m_plain.size() && IsQuote(m_plain[value.begin])) {  // encoded: "%22v%22", "&quot;v&quot;"
+        const Quote encoded = QuoteAt(m_plain, value.begin);
+        return {OriginalAt(encoded.after), OriginalAt(EndOfQuoted(m_plain, encoded))};
+    }
+    return {OriginalAt(value.begin), EndOfUnquoted(value)};
 }
 
-Span BearerValueAt(std::string_view text, std::size_t at) {
-    const bool startsWord = Lower(text[at]) == 'b' && (at == 0 || !IsWordCharacter(text[at - 1]));
-    const std::size_t value = startsWord ? AfterBearer(text, at) : kNone;
-    return value == kNone ? kNoSecret : Span{value, EndOfRun(text, value, "&<>,;")};
+Span SecretScan::SecretAt(std::size_t at) const {
+    const NamedValue value = NamedValueAt(m_plain, at);
+    if (value.begin != kNone) {
+        const Span span = ValueSpan(value);
+        const bool status = value.mayBeStatus && IsStatus(m_original.substr(span.begin, span.end - span.begin));
+        return status ? kNoSecret : span;
+    }
+    const bool startsWord = Lower(m_plain[at]) == 'b' && (at == 0 || !IsWordCharacter(m_plain[at - 1]));
+    const std::size_t bearer = startsWord ? AfterBearer(m_plain, at) : kNone;
+    const std::size_t begin = bearer == kNone ? 0 : OriginalAt(bearer);
+    return bearer == kNone ? kNoSecret : Span{begin, EndOfRun(m_original, begin, "&<>,;")};
+}
+
+std::string SecretScan::Masked() const {
+    std::string masked;
+    std::size_t copied = 0;
+    for (std::size_t i = 0; (i = m_plain.find_first_of(kFirstLetters, i)) != kNone;) {
+        const Span secret = SecretAt(i);
+        ++i;
+        if (secret.begin >= secret.end) {
+            continue;
+        }
+        masked.append(m_original, copied, secret.begin - copied).append("***");
+        copied = secret.end;
+        while (i < m_plain.size() && OriginalAt(i) < copied) {
+            ++i;
+        }
+    }
+    return masked.append(m_original.substr(copied));
 }
 
 }  // namespace
 
 std::string MaskSecrets(std::string_view text) {
-    std::string masked;
-    std::size_t copied = 0;
-    for (std::size_t i = 0; i < text.size();) {
-        Span secret = NamedSecretAt(text, i);
-        if (secret.begin == kNone) {
-            secret = BearerValueAt(text, i);
-        }
-        if (secret.begin == kNone || secret.begin == secret.end) {
-            ++i;
-            continue;
-        }
-        masked.append(text, copied, secret.begin - copied).append("***");
-        copied = i = secret.end;
-    }
-    return masked.append(text.substr(copied));
+    return SecretScan(text).Masked();
 }
 
 bool IsSecretName(std::string_view name) {
@@ -139,5 +123,7 @@ bool IsSecretName(std::string_view name) {
             return true;
         }
     }
-    return After(name, 0, kToken) == name.size();
+    return false;
 }
+
+}  // namespace suite

@@ -9,6 +9,7 @@
 #include "LineText.h"
 #include "MaskSecrets.h"
 
+namespace suite {
 namespace {
 
 // ISO 8601 with milliseconds: "2026-11-21T04:41:25.123Z".
@@ -29,29 +30,42 @@ std::string CurrentTimeUtc() {
     return std::string(date) + fraction;
 }
 
-Json::Value MaskedExtra(const std::map<std::wstring, std::wstring>& extraInformation) {
+Json::Value MaskedExtra(const std::map<std::wstring, std::wstring>& extraInformation, const SecretValues* secrets) {
     Json::Value extra(Json::objectValue);
     for (const auto& [wideName, wideText] : extraInformation) {
-        const std::string name = LogTextOf(wideName);
-        extra[MaskSecrets(name)] = IsSecretName(name) ? "***" : MaskSecrets(LogTextOf(wideText));
+        const std::string name = LogTextOf(wideName, secrets);
+        extra[MaskSecrets(name)] = IsSecretName(name) ? "***" : MaskSecrets(LogTextOf(wideText, secrets));
     }
     return extra;
+}
+
+std::string OneLine(const Json::Value& event) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    return Json::writeString(builder, event);
 }
 
 }  // namespace
 
 std::string OperationLine(int basicEventType, int operationType, int actionType,
-                          const std::map<std::wstring, std::wstring>& extraInformation) {
+                          const std::map<std::wstring, std::wstring>& extraInformation, const SecretValues* secrets) {
     Json::Value event(Json::objectValue);
     event["time"] = CurrentTimeUtc();
     event["event"] = basicEventType;
     event["operation"] = operationType;
     event["action"] = actionType;
     if (!extraInformation.empty()) {
-        event["extra"] = MaskedExtra(extraInformation);
+        event["extra"] = MaskedExtra(extraInformation, secrets);
     }
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = true;
-    return Json::writeString(builder, event);
+    return OneLine(event);
 }
+
+std::string DroppedEventsLine(std::uint64_t count) {
+    Json::Value event(Json::objectValue);
+    event["time"] = CurrentTimeUtc();
+    event["dropped"] = Json::Value::UInt64{count};
+    return OneLine(event);
+}
+
+}  // namespace suite

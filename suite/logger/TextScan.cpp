@@ -2,16 +2,16 @@
 
 #include <algorithm>
 
+namespace suite {
 namespace {
 
 bool IsBackslash(char c) {
     return c == '\\';
 }
 
-// Whether a value may end in front of the position.
-bool PartsValues(std::string_view text, std::size_t at) {
-    constexpr std::string_view kMarks = ",}])&;<>";
-    return at >= text.size() || static_cast<unsigned char>(text[at]) <= ' ' || kMarks.find(text[at]) != kNone;
+// A NUL is half a character of UTF-16 that is read as bytes.
+bool EndsRun(char c) {
+    return c != '\0' && static_cast<unsigned char>(c) <= ' ';
 }
 
 }  // namespace
@@ -25,30 +25,9 @@ std::size_t After(std::string_view text, std::size_t at, std::string_view word) 
                                                                                                       : kNone;
 }
 
-std::size_t AfterEncoded(std::string_view text, std::size_t at, std::string_view digits) {
-    std::size_t next = After(text, at, "%");
-    if (next != kNone) {
-        while (After(text, next, "25") != kNone) {
-            next += 2;
-        }
-        return After(text, next, digits);
-    }
-    const std::size_t escape = Skip(text, at, IsBackslash);
-    next = escape == at ? kNone : After(text, escape, "u00");
-    return next == kNone ? kNone : After(text, next, digits);
-}
-
-std::size_t SkipEncodedMarks(std::string_view text, std::size_t at) {
-    for (;;) {
-        std::size_t next = kNone;
-        for (const std::string_view digits : {"20", "22", "27", "5c"}) {
-            next = std::min(next, AfterEncoded(text, at, digits));
-        }
-        if (next == kNone) {
-            return at;
-        }
-        at = next;
-    }
+bool PartsValues(std::string_view text, std::size_t at) {
+    constexpr std::string_view kMarks = ",}])&;<>";
+    return at >= text.size() || EndsRun(text[at]) || kMarks.find(text[at]) != kNone;
 }
 
 Quote QuoteAt(std::string_view text, std::size_t at) {
@@ -57,8 +36,9 @@ Quote QuoteAt(std::string_view text, std::size_t at) {
     return found ? Quote{quote + 1, text[quote], quote - at} : Quote{at, 0, 0};
 }
 
-// Inside n wrappings of JSON a quote that delimits has 2^n - 1 backslashes, and each backslash of the value before it
-// adds 2^(n + 1).
+// The opening quote tells how deep the text is wrapped: JSON inside JSON, n levels deep, writes 2^n - 1 backslashes
+// in front of every quote that opens or closes a text. Each backslash at the end of the value adds 2^(n + 1) in front
+// of the closing quote. Any other number of backslashes means that the quote belongs to the value.
 std::size_t EndOfQuoted(std::string_view text, const Quote& opening) {
     const std::size_t own = opening.backslashes;
     std::size_t backslashes = 0;
@@ -73,7 +53,7 @@ std::size_t EndOfQuoted(std::string_view text, const Quote& opening) {
 }
 
 std::size_t EndOfRun(std::string_view text, std::size_t at, std::string_view stops) {
-    while (at < text.size() && static_cast<unsigned char>(text[at]) > ' ' && stops.find(text[at]) == kNone) {
+    while (at < text.size() && !EndsRun(text[at]) && stops.find(text[at]) == kNone) {
         const std::size_t quote = Skip(text, at, IsBackslash);
         const bool quoted = quote < text.size() && IsQuote(text[quote]);
         if (quoted && PartsValues(text, quote + 1)) {
@@ -96,3 +76,5 @@ std::size_t EndOfHeaderValue(std::string_view text, std::size_t at) {
         at = next;
     }
 }
+
+}  // namespace suite

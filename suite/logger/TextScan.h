@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+namespace suite {
+
 // Steps of a scan over text of unknown make: logs quote JSON, headers and URLs, each in any number of wrappings.
 
 constexpr std::size_t kNone = std::string_view::npos;
@@ -33,12 +35,8 @@ std::size_t Skip(std::string_view text, std::size_t at, Predicate predicate) {
 // Position after the lower-case word when it stands at the position in any letter case, else kNone.
 std::size_t After(std::string_view text, std::size_t at, std::string_view word);
 
-// Position after an ASCII character written as "%3D", encoded again any number of times ("%253D"), or as "\u003d"; else
-// kNone. digits: its two hexadecimal digits in lower case.
-std::size_t AfterEncoded(std::string_view text, std::size_t at, std::string_view digits);
-
-// Position after all encoded blanks, quotes and backslashes.
-std::size_t SkipEncodedMarks(std::string_view text, std::size_t at);
+// Whether a value may end in front of the position.
+bool PartsValues(std::string_view text, std::size_t at);
 
 struct Quote {
     std::size_t after;        // position after the quote; where there is none, the position asked about
@@ -59,3 +57,5 @@ std::size_t EndOfRun(std::string_view text, std::size_t at, std::string_view sto
 // Where a header's value ends: at the line's end, or that of the last line that continues it (RFC 9112, 5.2: such a
 // line begins with a blank).
 std::size_t EndOfHeaderValue(std::string_view text, std::size_t at);
+
+}  // namespace suite

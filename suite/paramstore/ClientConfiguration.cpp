@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "ConfigurationText.h"
 #include "SettingRules.h"
 #include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
 struct TextMember {
@@ -34,7 +34,7 @@ std::wstring WithoutTrailingSeparators(std::wstring path) {
     return path;
 }
 
-// Reads the members of one file into a configuration; stops at the first error.
+// Reads the members of one text into a configuration; stops at the first error.
 class MemberReader {
 public:
     MemberReader(const ConfigurationText& text, ClientConfiguration& configuration, std::string& error)
@@ -62,7 +62,8 @@ private:
         if (const char* reason = check(text)) {
             return Fail(value, key, reason);
         }
-        std::optional<std::wstring> wide = WideFromValidUtf8(text);  // an escaped lone surrogate gets past the parser
+        std::optional<std::wstring> wide =
+            suite::WideFromValidUtf8(text);  // an escaped lone surrogate gets past the parser
         if (!wide) {
             return Fail(value, key, "is not valid Unicode");
         }
@@ -100,9 +101,8 @@ private:
 
 }  // namespace
 
-std::optional<ClientConfiguration> ReadClientConfiguration(const std::wstring& file, ClientConfiguration base,
+std::optional<ClientConfiguration> ReadClientConfiguration(ConfigurationText& text, ClientConfiguration base,
                                                            std::string& error) {
-    ConfigurationText text(file);
     if (!text.Read(error)) {
         return std::nullopt;
     }
@@ -114,3 +114,5 @@ std::optional<ClientConfiguration> ReadClientConfiguration(const std::wstring& f
     }
     return base;
 }
+
+}  // namespace suite

@@ -4,6 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "ConfigurationText.h"
+
+namespace suite {
+
 // The stored items of earlier client versions: item number to text.
 using LegacyItemMap = std::map<int, std::wstring>;
 
@@ -22,7 +26,9 @@ struct ClientConfiguration {
     LegacyItemMap legacyItems;
 };
 
-// The base configuration with the members that the file names replaced. Nothing, with the error text of
-// GlobalParamWrapper::LoadConfiguration, when the file cannot be read or is wrong.
-std::optional<ClientConfiguration> ReadClientConfiguration(const std::wstring& file, ClientConfiguration base,
+// The base configuration with the members that the text names replaced. Nothing, with the error text of
+// GlobalParamWrapper::LoadConfiguration, when the text cannot be read or is wrong.
+std::optional<ClientConfiguration> ReadClientConfiguration(ConfigurationText& text, ClientConfiguration base,
                                                            std::string& error);
+
+}  // namespace suite

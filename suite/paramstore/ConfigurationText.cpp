@@ -5,18 +5,19 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <utility>
 
 #include "Utf8Text.h"
 
+namespace suite {
 namespace {
 
 constexpr std::size_t kMaxFileBytes = 1024 * 1024;
-// The file is two levels deep. The library's own limit of 1000 would cost stack for nothing.
+// The text is two levels deep. The library's own limit of 1000 would cost stack for nothing.
 constexpr int kMaxNesting = 16;
 constexpr std::size_t kMaxPrintedKey = 64;
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
-// A key as an error text may show it: short and on one line, whatever the file's author wrote.
+// A key as an error text may show it: short and on one line, whatever the text's author wrote.
 std::string PrintableKey(const std::string& key) {
     std::string printable = key.substr(0, kMaxPrintedKey);
     std::replace_if(
@@ -39,43 +40,59 @@ std::string ParserError(const std::string& text) {
 
 }  // namespace
 
-ConfigurationText::ConfigurationText(std::wstring file) : m_file(std::move(file)) {}
+ConfigurationText ConfigurationText::InFile(const std::wstring& file) {
+    ConfigurationText text;
+    text.m_file = file;
+    return text;
+}
+
+ConfigurationText ConfigurationText::InMemory(const std::string& text) {
+    ConfigurationText held;
+    held.m_text = text;
+    return held;
+}
 
 bool ConfigurationText::Read(std::string& error) {
-    return ReadBytes(error) && Parse(error);
-}
-
-bool ConfigurationText::ReadBytes(std::string& error) {
-    std::ifstream stream(std::filesystem::path(m_file), std::ios::binary);
-    m_text.resize(kMaxFileBytes + 1);
-    stream.read(m_text.data(), static_cast<std::streamsize>(m_text.size()));
-    m_text.resize(static_cast<std::size_t>(stream.gcount()));
-    const char* reason = nullptr;
-    if (!stream.is_open() || stream.bad()) {
-        reason = "cannot be read";
-    } else if (m_text.size() > kMaxFileBytes) {
-        reason = "larger than 1 MiB";
-    } else if (!WideFromValidUtf8(m_text)) {
-        reason = "not valid UTF-8";
+    if (m_file) {
+        m_name = Utf8FromWide(*m_file);
     }
-    if (reason != nullptr) {
-        error = Utf8FromWide(m_file) + ": " + reason;
+    if (const char* const reason = ReadBytes()) {
+        error = m_name + ": " + reason;
         return false;
     }
-    const std::string byteOrderMark = "\xEF\xBB\xBF";
-    if (m_text.compare(0, byteOrderMark.size(), byteOrderMark) == 0) {
-        m_text.erase(0, byteOrderMark.size());
-    }
-    return true;
+    const std::string fault = Parse();
+    error = fault.empty() ? error : m_name + fault;
+    return fault.empty();
 }
 
-bool ConfigurationText::Parse(std::string& error) {
+// What is wrong with the bytes; null when they can be parsed.
+const char* ConfigurationText::ReadBytes() {
+    if (m_file) {
+        std::ifstream stream(std::filesystem::path(*m_file), std::ios::binary);
+        m_text.resize(kMaxFileBytes + 1);
+        stream.read(m_text.data(), static_cast<std::streamsize>(m_text.size()));
+        m_text.resize(static_cast<std::size_t>(stream.gcount()));
+        if (!stream.is_open() || stream.bad()) {
+            return "cannot be read";
+        }
+    }
+    if (m_text.size() > kMaxFileBytes) {
+        return "larger than 1 MiB";
+    }
+    if (!WideFromValidUtf8(m_text)) {
+        return "not valid UTF-8";
+    }
+    if (m_text.rfind(kByteOrderMark, 0) == 0) {
+        m_text.erase(0, sizeof(kByteOrderMark) - 1);
+    }
+    return nullptr;
+}
+
+// What follows the name in the error text; empty when the root is there.
+std::string ConfigurationText::Parse() {
     // The parser takes a NUL for the end of the text and would pass over the rest in silence.
-    const std::size_t nul = m_text.find('\0');
-    if (nul != std::string::npos) {
-        error = Utf8FromWide(m_file) + ":" + std::to_string(LineAt(static_cast<std::ptrdiff_t>(nul))) +
-                ": not valid JSON: NUL character";
-        return false;
+    if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos) {
+        return LinePrefix(static_cast<std::ptrdiff_t>(nul)) + "not valid JSON: NUL character";
     }
     Json::CharReaderBuilder builder;
     builder["collectComments"] = false;
@@ -87,29 +104,22 @@ bool ConfigurationText::Parse(std::string& error) {
     try {
         const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
         if (!reader->parse(m_text.data(), m_text.data() + m_text.size(), &m_root, &parserText)) {
-            error = Utf8FromWide(m_file) + ParserError(parserText);
-            return false;
+            return ParserError(parserText);
         }
-    } catch (const std::exception&) {  // what the parser does at its nesting limit
-        error = Utf8FromWide(m_file) + ": nested deeper than " + std::to_string(kMaxNesting) + " levels";
-        return false;
+    } catch (const Json::Exception&) {  // what the parser does at its nesting limit
+        return ": nested deeper than " + std::to_string(kMaxNesting) + " levels";
     }
-    if (!m_root.isObject()) {
-        error =
-            Utf8FromWide(m_file) + ":" + std::to_string(LineAt(m_root.getOffsetStart())) + ": must be a JSON object";
-        return false;
-    }
-    return true;
+    return m_root.isObject() ? "" : LinePrefix(m_root.getOffsetStart()) + "must be a JSON object";
 }
 
 std::string ConfigurationText::MemberError(const Json::Value& value, const std::string& key,
                                            const std::string& reason) const {
-    return Utf8FromWide(m_file) + ":" + std::to_string(LineAt(value.getOffsetStart())) + ": " + PrintableKey(key) +
-           ": " + reason;
+    return m_name + LinePrefix(value.getOffsetStart()) + PrintableKey(key) + ": " + reason;
 }
 
-std::size_t ConfigurationText::LineAt(std::ptrdiff_t offset) const {
-    const std::ptrdiff_t end = std::min(offset, static_cast<std::ptrdiff_t>(m_text.size()));
-    return static_cast<std::size_t>(
-        1 + std::count(m_text.begin(), m_text.begin() + std::max<std::ptrdiff_t>(end, 0), '\n'));
+std::string ConfigurationText::LinePrefix(std::ptrdiff_t offset) const {
+    const auto end = std::clamp<std::ptrdiff_t>(offset, 0, static_cast<std::ptrdiff_t>(m_text.size()));
+    return ":" + std::to_string(1 + std::count(m_text.begin(), m_text.begin() + end, '\n')) + ": ";
 }
+
+}  // namespace suite

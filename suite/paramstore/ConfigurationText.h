@@ -2,15 +2,20 @@
 
 #include <json/json.h>
 
+#include <optional>
 #include <string>
 
-// The text of a configuration file and the value parsed from it. Errors are UTF-8 texts "FILE:LINE: KEY: reason", or
-// "FILE: reason" when they have no line.
+namespace suite {
+
+// The text of a configuration and the value parsed from it. Errors are UTF-8 texts "FILE:LINE: KEY: reason", or
+// "FILE: reason" when they have no line; a text that is in no file has "configuration" for FILE.
 class ConfigurationText {
 public:
-    explicit ConfigurationText(std::wstring file);
+    static ConfigurationText InFile(const std::wstring& file);
+    static ConfigurationText InMemory(const std::string& text);
 
-    // Reads and parses the file: UTF-8, at most 1 MiB, an object at the root, no duplicate keys. Comments are allowed.
+    // Reads the file, when there is one, and parses: UTF-8, at most 1 MiB, an object at the root, no duplicate keys.
+    // Comments are allowed.
     bool Read(std::string& error);
 
     const Json::Value& Root() const { return m_root; }
@@ -18,11 +23,14 @@ public:
     std::string MemberError(const Json::Value& value, const std::string& key, const std::string& reason) const;
 
 private:
-    bool ReadBytes(std::string& error);
-    bool Parse(std::string& error);
-    std::size_t LineAt(std::ptrdiff_t offset) const;
+    const char* ReadBytes();
+    std::string Parse();
+    std::string LinePrefix(std::ptrdiff_t offset) const;
 
-    std::wstring m_file;
+    std::optional<std::wstring> m_file;
     std::string m_text;
+    std::string m_name = "configuration";  // FILE of the errors
     Json::Value m_root;
 };
+
+}  // namespace suite

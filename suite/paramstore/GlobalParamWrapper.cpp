@@ -1,15 +1,20 @@
 #include <mutex>
 #include <utility>
 
+#include "Logger.h"
 #include "ParamStore.h"
 #include "ProcessState.h"
+#include "SettingRules.h"
 #include "SettingsStore.h"
 
+namespace suite {
+namespace {
+
 // What the client's modules push and read while it runs.
-struct GlobalParamWrapper::State {
+struct PushedValues {
     // The value is copied before the lock is taken, which then guards a swap that cannot fail.
     template <typename T>
-    void Set(T State::*field, T value) {
+    void Set(T PushedValues::*field, T value) {
         if (ProcessIsEnding()) {
             return;
         }
@@ -17,7 +22,7 @@ struct GlobalParamWrapper::State {
         std::swap(this->*field, value);
     }
     template <typename T>
-    T Get(T State::*field) const {
+    T Get(T PushedValues::*field) const {
         if (ProcessIsEnding()) {
             return T();
         }
@@ -36,6 +41,20 @@ struct GlobalParamWrapper::State {
     st_UserInfo userInfo{};  // not guarded: handed out by reference
 };
 
+std::wstring Setting(std::wstring ClientConfiguration::*member) {
+    return SettingsStore::Instance().Text(member);
+}
+
+}  // namespace
+}  // namespace suite
+
+using suite::ClientConfiguration;
+using suite::ConfigurationText;
+using suite::Setting;
+using suite::SettingsStore;
+
+struct GlobalParamWrapper::State : suite::PushedValues {};
+
 // Never destroyed: threads and other modules' static objects may still use it while the process ends.
 GlobalParamWrapper* GlobalParamWrapper::GetInstance() {
     static GlobalParamWrapper* const instance = new GlobalParamWrapper;
@@ -47,39 +66,52 @@ GlobalParamWrapper::GlobalParamWrapper() : m_state(std::make_unique<State>()) {}
 GlobalParamWrapper::~GlobalParamWrapper() = default;
 
 bool GlobalParamWrapper::LoadConfiguration(const std::wstring& file, std::string& error) {
-    return SettingsStore::Instance().Load(file, error);
+    return SettingsStore::Instance().Load(ConfigurationText::InFile(file), error);
+}
+
+bool GlobalParamWrapper::LoadConfigurationText(const std::string& json, std::string& error) {
+    return SettingsStore::Instance().Load(ConfigurationText::InMemory(json), error);
+}
+
+std::string GlobalParamWrapper::BaseUrlFault(const std::string& url) {
+    const char* const fault = suite::CheckBaseUrl(url);
+    return fault != nullptr ? fault : "";
 }
 
 std::wstring GlobalParamWrapper::GetPortalUrl() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::portalUrl);
+    return Setting(&ClientConfiguration::portalUrl);
 }
 
 std::wstring GlobalParamWrapper::GetGWUrl() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::gatewayUrl);
+    return Setting(&ClientConfiguration::gatewayUrl);
 }
 
 std::wstring GlobalParamWrapper::GetSyncServerUrl() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::syncServerUrl);
+    return Setting(&ClientConfiguration::syncServerUrl);
 }
 
 std::wstring GlobalParamWrapper::GetUserInformationserviceUrl() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::userInformationServiceUrl);
+    return Setting(&ClientConfiguration::userInformationServiceUrl);
 }
 
 std::wstring GlobalParamWrapper::GetBasicUrl() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::basicServiceUrl);
+    return Setting(&ClientConfiguration::basicServiceUrl);
 }
 
 std::wstring GlobalParamWrapper::GetSystemUUid() const {
-    return SettingsStore::Instance().SystemUuid();
+    return SettingsStore::Instance().SystemUuid().uuid;
+}
+
+std::string GlobalParamWrapper::GetSystemUUidFault() const {
+    return SettingsStore::Instance().SystemUuid().fault;
 }
 
 std::wstring GlobalParamWrapper::GetCountryCode() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::countryCode);
+    return Setting(&ClientConfiguration::countryCode);
 }
 
 std::wstring GlobalParamWrapper::GetZvClientMode() const {
-    return SettingsStore::Instance().Text(&ClientConfiguration::clientMode);
+    return Setting(&ClientConfiguration::clientMode);
 }
 
 std::wstring GlobalParamWrapper::GetAppDataLocalPath() const {
@@ -95,6 +127,7 @@ HWND__* GlobalParamWrapper::GetMainWnd() const {
 }
 
 void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
+    Logger::SetSecret("access token", accessToken);
     m_state->Set(&State::currentAt, accessToken);
 }
 
@@ -103,6 +136,7 @@ std::wstring GlobalParamWrapper::GetCurrentAt() const {
 }
 
 void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
+    Logger::SetSecret("refresh token", refreshToken);
     m_state->Set(&State::currentRt, refreshToken);
 }
 
@@ -119,6 +153,7 @@ std::wstring GlobalParamWrapper::GetUserID() const {
 }
 
 void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
+    Logger::SetSecret("application access token", applicationAccessToken);
     m_state->Set(&State::appAt, applicationAccessToken);
 }
 
@@ -144,4 +179,13 @@ bool GlobalParamWrapper::GetStartSend() const {
 
 st_UserInfo& GlobalParamWrapper::GetUserInfo() {
     return m_state->userInfo;
+}
+
+ConfigEntityManager* ConfigEntityManager::GetInstance() {
+    static ConfigEntityManager instance;
+    return &instance;
+}
+
+std::wstring ConfigEntityManager::GetConfigContentDatas(ConfigEntityEnum item) const {
+    return SettingsStore::Instance().LegacyItem(static_cast<int>(item));
 }

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+namespace suite {
 namespace {
 
 struct TaskMemoryRelease {
@@ -39,3 +40,5 @@ std::wstring LocalAppDataFolder() {
     static const std::wstring folder = FindLocalAppDataFolder();
     return folder;
 }
+
+}  // namespace suite

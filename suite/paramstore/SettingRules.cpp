@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <cstdint>
 #include <string_view>
 
+namespace suite {
 namespace {
 
 bool IsControl(char c) {
@@ -21,6 +23,20 @@ std::size_t SchemeLength(const std::string& url) {
         }
     }
     return 0;
+}
+
+// authority: HOST, HOST:PORT or [ADDRESS]:PORT. No port, or nothing behind the colon, means the scheme's own
+// (RFC 3986, 3.2.3).
+bool HasUsablePort(std::string_view authority) {
+    const std::size_t bracket = authority.rfind(']');
+    const std::size_t colon = authority.find(':', bracket == std::string_view::npos ? 0 : bracket);
+    if (colon == std::string_view::npos || colon + 1 == authority.size()) {
+        return true;
+    }
+    std::uint16_t port = 0;
+    const char* const end = authority.data() + authority.size();
+    const auto read = std::from_chars(authority.data() + colon + 1, end, port);
+    return read.ec == std::errc() && read.ptr == end && port != 0;
 }
 
 bool IsSeparator(char c) {
@@ -54,8 +70,12 @@ const char* CheckBaseUrl(const std::string& url) {
     if (url.find_first_of(" ?#\\@", scheme) != std::string::npos) {
         return "must not contain blanks, backslashes, a user name, a query or a fragment";
     }
-    if (url.size() == scheme || url[scheme] == '/' || url[scheme] == ':') {
+    const std::string_view authority = std::string_view(url).substr(scheme, url.find('/', scheme) - scheme);
+    if (authority.empty() || authority[0] == ':') {
         return "must name a host";
+    }
+    if (!HasUsablePort(authority)) {
+        return "must have a port from 1 to 65535";
     }
     return url.back() == '/' ? "must not end with a slash" : nullptr;
 }
@@ -73,3 +93,5 @@ int LegacyItemNumber(const std::string& key) {
     const auto result = std::from_chars(key.data(), end, number);
     return result.ec == std::errc() && result.ptr == end && number >= 0 && key[0] != '-' ? number : -1;
 }
+
+}  // namespace suite

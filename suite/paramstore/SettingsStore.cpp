@@ -6,8 +6,8 @@
 
 #include "LocalFolders.h"
 #include "ProcessState.h"
-#include "SystemUuid.h"
 
+namespace suite {
 namespace {
 
 constexpr wchar_t kDefaultStateFolderName[] = L"\\UserAuthService";
@@ -20,7 +20,7 @@ SettingsStore& SettingsStore::Instance() {
     return *instance;
 }
 
-bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
+bool SettingsStore::Load(ConfigurationText text, std::string& error) try {
     if (ProcessIsEnding()) {
         error = "the process is ending";
         return false;
@@ -31,7 +31,7 @@ bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
         const std::lock_guard<std::mutex> lock(m_mutex);
         base = m_configuration;
     }
-    std::optional<ClientConfiguration> configuration = ReadClientConfiguration(file, std::move(base), error);
+    std::optional<ClientConfiguration> configuration = ReadClientConfiguration(text, std::move(base), error);
     if (!configuration) {
         return false;
     }
@@ -44,7 +44,7 @@ bool SettingsStore::Load(const std::wstring& file, std::string& error) try {
 }
 
 std::wstring SettingsStore::Text(std::wstring ClientConfiguration::*setting) const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -52,7 +52,7 @@ std::wstring SettingsStore::Text(std::wstring ClientConfiguration::*setting) con
 }
 
 std::wstring SettingsStore::LegacyItem(int number) const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -61,16 +61,16 @@ std::wstring SettingsStore::LegacyItem(int number) const {
 }
 
 std::wstring SettingsStore::AppDataFolder() const {
-    if (ProcessIsEnding()) {
+    if (suite::ProcessIsEnding()) {
         return std::wstring();
     }
     std::wstring folder = Text(&ClientConfiguration::appDataLocalPath);
     return folder.empty() ? LocalAppDataFolder() : folder;
 }
 
-std::wstring SettingsStore::SystemUuid() {
+SystemIdentity SettingsStore::SystemUuid() {
     if (ProcessIsEnding()) {
-        return std::wstring();
+        return {};
     }
     std::wstring folder = Text(&ClientConfiguration::stateFolder);
     if (folder.empty()) {
@@ -79,9 +79,11 @@ std::wstring SettingsStore::SystemUuid() {
             folder.empty() ? L"" : kDefaultStateFolderName;  // no folder at all: the identity lasts for the process
     }
     const std::lock_guard<std::mutex> lock(m_uuidMutex);
-    if (m_uuid.empty() || folder != m_uuidFolder) {
-        m_uuid = LoadOrCreateSystemUuid(folder);
+    if (m_identity.uuid.empty() || folder != m_uuidFolder) {
+        m_identity = LoadOrCreateSystemUuid(folder);
         m_uuidFolder = std::move(folder);
     }
-    return m_uuid;
+    return m_identity;
 }
+
+}  // namespace suite

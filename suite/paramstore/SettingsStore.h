@@ -4,6 +4,10 @@
 #include <string>
 
 #include "ClientConfiguration.h"
+#include "ConfigurationText.h"
+#include "SystemUuid.h"
+
+namespace suite {
 
 // The process's deployment settings and the identity of this installation. Any thread.
 class SettingsStore {
@@ -11,13 +15,13 @@ public:
     static SettingsStore& Instance();
 
     // GlobalParamWrapper::LoadConfiguration.
-    bool Load(const std::wstring& file, std::string& error);
+    bool Load(ConfigurationText text, std::string& error);
 
     std::wstring Text(std::wstring ClientConfiguration::*setting) const;
     std::wstring LegacyItem(int number) const;  // empty when there is none
 
     std::wstring AppDataFolder() const;
-    std::wstring SystemUuid();
+    SystemIdentity SystemUuid();
 
 private:
     std::mutex m_loadMutex;  // one Load at a time: each builds on what the one before stored
@@ -26,5 +30,7 @@ private:
 
     std::mutex m_uuidMutex;  // held while the file is read and written; apart, so that no other getter waits for a disk
     std::wstring m_uuidFolder;
-    std::wstring m_uuid;  // the identity of m_uuidFolder; empty until asked for
+    SystemIdentity m_identity;  // of m_uuidFolder; empty until asked for
 };
+
+}  // namespace suite

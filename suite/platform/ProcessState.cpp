@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+namespace suite {
+
 void PinThisModule() noexcept {
     static const char anchor = 0;
     HMODULE module = nullptr;
@@ -16,3 +18,5 @@ bool ProcessIsEnding() noexcept {
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress"));
     return shutdownInProgress != nullptr && shutdownInProgress() != 0;
 }
+
+}  // namespace suite

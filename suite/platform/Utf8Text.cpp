@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+namespace suite {
 namespace {
 
 // The platform's lengths are int.
@@ -50,3 +51,5 @@ std::wstring WideFromUtf8(std::string_view text) {
 std::optional<std::wstring> WideFromValidUtf8(std::string_view text) {
     return Decode(text, MB_ERR_INVALID_CHARS);
 }
+
+}  // namespace suite

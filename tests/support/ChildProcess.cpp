@@ -4,11 +4,7 @@
 #include <stdexcept>
 #include <thread>
 
-std::filesystem::path ProgramFolder() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
-}
+#include "TextFile.h"
 
 // Makes a pipe, hands out the end that the child inherits and returns the other.
 ChildProcess::OwnedHandle ChildProcess::Pipe(OwnedHandle& childEnd, bool childReads) {

@@ -2,12 +2,8 @@
 
 #include <windows.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
-
-// The folder of the test program and all that it starts.
-std::filesystem::path ProgramFolder();
 
 // A child process with its standard input, output and error connected by pipes. Output is read as UTF-8 with LF line
 // ends.

@@ -4,39 +4,6 @@
 #include <openssl/rand.h>
 #include <openssl/x509.h>
 
-#include <algorithm>
-
-namespace {
-
-// Of padded standard base64.
-Bytes Decode(std::string text) {
-    std::replace(text.begin(), text.end(), '-', '+');
-    std::replace(text.begin(), text.end(), '_', '/');
-    Bytes bytes(text.size());
-    const int length = EVP_DecodeBlock(bytes.data(), reinterpret_cast<const unsigned char*>(text.data()),
-                                       static_cast<int>(text.size()));
-    const auto padding = std::count(text.begin(), text.end(), '=');
-    bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, length - padding)));
-    return bytes;
-}
-
-std::string Encode(const Bytes& bytes) {
-    std::string text(bytes.size() * 2 + 4, '\0');
-    text.resize(static_cast<std::size_t>(
-        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()))));
-    return text;
-}
-
-}  // namespace
-
-Bytes FromHex(const std::string& hex) {
-    Bytes bytes;
-    for (std::size_t index = 0; index < hex.size(); index += 2) {
-        bytes.push_back(static_cast<unsigned char>(std::stoi(hex.substr(index, 2), nullptr, 16)));
-    }
-    return bytes;
-}
-
 KeyServerPeer::KeyServerPeer() {
     const Owned<EVP_PKEY_CTX> context(EVP_PKEY_CTX_new_id(EVP_PKEY_EC, nullptr));
     EVP_PKEY* key = nullptr;
@@ -50,7 +17,7 @@ std::string KeyServerPeer::PublicKeyText() const {
     unsigned char* der = nullptr;
     const int length = i2d_PUBKEY(m_key.get(), &der);
     EXPECT_EQ(length, 91);
-    std::string text = Encode(Bytes(der, der + length));
+    std::string text = ToBase64(Bytes(der, der + length));
     OPENSSL_free(der);
     return text;
 }
@@ -59,8 +26,8 @@ std::optional<Bytes> KeyServerPeer::UnwrapTemporaryKey(const std::string& token,
     if (token.size() != 185 || token[124] != ':' || token.find_first_of("+/") != std::string::npos) {
         return std::nullopt;
     }
-    const Bytes publicKey = Decode(token.substr(0, 124));
-    const Bytes blob = Decode(token.substr(125));
+    const Bytes publicKey = FromBase64(token.substr(0, 124));
+    const Bytes blob = FromBase64(token.substr(125));
     const unsigned char* der = publicKey.data();
     const Owned<EVP_PKEY> client(d2i_PUBKEY(nullptr, &der, static_cast<long>(publicKey.size())));
     const Owned<EVP_PKEY_CTX> agreement(EVP_PKEY_CTX_new(m_key.get(), nullptr));
@@ -93,5 +60,5 @@ std::string KeyServerPeer::Wrap(const Bytes& temporaryKey, const Bytes& plaintex
     EVP_EncryptUpdate(cipher.get(), blob.data() + 12, &produced, plaintext.data(), static_cast<int>(plaintext.size()));
     EVP_EncryptFinal_ex(cipher.get(), blob.data() + 12 + produced, &produced);
     EVP_CIPHER_CTX_ctrl(cipher.get(), EVP_CTRL_AEAD_GET_TAG, 16, blob.data() + 12 + plaintext.size());
-    return Encode(blob);
+    return ToBase64(blob);
 }

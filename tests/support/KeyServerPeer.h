@@ -1,13 +1,9 @@
 #pragma once
 
-#include <openssl/evp.h>
-
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
-using Bytes = std::vector<unsigned char>;
+#include "Bytes.h"
 
 // The other side of the key exchange, on OpenSSL's EVP interface: none of the service's own cryptography is in it.
 class KeyServerPeer {
@@ -34,5 +30,3 @@ private:
 
     Owned<EVP_PKEY> m_key;
 };
-
-Bytes FromHex(const std::string& hex);

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <ParamStore.h>
+#include <gtest/gtest.h>
 #include <windows.h>
+
+#include "UserAuthTypes.h"
 
 // The client's main window for as long as it lives; it keeps the messages about portraits for its thread.
 class PortraitWindow {
@@ -14,18 +17,22 @@ public:
     PortraitWindow(const PortraitWindow&) = delete;
     PortraitWindow& operator=(const PortraitWindow&) = delete;
 
-    // Takes one message, for which it waits 15 seconds.
-    bool MessageArrives() {
-        constexpr UINT kPortraitChanged = 0x0C87;
-        MSG message{};
+    // Takes messages until the wanted number is there or 15 seconds have passed, then has one more look. A message of
+    // the calling thread is there at once.
+    int Messages(int wanted) {
+        int count = 0;
         const ULONGLONG deadline = GetTickCount64() + 15000;
-        while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) == FALSE) {
-            if (GetTickCount64() > deadline) {
-                return false;
+        do {
+            MSG message{};
+            while (PeekMessageW(&message, m_window, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE) !=
+                   FALSE) {
+                EXPECT_EQ(message.wParam, 0U);
+                EXPECT_EQ(message.lParam, 0);
+                ++count;
             }
-            Sleep(5);
-        }
-        return true;
+            Sleep(1);
+        } while (count < wanted && GetTickCount64() < deadline);
+        return count;
     }
 
 private:

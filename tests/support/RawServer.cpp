@@ -38,6 +38,15 @@ std::string RawReplyBytes(const std::string& status, const std::string& headers,
            body;
 }
 
+std::vector<RawReply> CutAtEveryByte(const std::string& reply) {
+    std::vector<RawReply> script;
+    for (std::size_t size = 0; size < reply.size(); ++size) {
+        script.push_back({reply.substr(0, size), size % 2 == 0 ? RawReply::Then::kClose : RawReply::Then::kReset});
+    }
+    script.push_back({reply});
+    return script;
+}
+
 RawServer::RawServer(std::vector<RawReply> script) : m_script(std::move(script)) {
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
@@ -113,17 +122,34 @@ void RawServer::Run() {
 void RawServer::Serve(Connection& connection) {
     char block[16384];
     const int received = recv(connection.socket, block, sizeof block, 0);
-    connection.ended = received <= 0;
-    connection.pending.append(block, static_cast<std::size_t>(std::max(received, 0)));
+    if (received <= 0) {
+        return Close(connection);
+    }
+    connection.pending.append(block, static_cast<std::size_t>(received));
     while (const std::size_t size = connection.ended ? 0 : FirstRequestSize(connection.pending)) {
         const RawReply reply = Record(connection.pending.substr(0, size));
         connection.pending.erase(0, size);
         SendAll(connection.socket, reply.bytes);
+        if (!reply.late.empty()) {
+            Sleep(50);
+            SendAll(connection.socket, reply.late);
+        }
         if (reply.then == RawReply::Then::kClose) {
             shutdown(connection.socket, SD_SEND);
         }
+        if (reply.then == RawReply::Then::kReset) {
+            const linger atOnce = {1, 0};
+            setsockopt(connection.socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
+            return Close(connection);
+        }
         connection.ended = reply.then == RawReply::Then::kStall;
     }
+}
+
+void RawServer::Close(Connection& connection) {
+    closesocket(connection.socket);
+    connection.socket = INVALID_SOCKET;
+    connection.ended = true;
 }
 
 RawReply RawServer::Record(const std::string& request) {

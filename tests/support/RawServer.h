@@ -9,14 +9,18 @@
 
 // What a scripted server does with one request.
 struct RawReply {
-    enum class Then { kKeep, kClose, kStall };
+    enum class Then { kKeep, kClose, kReset, kStall };
 
     std::string bytes;
     Then then = Then::kKeep;  // kStall: neither sends nor closes until the server ends
+    std::string late = {};    // sent a moment later, in a packet of its own
 };
 
 // "HTTP/1.1 <status>", the header lines (each ending in CRLF), Content-Length and the body.
 std::string RawReplyBytes(const std::string& status, const std::string& headers, const std::string& body);
+
+// A script: the reply without its last bytes, from none of it to all but one, closed and reset in turn; then as it is.
+std::vector<RawReply> CutAtEveryByte(const std::string& reply);
 
 // A server on a free port of 127.0.0.1 that keeps what it receives, byte by byte. The reply to the n-th request is the
 // n-th of the script; the last one repeats.
@@ -43,6 +47,7 @@ private:
 
     void Run();
     void Serve(Connection& connection);
+    static void Close(Connection& connection);
     RawReply Record(const std::string& request);
 
     const std::vector<RawReply> m_script;

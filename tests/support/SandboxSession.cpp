@@ -59,7 +59,8 @@ extern "C" __declspec(dllexport) _invalid_parameter_handler UserAuthInvalidParam
     return [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {};
 }
 
-SandboxServer::SandboxServer(const std::wstring& arguments) : m_process(L"sandbox-server.exe", arguments) {
+SandboxServer::SandboxServer(const std::wstring& arguments)
+    : m_process(L"sandbox-server.exe", L"--end-with-input " + arguments) {
     const Json::Value ready = Parse(m_process.ReadLine());
     m_http = ready["http"].asString();
     m_https = ready["https"].asString();
@@ -80,13 +81,10 @@ int SandboxServer::Requests(const std::string& endpoint) {
 }
 
 void SandboxServer::AwaitRequest(const std::string& endpoint, int count) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (Requests(endpoint) < count) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            FAIL() << "no request for " << endpoint;
-        }
+    for (int tries = 0; tries < 1000 && Requests(endpoint) < count; ++tries) {
         Sleep(10);
     }
+    EXPECT_GE(Requests(endpoint), count) << endpoint;
 }
 
 std::map<std::wstring, std::wstring> SandboxServer::PortalCookies() {
@@ -128,11 +126,7 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
     settings["appDataLocalPath"] = m_folder.u8string();
     // The device keeps its identity for the life of the process, as the service expects.
     settings["stateFolder"] = TemporaryFolder(L"userauth-device").u8string();
-    Configure(Json::writeString(Json::StreamWriterBuilder(), settings));
-}
-
-void SandboxSession::Configure(const std::string& json) {
-    WriteFile(m_folder / "client.json", json);
+    WriteFile(m_folder / "client.json", Json::writeString(Json::StreamWriterBuilder(), settings));
     std::string error;
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfiguration((m_folder / "client.json").wstring(), error))
         << error;

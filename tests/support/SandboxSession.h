@@ -21,7 +21,7 @@ public:
     void Fault(const std::string& endpoint, const std::string& faultJson);
     // How often the endpoint has been asked.
     int Requests(const std::string& endpoint);
-    // Waits until it has been asked that often; fails the test after ten seconds.
+    // Waits 10 seconds for the request with that number.
     void AwaitRequest(const std::string& endpoint, int count);
     // What a browser holds that is signed in at the contacts portal.
     std::map<std::wstring, std::wstring> PortalCookies();
@@ -40,10 +40,8 @@ protected:
     SandboxSession();
     ~SandboxSession() override;
 
-    // Points every service of the parameter store at a base URL.
+    // Points every service of the parameter store at a base URL, by "client.json" in the test's folder.
     void UsePlatform(const std::string& baseUrl);
-    // Gives the parameter store a configuration; what that does not name stays.
-    void Configure(const std::string& json);
 
     // Signs in through the SDK and returns the authorization code that the callback received.
     std::string SignIn();

@@ -27,6 +27,9 @@ inline Lines operator+(Lines left, const Lines& right) {
     return left;
 }
 
+// Base URL of the basic service's operations, as the stand-in of the parameter store has it.
+inline const std::string kBasicService = "https://basic.example.com/KeCloudUserFoundationService/PC/";
+
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 sees it in every text of a base in an initialiser list
 #endif
@@ -67,14 +70,8 @@ public:
     static std::wstring& Country(UserAuthService& service) { return service.m_strCountryCode; }
 };
 
-// Folder of the test program, where the service's objects look for the account SDK.
-inline std::filesystem::path ProgramFolder() {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return std::filesystem::path(path).parent_path();
-}
-
-// Puts one of the test SDKs into the place of the account SDK; removes it again.
+// Puts one of the test SDKs beside the test program, where the service's objects look for the account SDK; removes it
+// again.
 class InstalledSdk {
 public:
     explicit InstalledSdk(const char* library) {

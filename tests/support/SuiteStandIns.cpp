@@ -129,6 +129,7 @@ HWND__* GlobalParamWrapper::GetMainWnd() const {
     Recording().onMainWindowAsked();
     return Recording().mainWindow;
 }
+void GlobalParamWrapper::SetMainWnd(HWND__* window) { Recording().mainWindow = window; }
 std::wstring GlobalParamWrapper::GetSystemUUid() const { return L"00112233445566778899aabbccddeeff"; }
 std::wstring GlobalParamWrapper::GetCountryCode() const { return L"TH"; }
 std::wstring GlobalParamWrapper::GetZvClientMode() const { return L"1"; }

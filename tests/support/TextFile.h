@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -17,6 +19,13 @@ inline std::size_t CountOf(const std::string& part, const std::string& text) {
         ++count;
     }
     return count;
+}
+
+// The folder of the test program and of all that it starts.
+inline std::filesystem::path ProgramFolder() {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return std::filesystem::path(path).parent_path();
 }
 
 inline std::string ReadFile(const std::filesystem::path& path) {

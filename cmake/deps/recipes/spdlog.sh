@@ -1,11 +1,13 @@
 version=1:1.10.0+ds-0.4
+origin="package libspdlog-dev"
+files="
+4e19d647fe9bc9ec6a1fae81be00a69b1796b41660e8a7a4cf567264b463dcfb  libspdlog-dev_1%3a1.10.0+ds-0.4_amd64.deb
+"
 needs=""
 minutes="seconds"
 
-# Header-only use, on the distribution's own fmt (its spdlog is patched to look for fmt outside).
+# Header-only use, on fmt beside it: the distribution's spdlog is patched to look for fmt outside.
 recipe() {
-  fetch_package libspdlog-dev "$version"
-  fetch_package libfmt-dev 9.1.0+ds1-2
   mkdir -p "$prefix/include"
-  cp -r package/usr/include/spdlog package/usr/include/fmt "$prefix/include/"
+  cp -r package/usr/include/spdlog "$prefix/include/"
 }

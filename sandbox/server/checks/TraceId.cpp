@@ -4,24 +4,11 @@
 #include <charconv>
 #include <chrono>
 #include <optional>
-#include <vector>
 
 #include "checks/WireConstants.h"
 
 namespace sandbox {
 namespace {
-
-std::vector<std::string_view> Fields(std::string_view text) {
-    std::vector<std::string_view> fields;
-    for (;;) {
-        const auto end = std::min(text.find('_'), text.size());
-        fields.push_back(text.substr(0, end));
-        if (end == text.size()) {
-            return fields;
-        }
-        text.remove_prefix(end + 1);
-    }
-}
 
 // A decimal number of 32 bits without leading zeros.
 std::optional<std::uint32_t> Number(std::string_view digits) {
@@ -30,11 +17,11 @@ std::optional<std::uint32_t> Number(std::string_view digits) {
     return error == std::errc{} && std::to_string(value) == digits ? std::optional(value) : std::nullopt;
 }
 
-// Filled up with zeros on its left.
-std::string CommandText(unsigned command) {
+// Command and code, the command filled up with zeros on its left.
+std::string StartOf(unsigned command) {
     const auto digits = std::to_string(command);
     const auto width = static_cast<std::size_t>(kTraceCommandDigits);
-    return std::string(width - std::min(digits.size(), width), '0') + digits;
+    return std::string(width - std::min(digits.size(), width), '0') + digits + "_" + std::string(kTraceIdCode) + "_";
 }
 
 bool IsRandomPart(std::string_view digits) {
@@ -56,25 +43,21 @@ std::uint64_t UnixTime() {
 }
 
 std::string TraceIdFault(std::string_view traceId, unsigned command, std::uint64_t nowSeconds) {
-    const auto fields = Fields(traceId);
-    if (fields.size() != 4) {
-        return "has not the four fields command_11_time_random";
+    const auto start = StartOf(command);
+    if (traceId.substr(0, start.size()) != start) {
+        return "does not begin with " + start;
     }
-    if (fields[0] != CommandText(command)) {
-        return "does not begin with the command " + CommandText(command);
-    }
-    if (fields[1] != kTraceIdCode) {
-        return "has another code than " + std::string(kTraceIdCode);
-    }
-    const auto time = Number(fields[2]);
+    traceId.remove_prefix(start.size());
+    const auto underscore = std::min(traceId.find('_'), traceId.size());
+    const auto time = Number(traceId.substr(0, underscore));
     if (!time) {
         return "has no decimal time of 32 bits without leading zeros";
     }
     if (!IsNear(*time, nowSeconds)) {
         return "has a time more than a day away";
     }
-    if (!IsRandomPart(fields[3])) {
-        return "does not end in eight random digits 0 to 8, the first 0 to 7";
+    if (underscore == traceId.size() || !IsRandomPart(traceId.substr(underscore + 1))) {
+        return "does not end in an underscore and eight random digits 0 to 8, the first 0 to 7";
     }
     return {};
 }

@@ -7,11 +7,11 @@
 
 namespace sandbox {
 
-// That many contacts in vCard 3.0 (RFC 2426), UTF-8; names beyond ASCII are among any three of them. A note that is not
-// empty goes into the first card.
+// count contacts in vCard 3.0 (RFC 2426), in UTF-8. Of any three in a row, one at least has a name beyond ASCII. The
+// first card gets the note, unless it is empty.
 std::string ContactCards(std::size_t count, const std::string& note);
 
-// One card over and over, cut off after size bytes.
+// A body of size bytes: one card over and over, the last one cut off.
 StreamedBody RepeatedCard(std::size_t size);
 
 }  // namespace sandbox

@@ -34,17 +34,17 @@ PortalLogin ContactExports::LoginOf(const std::string& userId) {
     return login;
 }
 
-LoginCheck ContactExports::CheckLogin(const PortalLogin& login) const {
+std::string ContactExports::OwnerOf(const PortalLogin& login) const {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = std::find_if(m_logins.begin(), m_logins.end(),
                                     [&](const auto& known) { return known.second.ticket == login.ticket; });
     if (found == m_logins.end()) {
-        return {{}, "portalTicket is not known"};
+        throw Refusal(Wrong::kLogin, "portalTicket is not known");
     }
     if (found->second.user != login.user) {
-        return {{}, "portalUser is not the one that portalTicket belongs to"};
+        throw Refusal(Wrong::kLogin, "portalUser is not the one that portalTicket belongs to");
     }
-    return {found->first, {}};
+    return found->first;
 }
 
 void ContactExports::Put(const std::string& userId, PlatformReply reply) {

@@ -14,24 +14,19 @@ struct PortalLogin {
     std::string ticket;
 };
 
-// The owner of a pair of cookies.
-struct LoginCheck {
-    std::string userId;
-    std::string refusal;  // why the cookies are nobody's; empty when they are somebody's
-};
-
 // Logins of the contacts portal and what it serves to whom. All operations may be called from any thread.
 class ContactExports {
 public:
     ContactExports();
 
-    // The account's login, made when it is asked for first.
+    // The account's login, which the first call makes.
     PortalLogin LoginOf(const std::string& userId);
-    LoginCheck CheckLogin(const PortalLogin& login) const;
+    // The user id of the account that the login is of. Throws Refusal when it is nobody's.
+    std::string OwnerOf(const PortalLogin& login) const;
 
     // What the account gets from now on.
     void Put(const std::string& userId, PlatformReply reply);
-    // Three cards without anything special for an account that nothing was put for.
+    // What was put for the account; three plain cards when nothing was.
     PlatformReply ExportOf(const std::string& userId) const;
 
 private:
@@ -41,7 +36,8 @@ private:
     std::map<std::string, PlatformReply> m_exports;  // by user id
 };
 
-// A good reply with these bytes, which are in that content coding. Copies of it share them.
+// A reply with status 200 and bytes as its body. coding is the content coding that bytes are in. Copies of the reply
+// share them.
 PlatformReply ContactsReply(std::string bytes, const std::string& coding);
 
 }  // namespace sandbox

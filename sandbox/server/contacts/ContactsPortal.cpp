@@ -1,30 +1,28 @@
-#include "contacts/ContactsPortal.h"
-
 #include <optional>
 
+#include "checks/AuthorizedRequest.h"
 #include "checks/HeaderInspection.h"
 #include "checks/WireConstants.h"
+#include "contacts/Endpoints.h"
 
 namespace sandbox {
 namespace {
 
-// Cache-Control has the text of Accept, and ContentType no hyphen, on purpose: so the portal's clients send them.
-std::string RequestFault(const PlatformRequest& request) {
+// Returns the cookies.
+std::string CheckHeader(const RequestHead& head) {
     constexpr std::string_view kAccept = "application/json, text/plain, */*";
-    HeaderInspection inspection(request.head);
+    HeaderInspection inspection(head);
     inspection.Expect("Accept", kAccept);
     inspection.Expect("Accept-Encoding", "gzip, deflate, br");
     inspection.Expect("Accept-Language", kAcceptLanguage);
+    // The portal's clients send the text of Accept in Cache-Control as well, and write ContentType without a hyphen.
     inspection.Expect("Cache-Control", kAccept);
     inspection.Expect("ContentType", "application/force-download");
     inspection.Expect("Content-Disposition", "attachment; filename='contacts.vcf'");
     inspection.Allow("Cookie");
     inspection.ExpectNoBody();
     inspection.RefuseOtherFields();
-    if (!inspection.Reason().empty()) {
-        return inspection.Reason();
-    }
-    return request.query.empty() ? "" : "the query is not empty";
+    return head.OnlyValue("Cookie");
 }
 
 // Takes "name=value;" off the front of text; nothing when it does not begin so.
@@ -39,33 +37,23 @@ std::optional<std::string> TakeCookie(std::string_view& text, std::string_view n
     return std::string(value);
 }
 
-LoginCheck CheckCookies(const RequestHead& head, const ContactExports& exports) {
-    const auto values = head.Values("Cookie");
-    if (values.size() != 1) {
-        return {{}, values.empty() ? "Cookie is missing" : "Cookie is there more than once"};
-    }
-    std::string_view rest = values.front();
+PlatformReply Export(const PlatformRequest& request, const ContactExports& exports) {
+    const auto cookies = CheckHeader(request.head);
+    RequireQuery(request, "");
+    std::string_view rest = cookies;
     const auto ticket = TakeCookie(rest, "portalTicket");
     const auto user = TakeCookie(rest, "portalUser");
     if (!ticket || !user || !rest.empty()) {
-        return {{}, "Cookie is not portalTicket=VALUE;portalUser=VALUE; and nothing else"};
+        throw Refusal(Wrong::kLogin,
+                      "Cookie is not one field of portalTicket=VALUE;portalUser=VALUE; and nothing else");
     }
-    return exports.CheckLogin({*user, *ticket});
-}
-
-PlatformReply Export(const PlatformRequest& request, const ContactExports& exports) {
-    if (const auto fault = RequestFault(request); !fault.empty()) {
-        return ErrorReply(400, fault);
-    }
-    const auto check = CheckCookies(request.head, exports);
-    return check.refusal.empty() ? exports.ExportOf(check.userId) : ErrorReply(403, check.refusal);
+    return exports.ExportOf(exports.OwnerOf({*user, *ticket}));
 }
 
 }  // namespace
 
 void AddContactsEndpoint(EndpointTable& endpoints, const ContactExports& exports) {
-    endpoints.Add("GET", kPathContactsExport,
-                  [&exports](const PlatformRequest& request) { return Export(request, exports); });
+    endpoints.Add("GET", kPathContactsExport, [&](const PlatformRequest& request) { return Export(request, exports); });
 }
 
 }  // namespace sandbox

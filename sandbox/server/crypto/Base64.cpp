@@ -2,20 +2,12 @@
 
 #include <algorithm>
 
-#include <openssl/evp.h>
+#include "crypto/OpenSslTypes.h"
 
 namespace sandbox {
 namespace {
 
 constexpr std::size_t kLongestText = 1024 * 1024;
-
-unsigned char* Octets(std::string& text) {
-    return reinterpret_cast<unsigned char*>(text.data());
-}
-
-const unsigned char* Octets(const std::string& text) {
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
 
 std::size_t PaddingOf(const std::string& text) {
     const auto last = text.find_last_not_of('=');
@@ -26,7 +18,7 @@ std::size_t PaddingOf(const std::string& text) {
 
 std::string Base64Encoded(const std::string& bytes) {
     std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');  // with the terminating zero
-    const auto length = EVP_EncodeBlock(Octets(text), Octets(bytes), static_cast<int>(bytes.size()));
+    const auto length = EVP_EncodeBlock(Octets(text.data()), Octets(bytes.data()), static_cast<int>(bytes.size()));
     text.resize(static_cast<std::size_t>(length));
     return text;
 }
@@ -37,7 +29,7 @@ std::optional<std::string> Base64Decoded(const std::string& text) {
         return std::nullopt;
     }
     std::string bytes(text.size() / 4 * 3, '\0');
-    const auto length = EVP_DecodeBlock(Octets(bytes), Octets(text), static_cast<int>(text.size()));
+    const auto length = EVP_DecodeBlock(Octets(bytes.data()), Octets(text.data()), static_cast<int>(text.size()));
     if (length != static_cast<int>(bytes.size())) {
         return std::nullopt;
     }

@@ -30,8 +30,7 @@ void SetCommonName(X509* certificate, const std::string& commonName) {
     // An X.520 common name holds 64 characters; clients look at the alternative name only.
     const auto shortened = commonName.substr(0, 64);
     RequireOpenSsl(X509_NAME_add_entry_by_NID(X509_get_subject_name(certificate), NID_commonName, MBSTRING_UTF8,
-                                              reinterpret_cast<const unsigned char*>(shortened.data()),
-                                              static_cast<int>(shortened.size()), -1, 0) == 1,
+                                              Octets(shortened.data()), static_cast<int>(shortened.size()), -1, 0) == 1,
                    "naming a certificate");
 }
 

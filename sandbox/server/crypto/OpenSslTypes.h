@@ -30,6 +30,14 @@ using KeyContextPtr = std::unique_ptr<EVP_PKEY_CTX, OpenSslRelease>;
 using CertificatePtr = std::unique_ptr<X509, OpenSslRelease>;
 using ExtensionPtr = std::unique_ptr<X509_EXTENSION, OpenSslRelease>;
 
+// Bytes are kept in std::string; OpenSSL takes unsigned characters.
+inline unsigned char* Octets(char* bytes) {
+    return reinterpret_cast<unsigned char*>(bytes);
+}
+inline const unsigned char* Octets(const char* bytes) {
+    return reinterpret_cast<const unsigned char*>(bytes);
+}
+
 // Throws std::runtime_error with what was tried and OpenSSL's own reason unless the step succeeded.
 inline void RequireOpenSsl(bool succeeded, const char* step) {
     if (!succeeded) {

@@ -25,7 +25,7 @@ bool HasHeader(const std::string& der) {
 
 // Nothing when the point is not on the curve.
 KeyPtr KeyOnCurve(const std::string& der) {
-    const auto* position = reinterpret_cast<const unsigned char*>(der.data());
+    const auto* position = Octets(der.data());
     KeyPtr key(d2i_PUBKEY(nullptr, &position, static_cast<long>(der.size())));
     if (key != nullptr) {
         const KeyContextPtr context(EVP_PKEY_CTX_new(key.get(), nullptr));
@@ -73,14 +73,14 @@ ParsedPublicKey ParseP256PublicKey(const std::string& der) {
                           : ParsedPublicKey{nullptr, "has a point that is not on the curve"};
 }
 
-SecretBytes SharedSecret(EVP_PKEY* own, EVP_PKEY* peer) {
+std::string SharedSecret(EVP_PKEY* own, EVP_PKEY* peer) {
     const KeyContextPtr context(EVP_PKEY_CTX_new(own, nullptr));
     RequireOpenSsl(context != nullptr && EVP_PKEY_derive_init(context.get()) == 1 &&
                        EVP_PKEY_derive_set_peer(context.get(), peer) == 1,
                    "preparing a key agreement");
-    SecretBytes secret(kSharedSecretSize);
+    std::string secret(kSharedSecretSize, '\0');
     std::size_t size = secret.size();
-    RequireOpenSsl(EVP_PKEY_derive(context.get(), secret.data(), &size) == 1 && size == kSharedSecretSize,
+    RequireOpenSsl(EVP_PKEY_derive(context.get(), Octets(secret.data()), &size) == 1 && size == kSharedSecretSize,
                    "agreeing on a secret");
     return secret;
 }

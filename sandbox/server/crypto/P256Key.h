@@ -4,7 +4,6 @@
 #include <string>
 
 #include "crypto/OpenSslTypes.h"
-#include "crypto/SecretBytes.h"
 
 // Keys on the curve P-256 (FIPS 186-4) and the agreement of two of them.
 namespace sandbox {
@@ -23,10 +22,10 @@ struct ParsedPublicKey {
     KeyPtr key;
     std::string fault;  // why there is no key
 };
-// The point's place on the curve is checked.
+// Takes only a point that is on the curve.
 ParsedPublicKey ParseP256PublicKey(const std::string& der);
 
 // The X coordinate of the shared point as it is, without a key derivation: always 32 bytes, leading zeros kept.
-SecretBytes SharedSecret(EVP_PKEY* own, EVP_PKEY* peer);
+std::string SharedSecret(EVP_PKEY* own, EVP_PKEY* peer);
 
 }  // namespace sandbox

@@ -6,6 +6,7 @@
 
 #include "crypto/Base64.h"
 #include "crypto/OpenSslTypes.h"
+#include "crypto/Sha256.h"
 
 namespace sandbox {
 namespace {
@@ -19,8 +20,7 @@ std::string RandomBase64(std::size_t byteCount) {
 
 std::string RandomBytes(std::size_t count) {
     std::string bytes(count, '\0');
-    RequireOpenSsl(RAND_bytes(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(count)) == 1,
-                   "drawing random bytes");
+    RequireOpenSsl(RAND_bytes(Octets(bytes.data()), static_cast<int>(count)) == 1, "drawing random bytes");
     return bytes;
 }
 
@@ -33,6 +33,11 @@ std::string RandomCode() {
     std::replace(code.begin(), code.end(), '+', '-');
     std::replace(code.begin(), code.end(), '/', '_');
     return code;
+}
+
+std::string RandomUuid() {
+    constexpr std::size_t kUuidBytes = 16;
+    return LowerHex(RandomBytes(kUuidBytes));
 }
 
 }  // namespace sandbox

@@ -6,7 +6,7 @@
 namespace sandbox {
 namespace {
 
-const EVP_CIPHER* CipherFor(const SecretBytes& key) {
+const EVP_CIPHER* CipherFor(const std::string& key) {
     switch (key.size()) {
         case 16:
             return EVP_aes_128_gcm();
@@ -23,17 +23,9 @@ CipherContextPtr NewContext() {
     return context;
 }
 
-unsigned char* Octets(char* bytes) {
-    return reinterpret_cast<unsigned char*>(bytes);
-}
-
-const unsigned char* Octets(const char* bytes) {
-    return reinterpret_cast<const unsigned char*>(bytes);
-}
-
 }  // namespace
 
-std::string WrapSecret(const SecretBytes& secret, const SecretBytes& key) {
+std::string WrapSecret(const std::string& secret, const std::string& key) {
     const auto context = NewContext();
     std::string blob = RandomBytes(kBlobNonceSize);
     blob.resize(kBlobNonceSize + secret.size() + kBlobTagSize);
@@ -42,8 +34,8 @@ std::string WrapSecret(const SecretBytes& secret, const SecretBytes& key) {
     int written = 0;
     int rest = 0;
     RequireOpenSsl(
-        EVP_EncryptInit_ex(context.get(), CipherFor(key), nullptr, key.data(), Octets(blob.data())) == 1 &&
-            EVP_EncryptUpdate(context.get(), Octets(ciphertext), &written, secret.data(),
+        EVP_EncryptInit_ex(context.get(), CipherFor(key), nullptr, Octets(key.data()), Octets(blob.data())) == 1 &&
+            EVP_EncryptUpdate(context.get(), Octets(ciphertext), &written, Octets(secret.data()),
                               static_cast<int>(secret.size())) == 1 &&
             EVP_EncryptFinal_ex(context.get(), Octets(ciphertext) + written, &rest) == 1 &&
             EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_GET_TAG, static_cast<int>(kBlobTagSize), tag) == 1,
@@ -51,23 +43,23 @@ std::string WrapSecret(const SecretBytes& secret, const SecretBytes& key) {
     return blob;
 }
 
-std::optional<SecretBytes> UnwrapSecret(const std::string& blob, const SecretBytes& key) {
+std::optional<std::string> UnwrapSecret(const std::string& blob, const std::string& key) {
     if (blob.size() <= kBlobNonceSize + kBlobTagSize) {
         return std::nullopt;
     }
     const auto context = NewContext();
-    SecretBytes secret(blob.size() - kBlobNonceSize - kBlobTagSize);
+    std::string secret(blob.size() - kBlobNonceSize - kBlobTagSize, '\0');
     const char* ciphertext = blob.data() + kBlobNonceSize;
-    std::string tag = blob.substr(blob.size() - kBlobTagSize);  // the library takes it as if it wrote to it
+    std::string tag = blob.substr(blob.size() - kBlobTagSize);  // a copy: the library takes no constant
     int written = 0;
     int rest = 0;
     RequireOpenSsl(
-        EVP_DecryptInit_ex(context.get(), CipherFor(key), nullptr, key.data(), Octets(blob.data())) == 1 &&
-            EVP_DecryptUpdate(context.get(), secret.data(), &written, Octets(ciphertext),
+        EVP_DecryptInit_ex(context.get(), CipherFor(key), nullptr, Octets(key.data()), Octets(blob.data())) == 1 &&
+            EVP_DecryptUpdate(context.get(), Octets(secret.data()), &written, Octets(ciphertext),
                               static_cast<int>(secret.size())) == 1 &&
             EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_TAG, static_cast<int>(kBlobTagSize), tag.data()) == 1,
         "unwrapping a secret");
-    if (EVP_DecryptFinal_ex(context.get(), secret.data() + written, &rest) != 1) {
+    if (EVP_DecryptFinal_ex(context.get(), Octets(secret.data()) + written, &rest) != 1) {
         ERR_clear_error();
         return std::nullopt;
     }

@@ -1,6 +1,6 @@
 #include "http/ContentCoding.h"
 
-#define ZLIB_CONST  // input that is not written to
+#define ZLIB_CONST  // zlib takes constant input then
 #include <brotli/encode.h>
 #include <zlib.h>
 

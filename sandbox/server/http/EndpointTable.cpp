@@ -7,12 +7,6 @@
 
 namespace sandbox {
 
-PlatformReply ErrorReply(int status, const std::string& reason) {
-    Json::Value error(Json::objectValue);
-    error["error"] = reason;
-    return {status, JsonLine(error), {}};
-}
-
 void EndpointTable::Add(std::string_view method, std::string_view path, EndpointHandler handler) {
     m_endpoints[std::string(path)][std::string(method)] = std::move(handler);
 }
@@ -32,11 +26,26 @@ PlatformReply EndpointTable::Answer(const PlatformRequest& request) const noexce
             return ErrorReply(405, request.path + " does not take the method " + request.method);
         }
         return handler->second(request);
+    } catch (const Refusal& refusal) {
+        return ErrorReply(refusal.Status(), refusal.what());
     } catch (const std::exception& error) {
         return ErrorReply(500, error.what());
     } catch (...) {
         return ErrorReply(500, "unknown exception");
     }
+}
+
+PlatformReply JsonReply(const Json::Value& value) {
+    return {200, JsonLine(value), {}};
+}
+
+PlatformReply ErrorReply(int status, const std::string& reason) {
+    return {status, JsonLine(JsonObject({{"error", reason}})), {}};
+}
+
+EndpointHandler WithObject(std::function<PlatformReply(const Json::Value&)> handler) {
+    return
+        [handler = std::move(handler)](const PlatformRequest& request) { return handler(ParseJsonBody(request.body)); };
 }
 
 }  // namespace sandbox

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,12 +31,12 @@ inline constexpr const char* kContentTypeJson = "application/json;charset=UTF-8"
 // A body that goes out block by block, so that it need not be held as a whole.
 struct StreamedBody {
     std::size_t size = 0;
-    // The bytes from offset on, at least one of them while offset is below size; they may reach beyond size. Valid as
-    // long as the function.
+    // Returns bytes from offset on: at least one while offset is below size, perhaps more than are left. They stay
+    // valid as long as the function lives.
     std::function<std::string_view(std::size_t offset)> block;
 };
 
-// bytes in memory; copies of the body share them.
+// A body of bytes in memory. Copies of the body share them.
 inline StreamedBody SharedBody(std::string bytes) {
     const auto shared = std::make_shared<const std::string>(std::move(bytes));
     return {shared->size(), [shared](std::size_t offset) { return std::string_view(*shared).substr(offset); }};
@@ -53,5 +54,20 @@ struct PlatformReply {
 inline std::size_t BodySize(const PlatformReply& reply) {
     return reply.stream ? reply.stream->size : reply.body.size();
 }
+
+// Which part of a refused request is wrong.
+enum class Wrong { kHeader, kQuery, kBody, kAccessToken, kLogin };
+
+// Thrown by whoever finds that a request must be refused. what() is the reason, in one line.
+class Refusal : public std::runtime_error {
+public:
+    Refusal(Wrong part, const std::string& reason) : std::runtime_error(reason), m_part(part) {}
+
+    Wrong Part() const { return m_part; }
+    int Status() const { return m_part == Wrong::kAccessToken ? 401 : m_part == Wrong::kLogin ? 403 : 400; }
+
+private:
+    Wrong m_part;
+};
 
 }  // namespace sandbox

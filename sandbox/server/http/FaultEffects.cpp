@@ -9,15 +9,14 @@ namespace sandbox {
 namespace {
 
 constexpr std::size_t kGarbageBytes = 256;
+// A reply with this status ends with its head (RFC 9110, 6.4.1). A client would take a body for the next reply.
+constexpr int kNoContent = 204;
 constexpr char kNoJsonByte = '\x81';
 
 Json::Value OfAnotherType(const Json::Value& value) {
     switch (value.type()) {
-        case Json::stringValue: {
-            Json::Value object(Json::objectValue);
-            object["text"] = value;
-            return object;
-        }
+        case Json::stringValue:
+            return JsonObject({{"text", value}});
         case Json::objectValue:
         case Json::booleanValue: {
             Json::Value array(Json::arrayValue);
@@ -33,15 +32,15 @@ Json::Value OfAnotherType(const Json::Value& value) {
 
 // Members change their types; a reply without members becomes an array.
 std::string WithWrongTypes(const std::string& body) {
-    const auto parsed = ParseJsonObject(body);
-    if (!parsed.reason.empty()) {
+    try {
+        auto members = ParseJsonBody(body);
+        for (auto& member : members) {
+            member = OfAnotherType(member);
+        }
+        return JsonLine(members);
+    } catch (const Refusal&) {
         return "[]";
     }
-    Json::Value spoilt(Json::objectValue);
-    for (const auto& name : parsed.value.getMemberNames()) {
-        spoilt[name] = OfAnotherType(parsed.value[name]);
-    }
-    return JsonLine(spoilt);
 }
 
 std::string Garbage() {
@@ -64,11 +63,13 @@ bool ReplacesBody(const Fault& fault) {
 }  // namespace
 
 void SpoilReply(const Fault& fault, PlatformReply& reply) {
-    reply.status = fault.status.value_or(reply.status);
-    if (ReplacesBody(fault)) {
-        reply.stream.reset();  // nothing of a streamed body is left; what is padded is empty
+    if (fault.status) {
+        reply.status = static_cast<int>(*fault.status);
     }
-    if (fault.contentLength) {
+    if (ReplacesBody(fault)) {
+        reply.stream.reset();  // reply.body, which is empty then, is what changes below
+    }
+    if (fault.contentLength || fault.unframed) {
         reply.chunked = false;
     }
     if (fault.wrongTypes) {
@@ -83,10 +84,14 @@ void SpoilReply(const Fault& fault, PlatformReply& reply) {
     if (fault.oversize) {
         Pad(reply.body, *fault.oversize);
     }
+    if (reply.status == kNoContent) {
+        reply.stream.reset();
+        reply.body.clear();
+    }
 }
 
 bool ShapesDelivery(const Fault& fault) {
-    return fault.cutAfter || fault.contentLength || fault.stall > std::chrono::milliseconds::zero();
+    return fault.cutAfter || fault.contentLength || fault.unframed || fault.stall > std::chrono::milliseconds::zero();
 }
 
 Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
@@ -96,8 +101,11 @@ Delivery PlanDelivery(const Fault& fault, std::size_t bodySize) {
     delivery.firstPart = stalls ? std::min(fault.stallAfter.value_or(sent / 2), sent) : sent;
     delivery.secondPart = sent - delivery.firstPart;
     delivery.pause = fault.stall;
-    // A cut is visible, unless the fault itself announces a length that fits: more is announced than is sent.
+    // A reply that is cut announces more than is sent, so that the peer sees the cut. The fault's own length wins.
     delivery.announced = fault.contentLength.value_or(fault.cutAfter ? std::max(bodySize, sent + 1) : bodySize);
+    if (fault.unframed) {
+        delivery.announced.reset();
+    }
     delivery.close = delivery.announced != sent;
     return delivery;
 }

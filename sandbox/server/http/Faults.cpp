@@ -1,7 +1,9 @@
 #include "http/Faults.h"
 
-#include <functional>
 #include <utility>
+
+#include "http/Exchange.h"
+#include "http/OrderReader.h"
 
 namespace sandbox {
 namespace {
@@ -11,83 +13,49 @@ constexpr unsigned kLargestBody = 64U * 1024 * 1024;
 constexpr unsigned kLargestContentLength = 2'000'000'000;
 constexpr unsigned kMostTimes = 1'000'000;
 
-// Stores one member's value; false when the value has another type or is out of range.
-using MemberReader = std::function<bool(const Json::Value&, Fault&)>;
-
-template <typename Store>
-MemberReader WholeNumber(unsigned smallest, unsigned largest, Store store) {
-    return [=](const Json::Value& value, Fault& fault) {
-        if (!value.isUInt() || value.asUInt() < smallest || value.asUInt() > largest) {
-            return false;
-        }
-        store(fault, value.asUInt());
-        return true;
-    };
+bool DoesSomething(const Fault& fault) {
+    return fault.status || fault.delay.count() > 0 || fault.stall.count() > 0 || fault.cutAfter ||
+           fault.contentLength || fault.body || fault.oversize || fault.garbage || fault.wrongTypes || fault.unframed;
 }
 
-// Only true: a fault that is switched off would do nothing.
-MemberReader Switch(bool Fault::*member) {
-    return [=](const Json::Value& value, Fault& fault) {
-        fault.*member = value.isBool() && value.asBool();
-        return fault.*member;
-    };
-}
-
-template <typename Member>
-MemberReader Text(Member Fault::*member) {
-    return [=](const Json::Value& value, Fault& fault) {
-        if (!value.isString()) {
-            return false;
-        }
-        fault.*member = value.asString();
-        return true;
-    };
-}
-
-const std::map<std::string, MemberReader>& MemberReaders() {
-    using std::chrono::milliseconds;
-    static const std::map<std::string, MemberReader> readers = {
-        {"endpoint", Text(&Fault::endpoint)},
-        {"body", Text(&Fault::body)},
-        {"garbage", Switch(&Fault::garbage)},
-        {"wrongTypes", Switch(&Fault::wrongTypes)},
-        {"status", WholeNumber(200, 599, [](Fault& f, unsigned v) { f.status = static_cast<int>(v); })},
-        {"delayMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.delay = milliseconds(v); })},
-        {"stallMs", WholeNumber(1, kLongestWaitMs, [](Fault& f, unsigned v) { f.stall = milliseconds(v); })},
-        {"stallAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.stallAfter = v; })},
-        {"cutAfter", WholeNumber(0, kLargestBody, [](Fault& f, unsigned v) { f.cutAfter = v; })},
-        {"contentLength", WholeNumber(0, kLargestContentLength, [](Fault& f, unsigned v) { f.contentLength = v; })},
-        {"oversize", WholeNumber(1, kLargestBody, [](Fault& f, unsigned v) { f.oversize = v; })},
-        {"times", WholeNumber(1, kMostTimes, [](Fault& f, unsigned v) { f.times = v; })},
-    };
-    return readers;
+// Why the members do not go together; null when they do.
+const char* Contradiction(const Fault& fault) {
+    if (fault.endpoint.empty()) {
+        return "endpoint is missing";
+    }
+    if (fault.stallAfter && fault.stall.count() == 0) {
+        return "stallAfter needs stallMs, how long the reply stalls";
+    }
+    return DoesSomething(fault)
+               ? nullptr
+               : "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, unframed, body, "
+                 "garbage, oversize or wrongTypes";
 }
 
 }  // namespace
 
-ParsedFault ParseFault(const Json::Value& description) {
-    ParsedFault parsed;
-    for (const auto& name : description.getMemberNames()) {
-        const auto reader = MemberReaders().find(name);
-        if (reader == MemberReaders().end()) {
-            return {{}, name + " is not a member of a fault"};
-        }
-        if (!reader->second(description[name], parsed.fault)) {
-            return {{}, name + " has the wrong type or is out of range"};
-        }
+Fault ReadFault(const Json::Value& description) {
+    using std::chrono::milliseconds;
+    OrderReader order(description);
+    Fault fault;
+    fault.endpoint = order.Text("endpoint").value_or("");
+    fault.status = order.Number("status", 200, 599);
+    fault.delay = milliseconds(order.Number("delayMs", 1, kLongestWaitMs).value_or(0));
+    fault.stall = milliseconds(order.Number("stallMs", 1, kLongestWaitMs).value_or(0));
+    fault.stallAfter = order.Number("stallAfter", 0, kLargestBody);
+    fault.cutAfter = order.Number("cutAfter", 0, kLargestBody);
+    fault.contentLength = order.Number("contentLength", 0, kLargestContentLength);
+    fault.body = order.Text("body");
+    fault.oversize = order.Number("oversize", 1, kLargestBody);
+    fault.garbage = order.Switch("garbage").value_or(false);
+    fault.wrongTypes = order.Switch("wrongTypes").value_or(false);
+    fault.unframed = order.Switch("unframed").value_or(false);
+    fault.times = order.Number("times", 1, kMostTimes);
+    order.RefuseOthers();
+    if (const char* reason = Contradiction(fault)) {
+        throw Refusal(Wrong::kBody, reason);
     }
-    if (parsed.fault.endpoint.empty()) {
-        return {{}, "endpoint is missing"};
-    }
-    if (parsed.fault.stallAfter && parsed.fault.stall == std::chrono::milliseconds::zero()) {
-        return {{}, "stallAfter needs stallMs, how long the reply stalls"};
-    }
-    if (description.size() == (description.isMember("times") ? 2U : 1U)) {
-        return {{},
-                "the fault does nothing: give status, delayMs, stallMs, cutAfter, contentLength, body, garbage, "
-                "oversize or wrongTypes"};
-    }
-    return parsed;
+    return fault;
 }
 
 void FaultTable::Put(Fault fault) {

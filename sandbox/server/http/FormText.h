@@ -6,9 +6,9 @@
 
 namespace sandbox {
 
-// Text that was encoded as a form's value is: ASCII letters, digits and "-_.~" are themselves, "+" is a blank, and "%"
-// with two hexadecimal digits, capital ones, any other byte. Nothing when the text has anything else in it, or an
-// escape that it does not need.
+// Decodes the value of a form: ASCII letters, digits and "-_.~" stand for themselves, "+" for a blank, and "%" with two
+// capital hexadecimal digits for any other byte. Nothing when the text has anything else in it, or escapes a character
+// that needs no escape.
 std::optional<std::string> FormDecoded(std::string_view text);
 
 }  // namespace sandbox

@@ -9,7 +9,8 @@
 namespace sandbox {
 namespace {
 
-constexpr const char* kUnknownPaths = "unknown";  // counted together, so that they cannot fill the memory
+// Requests for paths without an endpoint are counted under this one name: names of their own could fill the memory.
+constexpr const char* kUnknownPaths = "unknown";
 constexpr std::size_t kLongestPath = 512;
 constexpr std::size_t kLargestRequestBody = 4 * 1024 * 1024;
 constexpr std::size_t kRequestsPerConnection = 10'000;
@@ -28,7 +29,7 @@ PlatformRequest ToPlatformRequest(const httplib::Request& request) {
     PlatformRequest converted;
     converted.method = request.method;
     const auto question = request.target.find('?');
-    converted.path = request.target.substr(0, question);  // the library's own is decoded
+    converted.path = request.target.substr(0, question);  // that of the library is decoded
     converted.query = question == std::string::npos ? std::string() : request.target.substr(question + 1);
     converted.parameters = request.params;
     converted.origin = Origin(request);
@@ -58,12 +59,8 @@ httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request,
 
 // An exclusive port: the library's own choice lets another program listen on it as well.
 void TakePortExclusively(socket_t socket) {
-#ifdef _WIN32
     const int on = 1;
     setsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, reinterpret_cast<const char*>(&on), sizeof(on));
-#else
-    static_cast<void>(socket);
-#endif
 }
 
 }  // namespace
@@ -130,7 +127,9 @@ void HttpFrontEnd::Deliver(PlatformReply reply, const Delivery& delivery, httpli
         response.set_chunked_content_provider(contentType, send);
         return;
     }
-    response.set_header("Content-Length", std::to_string(delivery.announced));
+    if (delivery.announced) {
+        response.set_header("Content-Length", std::to_string(*delivery.announced));
+    }
     // Without a length of its own the library sends what the function writes, whatever the header announces.
     response.set_content_provider(contentType, send);
 }

@@ -14,8 +14,8 @@
 
 namespace sandbox {
 
-// Between the HTTP library and the endpoints: records each request, has it answered, and lets faults have their way
-// with the reply. The same for every endpoint and both listeners.
+// Between the HTTP library and the endpoints: records each request, has it answered, and applies faults to the
+// reply. The same for every endpoint and both listeners.
 class HttpFrontEnd {
 public:
     // The arguments must outlive the front end, and the front end the servers that it is attached to.

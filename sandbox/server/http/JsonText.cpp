@@ -6,46 +6,46 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include "http/Exchange.h"
+
 namespace sandbox {
 namespace {
 
 constexpr int kDeepestNesting = 64;
 
-std::unique_ptr<Json::CharReader> StrictReader() {
+Json::CharReaderBuilder StrictReader() {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     builder["stackLimit"] = kDeepestNesting;
-    return std::unique_ptr<Json::CharReader>(builder.newCharReader());
-}
-
-std::string FirstLine(const std::string& text) {
-    std::string line = text;
-    std::replace(line.begin(), line.end(), '\n', ' ');
-    return line.substr(0, line.find_last_not_of(' ') + 1);
-}
-
-ParsedJson Parse(const std::string& text) {
-    ParsedJson parsed;
-    std::string errors;
-    if (!StrictReader()->parse(text.data(), text.data() + text.size(), &parsed.value, &errors)) {
-        parsed.reason = "is not JSON: " + FirstLine(errors);
-    } else if (!parsed.value.isObject()) {
-        parsed.reason = "is not a JSON object";
-    }
-    return parsed;
+    return builder;
 }
 
 }  // namespace
 
-ParsedJson ParseJsonObject(const std::string& text) noexcept {
-    // The library throws on nesting beyond its limit, and when there is no memory left.
+Json::Value ParseJsonBody(const std::string& body) {
+    const std::unique_ptr<Json::CharReader> reader(StrictReader().newCharReader());
+    Json::Value value;
+    std::string errors;
     try {
-        return Parse(text);
-    } catch (...) {
-        ParsedJson refused;
-        refused.reason = "is nested too deeply, or too large for the memory";
-        return refused;
+        if (!reader->parse(body.data(), body.data() + body.size(), &value, &errors)) {
+            std::replace(errors.begin(), errors.end(), '\n', ' ');
+            throw Refusal(Wrong::kBody, "body is not JSON: " + std::string(Trimmed(errors)));
+        }
+    } catch (const Json::Exception&) {
+        throw Refusal(Wrong::kBody, "body is nested too deeply");
     }
+    if (!value.isObject()) {
+        throw Refusal(Wrong::kBody, "body is not a JSON object");
+    }
+    return value;
+}
+
+Json::Value JsonObject(std::initializer_list<std::pair<const char*, Json::Value>> members) {
+    Json::Value object(Json::objectValue);
+    for (const auto& [name, value] : members) {
+        object[name] = value;
+    }
+    return object;
 }
 
 std::string JsonLine(const Json::Value& value) {
@@ -53,22 +53,6 @@ std::string JsonLine(const Json::Value& value) {
     builder["indentation"] = "";
     builder["emitUTF8"] = true;
     return Json::writeString(builder, value);
-}
-
-bool IsCompactLine(const std::string& text, const Json::Value& object, std::initializer_list<std::string_view> names) {
-    std::string expected = "{";
-    for (const auto name : names) {
-        const auto* member = object.find(name.data(), name.data() + name.size());
-        if (member == nullptr) {
-            return false;
-        }
-        // The value as it was written, so that no way of escaping is preferred.
-        const auto start = static_cast<std::size_t>(member->getOffsetStart());
-        const auto length = static_cast<std::size_t>(member->getOffsetLimit()) - start;
-        expected += expected.size() == 1 ? "\"" : ",\"";
-        expected += std::string(name) + "\":" + text.substr(std::min(start, text.size()), length);
-    }
-    return text == expected + "}\n";
 }
 
 }  // namespace sandbox

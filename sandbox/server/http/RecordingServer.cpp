@@ -43,13 +43,13 @@ public:
         return received;
     }
 
-    // The library has read the head and nothing else so far. Of the body it may read that many bytes.
+    // Called when the library has read the whole head and nothing of the body. It may read bodyLimit bytes more.
     const std::string& CompleteHead(std::uint64_t bodyLimit) {
         m_bodyLimit = bodyLimit;
         return m_head;
     }
 
-    // Nothing more is read then, and the connection must end: the rest of the request is still to come.
+    // Then nothing more is read, and the connection must be closed: the rest of the request is still to come.
     bool TooLong() const { return m_bodyLimit ? m_bodySize > *m_bodyLimit : m_head.size() > kLargestHead; }
 
 private:
@@ -67,7 +67,7 @@ private:
     std::uint64_t m_bodySize = 0;              // as it stands on the wire, the sizes of chunks included
 };
 
-// The library limits only a body whose length the head tells: one beyond the limit it skips, and answers 413.
+// The library itself limits a body whose length the head tells: it skips one that is too long, and answers 413.
 std::uint64_t BodyLimit(const httplib::Request& request, std::size_t largestBody) {
     const bool lengthTold =
         request.has_header("Content-Length") && !httplib::detail::is_chunked_transfer_encoding(request.headers);

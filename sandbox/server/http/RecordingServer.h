@@ -8,11 +8,11 @@
 
 namespace sandbox {
 
-// The HTTP library leaves headers with empty values out when it parses a request, and the platform has to know whether
-// such a header was there. These servers hand the library a stream that keeps a copy of what it reads up to the end of
-// the head, and pass that copy on with the request. They also look after idle connections themselves: the library would
-// wait for each to time out before it stops. And the largest payload that they are set to holds for bodies of untold
-// length too, whose connection ends there.
+// The platform has to see each header as it was sent. The HTTP library does not tell: it leaves out headers with empty
+// values, and percent-decodes the values of the others. These servers therefore hand the library a stream that keeps a
+// copy of the head, and pass that copy on with the request.
+// They also look after idle connections themselves: the library would wait for each to time out before it stops.
+// And they apply the largest payload to bodies whose length the head does not tell, too: such a connection is ended.
 
 // The head of a request as it stood on the wire; only for requests of the servers below.
 std::string RawHead(const httplib::Request& request);

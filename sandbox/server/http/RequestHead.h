@@ -6,6 +6,9 @@
 
 namespace sandbox {
 
+// Without the white space around it.
+std::string_view Trimmed(std::string_view text);
+
 // Equality of header names: ASCII letters match without regard to case.
 bool SameHeaderName(std::string_view left, std::string_view right);
 

@@ -1,45 +1,32 @@
-#include "profile/RegistrationService.h"
-
-#include "checks/EncodedAuthorization.h"
+#include "checks/AuthorizedRequest.h"
 #include "checks/PortalRequest.h"
 #include "checks/WireConstants.h"
+#include "http/JsonText.h"
+#include "profile/Endpoints.h"
 
 namespace sandbox {
 namespace {
 
-constexpr const char* kMemberCountry = "registerCountryCode";
-
-PlatformReply RegistrationReply(const Account& account) {
-    Json::Value reply(Json::objectValue);
-    reply["clientLogReport"] = account.clientLogReport;
-    reply["languageType"] = account.languageType;
-    reply["privilege"] = account.privilege;
-    reply["result"] = PortalResult(kResultSuccess, "success");
-    return {200, JsonLine(reply), {}};
-}
-
-PlatformReply RegistrationOf(const PlatformRequest& request, const PlatformState& state) {
-    const auto body = ParseJsonObject(request.body);
-    const auto authorization = ReadEncodedAuthorization(request.head);
-    if (auto refusal = RefusalOf({AuthorizedHeaderFault(request, kCommandRegistration, authorization),
-                                  TraceQueryFault(request), TracedBodyFault(request, body, kMemberCountry)})) {
-        return *std::move(refusal);
+PlatformReply Registration(const PlatformRequest& request, const PlatformState& state) {
+    const auto accessToken = EncodedAccessToken(request, kCommandRegistration);
+    CheckTraceQuery(request);
+    const auto country = TracedMember(request, "registerCountryCode");
+    const auto account = AccountOf(accessToken, state);
+    // Empty before the client knows its country: it learns that in exchange for an authorization code only.
+    if (!country.empty() && country != account.countryCode) {
+        throw Refusal(Wrong::kBody, "registerCountryCode is neither empty nor " + account.countryCode);
     }
-    const auto check = state.CheckAccessToken(authorization.accessToken);
-    if (!check.account) {
-        return TokenRefusal(check.refusal);
-    }
-    if (body.value[kMemberCountry].asString() != check.account->countryCode) {
-        return RefusalOf({"", "", "registerCountryCode is not " + check.account->countryCode}).value();
-    }
-    return RegistrationReply(*check.account);
+    return JsonReply(JsonObject({{"clientLogReport", account.clientLogReport},
+                                 {"languageType", account.languageType},
+                                 {"privilege", account.privilege},
+                                 {"result", PortalResult(kResultSuccess, "success")}}));
 }
 
 }  // namespace
 
 void AddRegistrationEndpoint(EndpointTable& endpoints, const PlatformState& state) {
     endpoints.Add("POST", kPathRegistration,
-                  [&state](const PlatformRequest& request) { return RegistrationOf(request, state); });
+                  PortalEndpoint([&state](const PlatformRequest& request) { return Registration(request, state); }));
 }
 
 }  // namespace sandbox

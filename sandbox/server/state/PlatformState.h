@@ -24,7 +24,7 @@ struct CodeExchange {
     std::string refusal;  // why there is no grant
 };
 
-// Who says that a refresh token is theirs.
+// Who the client says it is when it refreshes.
 struct RefreshClaim {
     std::string deviceId;
     std::string userId;  // empty when the client does not know it
@@ -32,8 +32,10 @@ struct RefreshClaim {
 
 struct RefreshExchange {
     std::optional<std::string> accessToken;
-    std::string refusal;               // why there is no access token
-    const char* wrongClaim = nullptr;  // the member of the claim that is not the one of the refresh token, a good one
+    std::string refusal;  // why there is no access token
+    // Set when the refresh token is valid but was issued to somebody else: which member of the claim differs,
+    // "deviceId" or "userId".
+    const char* wrongClaim = nullptr;
 };
 
 struct TokenCheck {

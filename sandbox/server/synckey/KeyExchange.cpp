@@ -1,20 +1,31 @@
 #include "synckey/KeyExchange.h"
 
+#include <optional>
 #include <utility>
 
 #include "crypto/Base64.h"
 #include "crypto/P256Key.h"
 #include "crypto/RandomText.h"
-#include "crypto/Sha256.h"
+#include "crypto/WrappedBlob.h"
+#include "http/Exchange.h"
 
 namespace sandbox {
 namespace {
 
 constexpr std::size_t kMostRemembered = 100'000;
+constexpr std::size_t kTokenSize = 185;
+constexpr std::size_t kColonPosition = 124;
+constexpr std::size_t kBlobSize = 44;
 
-void Remember(std::string text, std::set<std::string>& known) {
+void Require(bool good, const std::string& otherwise) {
+    if (!good) {
+        throw Refusal(Wrong::kHeader, "x-zv-tempKey: " + otherwise);
+    }
+}
+
+void Remember(const std::string& text, std::set<std::string>& known) {
     if (known.size() < kMostRemembered) {
-        known.insert(std::move(text));
+        known.insert(text);
     }
 }
 
@@ -33,12 +44,26 @@ void KeyExchange::Replace(ServedKey replacement) {
     m_replacement = std::move(replacement);
 }
 
-OpenedToken KeyExchange::Open(const std::string& token) {
-    auto opened = OpenTemporaryKeyToken(token, m_key.get());
-    if (opened.fault.empty()) {
-        Count(opened);
-    }
-    return opened;
+std::string KeyExchange::Open(const std::string& token) {
+    Require(token.size() == kTokenSize,
+            "there are " + std::to_string(token.size()) + " characters instead of " + std::to_string(kTokenSize));
+    Require(token[kColonPosition] == ':', "no colon stands behind the first 124 characters");
+    const auto der = Base64UrlDecoded(token.substr(0, kColonPosition));
+    Require(der.has_value(), "the public key is not URL-safe base64");
+    const auto blob = Base64UrlDecoded(token.substr(kColonPosition + 1));
+    Require(blob && blob->size() == kBlobSize, "the blob is not 44 bytes in URL-safe base64");
+    const auto client = ParseP256PublicKey(*der);
+    Require(client.key != nullptr, "the public key " + client.fault);
+    const auto secret = SharedSecret(m_key.get(), client.key.get());
+    const auto temporaryKey = UnwrapSecret(*blob, secret);
+    Require(temporaryKey.has_value(), "the blob's tag is wrong under the agreed secret");
+
+    const std::lock_guard<std::mutex> guard(m_lock);
+    ++m_counts.tokens;
+    m_counts.leadingZeroSecrets += secret.front() == '\0' ? 1 : 0;
+    Remember(blob->substr(0, kBlobNonceSize), m_nonces);
+    Remember(*temporaryKey, m_temporaryKeys);
+    return *temporaryKey;
 }
 
 ExchangeCounts KeyExchange::Counts() const {
@@ -47,15 +72,6 @@ ExchangeCounts KeyExchange::Counts() const {
     counts.distinctNonces = m_nonces.size();
     counts.distinctTemporaryKeys = m_temporaryKeys.size();
     return counts;
-}
-
-void KeyExchange::Count(const OpenedToken& opened) {
-    auto digest = LowerHex(Sha256(opened.temporaryKey));
-    const std::lock_guard<std::mutex> guard(m_lock);
-    ++m_counts.tokens;
-    m_counts.leadingZeroSecrets += opened.leadingZero ? 1 : 0;
-    Remember(opened.nonce, m_nonces);
-    Remember(std::move(digest), m_temporaryKeys);
 }
 
 }  // namespace sandbox

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "crypto/OpenSslTypes.h"
-#include "synckey/TemporaryKeyToken.h"
 
 namespace sandbox {
 
@@ -20,8 +19,8 @@ struct ServedKey {
 // What the opened tokens had in them.
 struct ExchangeCounts {
     std::uint64_t tokens = 0;
-    std::uint64_t leadingZeroSecrets = 0;
-    std::size_t distinctNonces = 0;  // these two stop at 100,000
+    std::uint64_t leadingZeroSecrets = 0;  // agreed secrets whose first byte is zero
+    std::size_t distinctNonces = 0;        // these two stop at 100,000
     std::size_t distinctTemporaryKeys = 0;
 };
 
@@ -36,20 +35,21 @@ public:
     // true key all the same.
     void Replace(ServedKey replacement);
 
-    // Counts the token when it is good.
-    OpenedToken Open(const std::string& token);
+    // The temporary key in a client's token, 16 bytes, under which the client wants its keys. A token is 185
+    // characters: the client's public key and, behind a colon, its temporary key, wrapped under the secret that this
+    // public key and the server's agree on. Both are in URL-safe base64 with padding, 124 and 60 characters. Throws
+    // Refusal when the token is another one.
+    std::string Open(const std::string& token);
     ExchangeCounts Counts() const;
 
 private:
-    void Count(const OpenedToken& opened);
-
     const KeyPtr m_key;
     const ServedKey m_true;
     mutable std::mutex m_lock;  // guards everything below
     ServedKey m_replacement;
     ExchangeCounts m_counts;  // but for the distinct ones
     std::set<std::string> m_nonces;
-    std::set<std::string> m_temporaryKeys;  // their digests
+    std::set<std::string> m_temporaryKeys;
 };
 
 }  // namespace sandbox

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "crypto/Base64.h"
+#include "crypto/RandomText.h"
 #include "crypto/Sha256.h"
 #include "crypto/WrappedBlob.h"
 #include "http/JsonText.h"
@@ -14,42 +15,40 @@ namespace {
 constexpr int kForeignType = 2;
 constexpr std::size_t kShortUuid = 8;
 constexpr std::size_t kLongUuid = 40;
-constexpr std::size_t kLargeReply = 40'000;  // bytes, at least; one entry more at most, and clients read 40959
+// Clients read 40,959 bytes of a reply. The large one has this many at least, and fewer than one entry more.
+constexpr std::size_t kLargeReply = 40'000;
 
-std::string WrappedText(const SecretBytes& secret, const KeyListOrder& order) {
+std::string WrappedText(const std::string& secret, const KeyListOrder& order) {
     return Base64Encoded(WrapSecret(secret, order.temporaryKey));
 }
 
-std::string TextWithBadTag(const SecretBytes& secret, const KeyListOrder& order) {
+std::string TextWithBadTag(const std::string& secret, const KeyListOrder& order) {
     auto blob = WrapSecret(secret, order.temporaryKey);
     blob.back() = static_cast<char>(static_cast<unsigned char>(blob.back()) ^ 0x01U);
     return Base64Encoded(blob);
 }
 
 Json::Value Entry(const UserKey& key, const KeyListOrder& order) {
-    Json::Value entry(Json::objectValue);
-    entry["keyType"] = key.type;
-    entry["encryptedKey"] = WrappedText(key.bytes, order);
-    entry["keyUuid"] = key.uuid;
-    entry["keySHA256"] = WrappedText(Sha256(key.bytes), order);
-    return entry;
+    return JsonObject({{"keyType", key.type},
+                       {"encryptedKey", WrappedText(key.bytes, order)},
+                       {"keyUuid", key.uuid},
+                       {"keySHA256", WrappedText(Sha256(key.bytes), order)}});
 }
 
-// Of a type that no client knows, with a digest that does not fit: whoever takes it for a key must give up there.
+// An entry of a type that no client knows. Its digest does not fit, so that a client that takes it for a key fails.
 Json::Value ForeignEntry(const Json::Value& type, const KeyListOrder& order) {
-    auto entry = Entry({kForeignType, RandomUuid(), RandomKey(16)}, order);
+    auto entry = Entry({kForeignType, RandomUuid(), RandomBytes(16)}, order);
     entry["keyType"] = type;
-    entry["keySHA256"] = WrappedText(Sha256(RandomKey(16)), order);
+    entry["keySHA256"] = WrappedText(Sha256(RandomBytes(16)), order);
     return entry;
 }
 
 Json::Value ListOf(std::initializer_list<Json::Value> entries) {
-    Json::Value list(Json::objectValue);
-    list["keys"] = Json::Value(Json::arrayValue);
+    Json::Value keys(Json::arrayValue);
     for (const auto& entry : entries) {
-        list["keys"].append(entry);
+        keys.append(entry);
     }
-    return list;
+    return JsonObject({{"keys", keys}});
 }
 
 // Both keys' entries after change(entry, key) was applied to each.
@@ -105,14 +104,14 @@ Json::Value LongUuid(const KeyListOrder& order) {
 Json::Value OneByteDigest(const KeyListOrder& order) {
     return ChangedList(order, [&](Json::Value& entry, const UserKey& key) {
         entry["encryptedKey"] = TextWithBadTag(key.bytes, order);
-        entry["keySHA256"] = WrappedText(Sha256(SecretBytes{0}), order);
+        entry["keySHA256"] = WrappedText(Sha256(std::string(1, '\0')), order);
     });
 }
 
 // The digest's first byte alone.
 Json::Value CutDigest(const KeyListOrder& order) {
     return ChangedList(order, [&](Json::Value& entry, const UserKey& key) {
-        entry["keySHA256"] = WrappedText({Sha256(key.bytes).front()}, order);
+        entry["keySHA256"] = WrappedText(Sha256(key.bytes).substr(0, 1), order);
     });
 }
 
@@ -159,6 +158,24 @@ std::string KeyListVariantNames() {
         names += variant.name;
     }
     return names;
+}
+
+KeyListChoice::KeyListChoice() {
+    for (const auto dataType : kUserKeyDataTypes) {
+        m_variants[dataType] = FindKeyListVariant(kPlainKeyList);
+    }
+}
+
+void KeyListChoice::Choose(std::string_view dataType, const KeyListVariant& variant) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_variants.at(dataType) = &variant;
+}
+
+Json::Value KeyListChoice::Make(std::string_view dataType, const KeyListOrder& order) const {
+    std::unique_lock<std::mutex> lock(m_lock);
+    const auto* variant = m_variants.at(dataType);
+    lock.unlock();
+    return variant->make(order);
 }
 
 }  // namespace sandbox

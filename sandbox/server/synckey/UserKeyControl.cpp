@@ -1,63 +1,52 @@
-#include "synckey/UserKeyControl.h"
-
 #include <algorithm>
-#include <string>
 
 #include "crypto/Sha256.h"
-#include "http/ControlEndpoint.h"
+#include "http/JsonText.h"
+#include "http/OrderReader.h"
+#include "synckey/Endpoints.h"
 
 namespace sandbox {
 namespace {
 
 // Never the key itself.
 Json::Value Description(std::string_view dataType, const UserKey& key) {
-    Json::Value description(Json::objectValue);
-    description["dataType"] = std::string(dataType);
-    description["keyType"] = key.type;
-    description["uuid"] = key.uuid;
-    description["sha256"] = LowerHex(Sha256(key.bytes));
-    return description;
-}
-
-Json::Value ExchangesOf(const ExchangeCounts& counts) {
-    Json::Value exchanges(Json::objectValue);
-    exchanges["tokens"] = static_cast<Json::UInt64>(counts.tokens);
-    exchanges["distinctNonces"] = static_cast<Json::UInt64>(counts.distinctNonces);
-    exchanges["distinctTemporaryKeys"] = static_cast<Json::UInt64>(counts.distinctTemporaryKeys);
-    exchanges["leadingZeroSecrets"] = static_cast<Json::UInt64>(counts.leadingZeroSecrets);
-    return exchanges;
+    return JsonObject({{"dataType", std::string(dataType)},
+                       {"keyType", key.type},
+                       {"uuid", key.uuid},
+                       {"sha256", LowerHex(Sha256(key.bytes))}});
 }
 
 PlatformReply DescribeKeys(const PlatformState& state, const UserKeyPlatform& userKeys) {
     const auto account = state.CurrentAccount();
-    Json::Value reply(Json::objectValue);
+    Json::Value keys(Json::arrayValue);
     for (const auto dataType : kUserKeyDataTypes) {
         const auto& pair = userKeys.keys.Of(account.userId, dataType);
-        reply["keys"].append(Description(dataType, pair.type1));
-        reply["keys"].append(Description(dataType, pair.type3));
+        keys.append(Description(dataType, pair.type1));
+        keys.append(Description(dataType, pair.type3));
     }
-    reply["exchanges"] = ExchangesOf(userKeys.exchange.Counts());
-    return JsonReply(reply);
+    const auto counts = userKeys.exchange.Counts();
+    return JsonReply(JsonObject(
+        {{"keys", keys},
+         {"exchanges", JsonObject({{"tokens", static_cast<Json::UInt64>(counts.tokens)},
+                                   {"distinctNonces", static_cast<Json::UInt64>(counts.distinctNonces)},
+                                   {"distinctTemporaryKeys", static_cast<Json::UInt64>(counts.distinctTemporaryKeys)},
+                                   {"leadingZeroSecrets", static_cast<Json::UInt64>(counts.leadingZeroSecrets)}})}}));
 }
 
-bool IsChosen(const Json::Value& choice, std::string_view dataType) {
-    return choice.isNull() || (choice.isString() && choice.asString() == dataType);
-}
-
-// Of both data types, or of the one that the member "dataType" names.
+// Chooses it for both data types, or for the one that the member "dataType" names.
 PlatformReply ChooseVariant(const Json::Value& body, KeyListChoice& lists) {
-    const auto& name = body["variant"];
-    const auto* variant = name.isString() ? FindKeyListVariant(name.asString()) : nullptr;
+    OrderReader order(body);
+    const auto* variant = FindKeyListVariant(order.Text("variant").value_or(""));
+    const auto chosen = order.Text("dataType");
+    order.RefuseOthers();
     if (variant == nullptr) {
-        return ErrorReply(400, "variant is none of " + KeyListVariantNames());
+        throw Refusal(Wrong::kBody, "variant is none of " + KeyListVariantNames());
     }
-    const auto& choice = body["dataType"];
-    if (std::none_of(kUserKeyDataTypes.begin(), kUserKeyDataTypes.end(),
-                     [&](std::string_view dataType) { return IsChosen(choice, dataType); })) {
-        return ErrorReply(400, "dataType is neither \"11\" nor \"12\"");
+    if (chosen && std::find(kUserKeyDataTypes.begin(), kUserKeyDataTypes.end(), *chosen) == kUserKeyDataTypes.end()) {
+        throw Refusal(Wrong::kBody, "dataType is neither \"11\" nor \"12\"");
     }
     for (const auto dataType : kUserKeyDataTypes) {
-        if (IsChosen(choice, dataType)) {
+        if (!chosen || dataType == *chosen) {
             lists.Choose(dataType, *variant);
         }
     }
@@ -65,30 +54,23 @@ PlatformReply ChooseVariant(const Json::Value& body, KeyListChoice& lists) {
 }
 
 PlatformReply ReplaceServerKey(const Json::Value& body, KeyExchange& exchange) {
-    for (const auto* member : {"publicKey", "version"}) {
-        if (!body[member].isNull() && !body[member].isString()) {
-            return ErrorReply(400, std::string(member) + " is not a text");
-        }
-    }
-    exchange.Replace({body["publicKey"].asString(), body["version"].asString()});
+    OrderReader order(body);
+    ServedKey replacement{order.Text("publicKey").value_or(""), order.Text("version").value_or("")};
+    order.RefuseOthers();
+    exchange.Replace(std::move(replacement));
     const auto served = exchange.Served();
-    Json::Value reply(Json::objectValue);
-    reply["publicKey"] = served.publicKey;
-    reply["version"] = served.version;
-    return JsonReply(reply);
+    return JsonReply(JsonObject({{"publicKey", served.publicKey}, {"version", served.version}}));
 }
 
 }  // namespace
 
 void AddUserKeyControl(EndpointTable& endpoints, const PlatformState& state, UserKeyPlatform& userKeys) {
     constexpr const char* kPathKeys = "/sandbox/user-keys";
-    endpoints.Add("GET", kPathKeys,
-                  [&state, &userKeys](const PlatformRequest&) { return DescribeKeys(state, userKeys); });
+    endpoints.Add("GET", kPathKeys, [&](const PlatformRequest&) { return DescribeKeys(state, userKeys); });
     endpoints.Add("POST", kPathKeys,
-                  WithObject([&userKeys](const Json::Value& body) { return ChooseVariant(body, userKeys.lists); }));
-    endpoints.Add("POST", "/sandbox/server-key", WithObject([&userKeys](const Json::Value& body) {
-                      return ReplaceServerKey(body, userKeys.exchange);
-                  }));
+                  WithObject([&](const Json::Value& body) { return ChooseVariant(body, userKeys.lists); }));
+    endpoints.Add("POST", "/sandbox/server-key",
+                  WithObject([&](const Json::Value& body) { return ReplaceServerKey(body, userKeys.exchange); }));
 }
 
 }  // namespace sandbox

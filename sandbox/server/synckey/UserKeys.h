@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "crypto/SecretBytes.h"
 #include "state/Accounts.h"
 
 namespace sandbox {
@@ -17,7 +16,7 @@ inline constexpr std::array<std::string_view, 2> kUserKeyDataTypes = {"11", "12"
 struct UserKey {
     int type = 0;
     std::string uuid;  // 32 hexadecimal digits
-    SecretBytes bytes;
+    std::string bytes;
 };
 
 // The keys of one account and one data type.
@@ -25,9 +24,6 @@ struct UserKeyPair {
     UserKey type1;  // 16 bytes
     UserKey type3;  // 32 bytes
 };
-
-SecretBytes RandomKey(std::size_t size);
-std::string RandomUuid();
 
 // The keys of all accounts: random, made here, the same for as long as this lives. Read-only.
 class UserKeys {

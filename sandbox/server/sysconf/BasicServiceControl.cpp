@@ -1,15 +1,11 @@
-#include "sysconf/BasicServiceControl.h"
-
-#include <algorithm>
-#include <iterator>
-
-#include "http/ControlEndpoint.h"
+#include "http/JsonText.h"
+#include "http/OrderReader.h"
+#include "sysconf/Endpoints.h"
 
 namespace sandbox {
 namespace {
 
 constexpr const char* kPathSettings = "/sandbox/settings";
-constexpr const char* kMemberModules = "modules";
 
 struct Member {
     const char* name;
@@ -23,32 +19,14 @@ constexpr Member kReplacedMembers[] = {
 };
 
 PlatformReply SettingsReply(const AccountSettings& settings) {
-    Json::Value reply(Json::objectValue);
-    reply[kMemberModules] = settings.modules;
+    auto reply = JsonObject({{"modules", settings.modules}});
     for (const auto& member : kReplacedMembers) {
         reply[member.name] = settings.*member.value;
     }
     return JsonReply(reply);
 }
 
-std::string FaultOf(const Json::Value& change) {
-    for (const auto& name : change.getMemberNames()) {
-        if (name != kMemberModules && std::none_of(std::begin(kReplacedMembers), std::end(kReplacedMembers),
-                                                   [&](const Member& member) { return name == member.name; })) {
-            return name + " is not a member of the settings";
-        }
-    }
-    if (!change.isMember(kMemberModules)) {
-        return {};
-    }
-    const auto& modules = change[kMemberModules];
-    if (!modules.isObject()) {
-        return "modules is not an object";
-    }
-    return modules.isMember(kClientSwitch) ? std::string(kClientSwitch) + " is no module: give available" : "";
-}
-
-// A switch that is null is taken away.
+// Switches of modules join those that are there; one that is null is taken away.
 void MergeModules(const Json::Value& change, Json::Value& modules) {
     for (const auto& name : change.getMemberNames()) {
         if (change[name].isNull()) {
@@ -59,25 +37,31 @@ void MergeModules(const Json::Value& change, Json::Value& modules) {
     }
 }
 
-PlatformReply ChangeSettings(const Json::Value& change, const PlatformState& state, SettingsTable& table) {
-    if (const auto fault = FaultOf(change); !fault.empty()) {
-        return ErrorReply(400, fault);
+PlatformReply ChangeSettings(const Json::Value& body, const PlatformState& state, SettingsTable& table) {
+    OrderReader order(body);
+    const auto modules = order.Anything("modules").value_or(Json::Value(Json::objectValue));
+    for (const auto& member : kReplacedMembers) {
+        order.Anything(member.name);
+    }
+    order.RefuseOthers();
+    if (!modules.isObject() || modules.isMember(kClientSwitch)) {
+        throw Refusal(Wrong::kBody, std::string("modules is not an object, or ") + kClientSwitch +
+                                        " is in it, which is no module: give available");
     }
     return SettingsReply(table.Change(state.CurrentAccount().userId, [&](AccountSettings& settings) {
-        MergeModules(change[kMemberModules], settings.modules);
+        MergeModules(modules, settings.modules);
         for (const auto& member : kReplacedMembers) {
-            settings.*member.value = change.get(member.name, settings.*member.value);
+            settings.*member.value = body.get(member.name, settings.*member.value);
         }
     }));
 }
 
 PlatformReply Reports(const PlatformState& state, const OperationRecords& records) {
-    Json::Value reply(Json::objectValue);
-    auto& list = reply["reports"] = Json::Value(Json::arrayValue);
+    Json::Value list(Json::arrayValue);
     for (const auto& record : records.Of(state.CurrentAccount().userId)) {
         list.append(record.description);
     }
-    return JsonReply(reply);
+    return JsonReply(JsonObject({{"reports", list}}));
 }
 
 }  // namespace

@@ -12,11 +12,7 @@ constexpr std::size_t kMostRecords = 1000;  // of one account
 std::string CurrentTime() {
     const std::time_t now = std::time(nullptr);
     std::tm utc{};
-#ifdef _WIN32
     const bool known = gmtime_s(&utc, &now) == 0;
-#else
-    const bool known = gmtime_r(&now, &utc) != nullptr;
-#endif
     std::array<char, sizeof("2024-11-05T21:40:12Z")> text{};
     if (!known || std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc) == 0) {
         return {};

@@ -1,15 +1,15 @@
-#include "token/RefreshService.h"
-
 #include "checks/HeaderInspection.h"
 #include "checks/PortalRequest.h"
 #include "checks/TraceId.h"
 #include "checks/WireConstants.h"
+#include "http/JsonText.h"
+#include "token/Endpoints.h"
 
 namespace sandbox {
 namespace {
 
-// These and nothing else of the client's.
-std::string HeaderFault(const PlatformRequest& request) {
+// The client may add no other field.
+void CheckHeader(const PlatformRequest& request) {
     HeaderInspection inspection(request.head);
     inspection.ExpectPresent("refreshToken");
     inspection.ExpectDeviceId("deviceId");
@@ -17,49 +17,42 @@ std::string HeaderFault(const PlatformRequest& request) {
     inspection.Expect("Cookie", kSiteCookie);
     inspection.ExpectContentLength(request.body.size());
     inspection.RefuseOtherFields();
-    return inspection.Reason();
 }
 
 // No header carries the trace id here.
-std::string QueryFault(const PlatformRequest& request) {
+void CheckQuery(const std::string& query) {
     constexpr std::string_view kStart = "traceId=";
-    const auto query = std::string_view(request.query);
-    if (query.substr(0, kStart.size()) != kStart) {
-        return "the query does not begin with traceId=";
+    if (query.compare(0, kStart.size(), kStart) != 0) {
+        throw Refusal(Wrong::kQuery, "the query does not begin with traceId=");
     }
-    const auto fault = TraceIdFault(query.substr(kStart.size()), kCommandRefresh, UnixTime());
-    return fault.empty() ? "" : "traceId " + fault;
-}
-
-// A refused token has status 200 as well, on purpose: its reply only lacks the new one.
-PlatformReply ExchangeReply(const RefreshExchange& exchange) {
-    Json::Value reply(Json::objectValue);
-    if (exchange.accessToken) {
-        reply["token"] = *exchange.accessToken;
-        reply["result"] = PortalResult(kResultSuccess, "success");
-    } else {
-        reply["result"] = PortalResult(kResultRefreshRefused, exchange.refusal);
+    const auto fault = TraceIdFault(std::string_view(query).substr(kStart.size()), kCommandRefresh, UnixTime());
+    if (!fault.empty()) {
+        throw Refusal(Wrong::kQuery, "traceId " + fault);
     }
-    return {200, JsonLine(reply), {}};
 }
 
 PlatformReply Refresh(const PlatformRequest& request, PlatformState& state) {
-    if (auto refusal = RefusalOf({HeaderFault(request), QueryFault(request), NullBodyFault(request)})) {
-        return *std::move(refusal);
-    }
+    CheckHeader(request);
+    CheckQuery(request.query);
+    CheckNullBody(request);
     const auto& head = request.head;
     const auto exchange =
         state.Refresh(head.OnlyValue("refreshToken"), {head.OnlyValue("deviceId"), head.OnlyValue("userId")});
     if (exchange.wrongClaim != nullptr) {
-        return RefusalOf({exchange.wrongClaim + (": " + exchange.refusal), "", ""}).value();
+        throw Refusal(Wrong::kHeader, exchange.wrongClaim + (": " + exchange.refusal));
     }
-    return ExchangeReply(exchange);
+    // The portal answers a refused token with status 200 as well. Its reply only lacks the new token.
+    return JsonReply(
+        exchange.accessToken
+            ? JsonObject({{"token", *exchange.accessToken}, {"result", PortalResult(kResultSuccess, "success")}})
+            : JsonObject({{"result", PortalResult(kResultRefreshRefused, exchange.refusal)}}));
 }
 
 }  // namespace
 
 void AddRefreshEndpoint(EndpointTable& endpoints, PlatformState& state) {
-    endpoints.Add("POST", kPathRefresh, [&state](const PlatformRequest& request) { return Refresh(request, state); });
+    endpoints.Add("POST", kPathRefresh,
+                  PortalEndpoint([&state](const PlatformRequest& request) { return Refresh(request, state); }));
 }
 
 }  // namespace sandbox

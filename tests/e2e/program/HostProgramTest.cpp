@@ -1,13 +1,30 @@
-#include "SandboxSession.h"
-
 #include <regex>
 #include <sstream>
+
+#include "LegacyItem.h"
+#include "SandboxSession.h"
+
+using HostProgramSession = SandboxSession;
 
 namespace {
 
 class Userauth : public ChildProcess {
 public:
     explicit Userauth(const std::wstring& arguments) : ChildProcess(L"userauth.exe", arguments), m_code(Finish()) {}
+
+    // The steps of a run with --json by their names; fails the test where a line of the output is no step.
+    std::map<std::string, Json::Value> Steps() const {
+        std::map<std::string, Json::Value> steps;
+        std::istringstream lines(m_output);
+        for (std::string line; std::getline(lines, line);) {
+            Json::Value step;
+            std::istringstream text(line);
+            EXPECT_NO_THROW(text >> step) << line;
+            EXPECT_TRUE(step.isObject()) << line;
+            steps[step.get("step", "").asString()] = step;
+        }
+        return steps;
+    }
 
     const int m_code;
 };
@@ -23,17 +40,7 @@ TEST(HostProgram, TheDemoSucceedsOverHttp) {
 TEST(HostProgram, TheDemoSucceedsOverHttpsAndInJsonLines) {
     const Userauth run(L"demo --https --json");
     EXPECT_EQ(run.m_code, 0) << run.m_error;
-    std::istringstream lines(run.m_output);
-    std::string line;
-    int count = 0;
-    while (std::getline(lines, line)) {
-        Json::Value step;
-        std::istringstream text(line);
-        EXPECT_NO_THROW(text >> step) << line;
-        EXPECT_TRUE(step.isObject()) << line;
-        ++count;
-    }
-    EXPECT_GE(count, 10);
+    EXPECT_GE(run.Steps().size(), 10U);
 }
 
 TEST(HostProgram, WhatItCannotDoIsSaidInOneLine) {
@@ -55,10 +62,32 @@ TEST(HostProgram, WhatItCannotDoIsSaidInOneLine) {
     EXPECT_EQ(Userauth(L"--help").m_code, 0);
 }
 
-TEST_F(SandboxSession, TheHostSignsInOnARunningPlatformAndShowsLengthsOnly) {
+TEST_F(HostProgramSession, TheHostSignsInOnARunningPlatformAndShowsLengthsOnly) {
     const Userauth run(L"--platform " + Wide(m_sandbox.m_http) + L" sign-in status");
     EXPECT_EQ(run.m_code, 0) << run.m_output << run.m_error;
     EXPECT_NE(run.m_output.find("78 characters"), std::string::npos) << run.m_output;
     // A token is a run of 78 characters without a blank; paths and URLs here are shorter.
     EXPECT_FALSE(std::regex_search(run.m_output + run.m_error, std::regex("[A-Za-z0-9+/=_-]{60}"))) << run.m_output;
+}
+
+// A process that never exchanged a code does not know the country, and asks for the registration place without it.
+TEST_F(HostProgramSession, ALegacySignInIsTakenOverWithoutTheCountry) {
+    SignInWhole();
+    const std::string refreshToken = Narrow(m_service->GetCurrentRT());
+    std::string configuration = ReadFile(m_folder / "client.json");
+    configuration.insert(configuration.rfind('}'),
+                         R"(,"legacyItems":{"0":")" + LegacyItem(refreshToken + kLegacyTimeStamp) + "\"}");
+    WriteFile(m_folder / "legacy.json", configuration);
+    const std::filesystem::path log = m_folder / "host.log";
+    const Userauth run(L"migrate registration --json --config \"" + (m_folder / "legacy.json").wstring() +
+                       L"\" --log \"" + log.wstring() + L"\"");
+    EXPECT_EQ(run.m_code, 0) << run.m_output << run.m_error;
+    EXPECT_EQ(run.Steps()["legacy-sign-in"]["fields"]["userId"], "260086000100000001");
+    const Json::Value registration = run.Steps()["registration"]["fields"];
+    EXPECT_EQ(registration["country"], "none");
+    EXPECT_EQ(registration["registeredInChina"], "no") << "though the platform has it there";
+    EXPECT_EQ(registration["languageType"], "zh-cn");
+    EXPECT_EQ(registration["privilege"], "yes");
+    EXPECT_NE(ReadFile(log).find("UpdateRegistInfo successed!"), std::string::npos) << "control step";
+    EXPECT_EQ((run.m_output + ReadFile(log)).find(refreshToken), std::string::npos);
 }

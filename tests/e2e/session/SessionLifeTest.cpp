@@ -18,19 +18,9 @@ protected:
     }
 
     // Fetches the profile and waits for its message, so that no download runs into the next step.
-    bool ProfileWithMessage() { return m_service->RequestUserInfo() && m_window.MessageArrives(); }
+    bool ProfileWithMessage() { return m_service->RequestUserInfo() && m_window.Messages(1) == 1; }
 
     std::filesystem::path Portrait() { return m_folder / "HeadPortrait"; }
-
-    // The message comes before the file is closed.
-    std::string PortraitOnceWritten(std::size_t bytes) {
-        std::string text = ReadFile(Portrait());
-        for (int tries = 0; tries < 500 && text.size() < bytes; ++tries) {
-            Sleep(10);
-            text = ReadFile(Portrait());
-        }
-        return text;
-    }
 
     std::string m_code;
     PortraitWindow m_window;
@@ -67,7 +57,10 @@ TEST_F(SessionLife, EveryOperationFindsItsServerAndNoSecretReachesTheLog) {
     EXPECT_EQ(m_service->GetCurrentUserName(), L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u0E43\u0E08\u0E14\u0E35");
     EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 7);
     EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), Portrait().wstring());
-    EXPECT_EQ(PortraitOnceWritten(4).substr(0, 4), "\x89PNG");
+    for (int tries = 0; tries < 500 && ReadFile(Portrait()).size() < 4; ++tries) {
+        Sleep(10);  // the message comes before the file is closed
+    }
+    EXPECT_EQ(ReadFile(Portrait()).substr(0, 4), "\x89PNG");
 
     const std::wstring before = m_service->GetCurrentAT();
     GlobalParamWrapper::GetInstance()->SetAtIsExpired(true);

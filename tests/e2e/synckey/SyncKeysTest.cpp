@@ -2,15 +2,8 @@
 #include <ParamStore.h>
 #include <UserSyncKeyService.h>
 #include <openssl/sha.h>
-#include <windows.h>
-// wincrypt.h comes after windows.h, and dpapi.h after that.
-#include <wincrypt.h>
-// clang-format off
-#include <dpapi.h>
-// clang-format on
 
-#include <set>
-
+#include "Bytes.h"
 #include "SandboxSession.h"
 
 namespace {
@@ -18,18 +11,10 @@ namespace {
 const char kPublicKey[] = "/KeCloudUserInformationService/v1/keys/publicKey";
 const char kKeyList[] = "/KeCloudUserInformationService/v1/keys";
 
-std::string Encoded(const BYTE* bytes, DWORD count, DWORD encoding) {
-    std::string text(count * 2 + 2, '\0');
-    auto size = static_cast<DWORD>(text.size());
-    EXPECT_TRUE(CryptBinaryToStringA(bytes, count, encoding | CRYPT_STRING_NOCRLF, text.data(), &size));
-    text.resize(size);
-    return text;
-}
-
-std::string Fingerprint(const std::uint8_t* key, std::size_t bytes) {
-    BYTE digest[SHA256_DIGEST_LENGTH];
-    SHA256(key, bytes, digest);
-    return Encoded(digest, sizeof(digest), CRYPT_STRING_HEXRAW);
+Bytes Fingerprint(const std::uint8_t* key, std::size_t bytes) {
+    Bytes digest(SHA256_DIGEST_LENGTH);
+    SHA256(key, bytes, digest.data());
+    return digest;
 }
 
 // Signed in, without keys.
@@ -41,24 +26,23 @@ protected:
     }
     ~SyncKeys() override { m_record = st_UserInfo{}; }
 
-    // What the user record holds and what the platform says of its keys, one text a key.
-    std::set<std::string> Received() const {
-        const auto row = [](const char* type, const wchar_t* uuid, const std::string& fingerprint) {
-            return type + Narrow(uuid) + " " + fingerprint;
-        };
-        return {row("11/1 ", m_record.driveKeyUuid1, Fingerprint(m_record.driveKey1, 16)),
-                row("11/3 ", m_record.driveKeyUuid3, Fingerprint(m_record.driveKey3, 32)),
-                row("12/1 ", m_record.photoKeyUuid1, Fingerprint(m_record.photoKey1, 16)),
-                row("12/3 ", m_record.photoKeyUuid3, Fingerprint(m_record.photoKey3, 32))};
+    // By data type and key type: uuid and fingerprint of a key, as the user record and as the platform has it.
+    using KeyTable = std::map<std::string, std::pair<std::string, Bytes>>;
+
+    KeyTable Received() const {
+        return {{"11/1", {Narrow(m_record.driveKeyUuid1), Fingerprint(m_record.driveKey1, 16)}},
+                {"11/3", {Narrow(m_record.driveKeyUuid3), Fingerprint(m_record.driveKey3, 32)}},
+                {"12/1", {Narrow(m_record.photoKeyUuid1), Fingerprint(m_record.photoKey1, 16)}},
+                {"12/3", {Narrow(m_record.photoKeyUuid3), Fingerprint(m_record.photoKey3, 32)}}};
     }
-    std::set<std::string> Expected() {
-        std::set<std::string> rows;
+    KeyTable Expected() {
+        KeyTable keys;
         const Json::Value reply = m_sandbox.Control("/sandbox/user-keys");
         for (const Json::Value& key : reply["keys"]) {
-            rows.insert(key["dataType"].asString() + "/" + key["keyType"].asString() + " " + key["uuid"].asString() +
-                        " " + key["sha256"].asString());
+            keys[key["dataType"].asString() + "/" + key["keyType"].asString()] = {key["uuid"].asString(),
+                                                                                  FromHex(key["sha256"].asString())};
         }
-        return rows;
+        return keys;
     }
 
     st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
@@ -80,7 +64,8 @@ TEST_F(SyncKeys, ArriveAsThePlatformHasThem) {
     EXPECT_EQ(m_sandbox.Requests(kKeyList), 2);
     EXPECT_EQ(events, "drive photo ");
     m_keys.ClearUserSyncKey();
-    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited() || m_keys.IsCloudPhotoKeyInited());
+    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
+    EXPECT_FALSE(m_keys.IsCloudPhotoKeyInited());
     EXPECT_NE(m_record.driveKeyUuid1[0], L'\0');
     EXPECT_TRUE(hub.Unsubscribe(drive) && hub.Unsubscribe(photo));
 }
@@ -107,19 +92,4 @@ TEST_F(SyncKeys, ListsThatAreNotQuiteRight) {
     }
     m_sandbox.Control("/sandbox/server-key", "{}");
     EXPECT_TRUE(m_keys.InitUserSyncKey()) << LogText();
-}
-
-TEST_F(SyncKeys, ALegacySignInIsTakenOver) {
-    const std::wstring refreshToken = m_service->GetCurrentRT();
-    std::string plaintext = Narrow(refreshToken) + "2021-05-06 07:08:09";
-    DATA_BLOB input{static_cast<DWORD>(plaintext.size()), reinterpret_cast<BYTE*>(plaintext.data())};
-    DATA_BLOB output{};
-    ASSERT_TRUE(CryptProtectData(&input, nullptr, nullptr, nullptr, nullptr, 0, &output));
-    Configure(R"({"legacyItems":{"0":")" + Encoded(output.pbData, output.cbData, CRYPT_STRING_BASE64) + "\"}}");
-    LocalFree(output.pbData);
-    m_service->Clear();
-    EXPECT_EQ(m_service->GetOldVersionUserId(), L"260086000100000001") << LogText();
-    EXPECT_EQ(m_service->GetCurrentRT(), refreshToken);
-    EXPECT_EQ(LogText().find(Narrow(refreshToken)), std::string::npos);
-    Configure(R"({"legacyItems":{"0":""}})");
 }

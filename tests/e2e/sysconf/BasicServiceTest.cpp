@@ -1,8 +1,9 @@
 #include "SandboxSession.h"
 
+using BasicService = SandboxSession;
 using Modules = std::vector<std::wstring>;
 
-TEST_F(SandboxSession, ConfigurationAndActivationFollowThePlatform) {
+TEST_F(BasicService, ConfigurationAndActivationFollowThePlatform) {
     SignInWhole();
     m_sandbox.Control("/sandbox/settings",
                       R"({"modules":{"funcfg_drive":"true","funcfg_notes":false},"available":true,"userStatus":0})");
@@ -21,7 +22,7 @@ TEST_F(SandboxSession, ConfigurationAndActivationFollowThePlatform) {
     EXPECT_EQ(m_service->GetValidModule(), (Modules{L"FindDevice", L"Gallery", L"ManageSpace", L"Recorder"}));
 }
 
-TEST_F(SandboxSession, ReportsAndDevicesReachThePlatform) {
+TEST_F(BasicService, ReportsAndDevicesReachThePlatform) {
     SignInWhole();
     m_sandbox.Control("/sandbox/settings", R"({"clientLogReport":true})");
     EXPECT_TRUE(m_service->RequestClientLogReport());

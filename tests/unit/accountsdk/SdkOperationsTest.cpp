@@ -2,6 +2,8 @@
 
 #include "ServiceFixture.h"
 
+using SdkOperations = ServiceTest;
+
 namespace {
 
 int Code(ZvIdErrorType type) { return static_cast<int>(type); }
@@ -19,7 +21,7 @@ void Ignore(MessageType, char*, char*) {}
 
 }  // namespace
 
-TEST_F(ServiceTest, SdkOperationsPassArgumentsAndCodesThrough) {
+TEST_F(SdkOperations, PassArgumentsAndCodesThrough) {
     std::string name = "Sign \"out\"";
     std::string empty;
     std::string thai = "\xE0\xB8\xAD";
@@ -91,7 +93,7 @@ TEST_F(ServiceTest, SdkOperationsPassArgumentsAndCodesThrough) {
     }
 }
 
-TEST_F(ServiceTest, GetRtqRemoteInfoAnswersTheBodyOfA200Only) {
+TEST_F(SdkOperations, GetRtqRemoteInfoAnswersTheBodyOfA200Only) {
     const struct {
         int status;
         const char* body;

@@ -2,7 +2,9 @@
 
 #include "ServiceFixture.h"
 
-TEST_F(ServiceTest, UpdateAppIdConfigSetsOneMemberOrLeavesTheFile) {
+using UpdateAppIdConfig = ServiceTest;
+
+TEST_F(UpdateAppIdConfig, SetsOneMemberOrLeavesTheFile) {
     const std::filesystem::path path = ProgramFolder() / "ZMSCoreConfig.json";
     const struct {
         const char* name;

@@ -5,6 +5,7 @@
 
 namespace {
 
+using ExportContracts = ServiceTest;
 const std::string kEarlier = "what an earlier export left";
 
 std::filesystem::path TestFile() {
@@ -13,7 +14,7 @@ std::filesystem::path TestFile() {
 
 }  // namespace
 
-TEST_F(ServiceTest, ExportContractsWritesAndCounts) {
+TEST_F(ExportContracts, WritesAndCounts) {
     const std::filesystem::path path = TestFile();
     const std::string card = "BEGIN:VCARD\r\nEND:VCARD\r\n";
     const struct : ReplyRow {
@@ -71,7 +72,7 @@ TEST(DownloadBuffer, JoinsBlocksOfAnySize) {
     EXPECT_EQ(buffer.Take(), "");
 }
 
-TEST_F(ServiceTest, ExportContractsCountsAcrossBlocks) {
+TEST_F(ExportContracts, CountsAcrossBlocks) {
     constexpr std::size_t kBlock = 99'991;  // of the stand-in's downloads
     std::string body;
     for (int block = 1; block <= 30; ++block) {

@@ -5,12 +5,15 @@
 #include <set>
 #include <thread>
 
+#include "AccountFields.h"
 #include "ServiceFixture.h"
 #include "core/AccountBrandText.h"
-#include "core/SuiteWindowMessages.h"
+#include "core/WindowMessages.h"
+
+using AccountState = ServiceTest;
 
 // While a push runs no reader may get in: it would see a value that the store may not have yet.
-TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
+TEST_F(AccountState, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
     SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(*m_service);
     Recording().duringPush = [&] { EXPECT_FALSE(TryAcquireSRWLockShared(lock)) << Recording().journal.back(); };
     m_service->SetCurrentAT(L"at-\u00E9");
@@ -33,7 +36,7 @@ TEST_F(ServiceTest, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
     EXPECT_EQ(m_service->GetGPWPtr(), GlobalParamWrapper::GetInstance());
 }
 
-TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
+TEST_F(AccountState, ClearEmptiesFourFieldsAndTellsNobody) {
     m_service->SetCurrentAT(L"at");
     m_service->SetCurrentRT(L"rt");
     m_service->SetCurrentUserInfo(L"uid", L"name", L"url", 7);
@@ -42,16 +45,13 @@ TEST_F(ServiceTest, ClearEmptiesFourFieldsAndTellsNobody) {
     Recording().journal.clear();
     m_service->Clear();
     EXPECT_TRUE(Recording().journal.empty());
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentUserID() +
-                  m_service->GetCurrentUserHeadImageLocalPath(),
-              L"");
-    EXPECT_EQ(m_service->GetCurrentUserName(), L"name");
-    EXPECT_EQ(m_service->GetCurrentUserHeadImageUrl(), L"url");
-    EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 7);
+    EXPECT_EQ(
+        AccountFields(*m_service),
+        (Fields{{"user name", L"name"}, {"portrait URL", L"url"}, {"account brand", L"7"}, {"country", L"\u00C9"}}));
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
 }
 
-TEST_F(ServiceTest, ReadersSeeWholeValuesWhileWritersWrite) {
+TEST_F(AccountState, ReadersSeeWholeValuesWhileWritersWrite) {
     const std::wstring values[] = {std::wstring(1000, L'a'), std::wstring(2000, L'b')};
     m_service->SetCurrentAT(values[0]);
     std::atomic<bool> stop{false};
@@ -110,11 +110,8 @@ TEST(SuiteWindowMessages, AreThoseOfTheSuite) {
     EXPECT_EQ(messages.accessTokenLost, RegisterWindowMessageW(L"WM_APP_ATLOST"));
 }
 
-TEST_F(ServiceTest, StartsEmpty) {
-    EXPECT_FALSE(m_service->IsActiveAccount() || m_service->IsAvailableCountry() || m_service->GetCurrentPriviledge() ||
-                 m_service->GetClientLogReportStatus());
-    EXPECT_TRUE(m_service->GetValidModule().empty());
-    EXPECT_EQ(m_service->GetLanguageType() + m_service->GetCountryCode(), "");
+TEST_F(AccountState, StartsEmpty) {
+    EXPECT_EQ(AccountFields(*m_service), Fields{});
     EXPECT_EQ(FnUserAuthService(), 0);
     EXPECT_EQ(g_nUserAuthService, 0);
     const std::vector<std::uint8_t> key = {1, 2, 3};

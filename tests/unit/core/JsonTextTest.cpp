@@ -4,6 +4,8 @@
 
 #include "ServiceFixture.h"
 
+using StringToJson = ServiceTest;
+
 TEST(JsonText, OnlyArraysAndObjectsAreDocuments) {
     const struct {
         const char* text;
@@ -16,21 +18,39 @@ TEST(JsonText, OnlyArraysAndObjectsAreDocuments) {
     }
 }
 
-// Replies keep the rules of the reader that they were written for; other texts have the library's default ones.
-TEST(JsonText, TheTwoReadersDifferInTwoRules) {
+// Replies and files are read by the older reader, key lists and StringToJson by the newer one.
+TEST(JsonText, TheTwoReadersDifferInTheseRules) {
+    const std::string digits(1024, '1');
     const struct {
         const char* name;
-        const char* text;
-        bool reply;
-    } rows[] = {{"byte-order mark", "\xEF\xBB\xBF{}", false},
-                {"trailing comma", "[1,]", false},
-                {"comment", "/* c */{}", true},
-                {"more behind it", "{}x", true}};
+        std::string text;
+        bool byOlder, byNewer;
+    } rows[] = {{"byte-order mark", "\xEF\xBB\xBF{}", false, true},
+                {"trailing comma", "[1,]", false, true},
+                {"plus sign", "[+1]", false, true},
+                {"plus sign in an object", R"({"a":+5})", false, true},
+                {"infinity", "[-Infinity]", false, false},
+                {"minus sign alone", "[-]", true, true},
+                {"comment", "/* c */{}", true, true},
+                {"more behind it", "{}x", true, true},
+                {"1,024 digits, again and again", "[0." + digits + ",0." + digits + "]", true, true},
+                {"one digit more", "[" + digits + "1]", false, false},
+                {"digits in a fraction", "[0." + digits + "1]", false, false},
+                {"digits behind it", "[]" + digits + "1", false, false},
+                {"digits in a string", R"(["\"/*)" + digits + digits + "\"]", true, true},
+                {"behind a string that ends in a backslash", R"(["\\",)" + digits + "1]", false, false},
+                {"digits in comments", "[/*\"" + digits + "1*/1//\"" + digits + "1\n]", true, true},
+                {"behind a quote in a comment", "[/*\"*/" + digits + "1]", false, false},
+                {"behind a quote in a line's comment", "[//\"\r" + digits + "1]", false, false},
+                {"behind a comment that looks closed", "[/*/\"*/" + digits + "1]", false, false}};
     for (const auto& row : rows) {
         Json::Value value;
-        EXPECT_TRUE(userauth::ParseJsonText(row.text, value)) << row.name;
-        EXPECT_EQ(userauth::ParseDocument(row.text, value), row.reply) << row.name;
+        EXPECT_EQ(userauth::ParseDocument(row.text, value), row.byOlder) << row.name;
+        EXPECT_EQ(userauth::ParseJsonText(row.text, value), row.byNewer) << row.name;
     }
+    Json::Value value = 1;
+    EXPECT_TRUE(userauth::ParseDocument("-Infinity", value)) << "the first sign is a number, the rest is ignored";
+    EXPECT_EQ(value, Json::Value(0));
 }
 
 TEST(JsonText, DeepNestingIsAFailedParse) {
@@ -47,7 +67,7 @@ TEST(JsonText, DeepNestingIsAFailedParse) {
     }
 }
 
-TEST_F(ServiceTest, StringToJsonYieldsWhatTheReaderLeft) {
+TEST_F(StringToJson, YieldsWhatTheReaderLeft) {
     EXPECT_TRUE(UserAuthServiceAccess::Parse(*m_service, "garbage").isNull());
     EXPECT_EQ(UserAuthServiceAccess::Parse(*m_service, "{\"a\":1}")["a"].asInt(), 1);
     EXPECT_EQ(UserAuthServiceAccess::Parse(*m_service, "{\"a\":1,\"b\":").get("a", 0).asInt(), 1);

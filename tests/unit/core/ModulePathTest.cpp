@@ -1,4 +1,4 @@
-#include "core/ModulePath.h"
+#include "core/Modules.h"
 
 #include <gtest/gtest.h>
 

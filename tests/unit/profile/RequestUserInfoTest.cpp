@@ -1,20 +1,20 @@
 #include <atomic>
 
+#include "AccountFields.h"
+#include "PortraitWindow.h"
 #include "ServiceFixture.h"
 
 namespace {
 
-constexpr UINT kPortraitChanged = 0x0C87;
+static_assert(kPortraitChangedMessage == 3207, "hosts have the number compiled in");
 
 constexpr char kOperation[] = "RequestUserInfo";
 const std::string kOldPortrait = "old portrait, longer than any below";
 const std::string kLink = "\"profilePhotoLink\":\"https://p/\xC3\xA9\"";
 
-class RequestUserInfoTest : public ServiceTest {
+class RequestUserInfo : public ServiceTest {
 protected:
-    RequestUserInfoTest()
-        : m_window(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
-        Recording().mainWindow = m_window;
+    RequestUserInfo() {
         Singleton().SetCurrentAT(L"singleton token");
         m_service->SetCurrentAT(L"own token");
         Recording().appDataFolder = (std::filesystem::temp_directory_path() /
@@ -23,8 +23,7 @@ protected:
         std::filesystem::create_directories(Recording().appDataFolder);
         LeaveAnOldPortrait();
     }
-    ~RequestUserInfoTest() override {
-        DestroyWindow(m_window);
+    ~RequestUserInfo() override {
         std::error_code ignored;
         std::filesystem::remove_all(Recording().appDataFolder, ignored);
     }
@@ -37,22 +36,6 @@ protected:
         WriteFile(Portrait(), kOldPortrait);
         m_service->SetCurrentUserHeadImageLocalPath(L"old path");
         Recording().journal.clear();
-    }
-
-    // Messages until the wanted number is there, then one more look. A message of the calling thread is there at once.
-    int Messages(int wanted) {
-        int count = 0;
-        const ULONGLONG deadline = GetTickCount64() + 10000;
-        do {
-            MSG message{};
-            while (PeekMessageW(&message, m_window, kPortraitChanged, kPortraitChanged, PM_REMOVE) != FALSE) {
-                EXPECT_EQ(message.wParam, 0U);
-                EXPECT_EQ(message.lParam, 0);
-                ++count;
-            }
-            Sleep(1);
-        } while (count < wanted && GetTickCount64() < deadline);
-        return count;
     }
 
     // Whether nobody has the portrait open.
@@ -73,7 +56,7 @@ protected:
         return ReadFile(Portrait());
     }
 
-    HWND m_window;
+    PortraitWindow m_window;
 };
 
 Lines Summary(const std::string& status) {
@@ -86,7 +69,7 @@ Lines Summary(const std::string& status) {
 
 }  // namespace
 
-TEST_F(RequestUserInfoTest, Outcomes) {
+TEST_F(RequestUserInfo, Outcomes) {
     const Lines stored = Store("SetUserID", "\xD0\x96") + Store("SetUserID", "\xD0\x96") +
                          Log("2", kOperation, "GetUserInfo successed!");
     const std::string name = "\xE0\xB8\xAD\xF0\x9F\x98\x80";
@@ -105,7 +88,7 @@ TEST_F(RequestUserInfoTest, Outcomes) {
         LeaveAnOldPortrait();
         Recording().replies = {{row.status, row.body, {}}, {row.photoStatus, "bytes", {}}};
         EXPECT_EQ(m_service->RequestUserInfo(), row.result) << row.name;
-        EXPECT_EQ(Messages(row.result ? 1 : 0), row.result ? 1 : 0) << row.name;
+        EXPECT_EQ(m_window.Messages(row.result ? 1 : 0), row.result ? 1 : 0) << row.name;
         EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), row.path) << row.name;
         EXPECT_EQ(PortraitOnceClosed(), row.file) << row.name;
         const std::string status = std::to_string(row.status);
@@ -128,35 +111,31 @@ TEST_F(RequestUserInfoTest, Outcomes) {
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"Authorization", L"Bearer singleton token"}}));
 }
 
-TEST_F(RequestUserInfoTest, MissingAndMistypedMembersAreStoredEmpty) {
+TEST_F(RequestUserInfo, MissingAndMistypedMembersAreStoredEmpty) {
     for (const char* body : {"{}", "[]", R"({"userId":1,"displayName":{},"profilePhotoLink":[],"accountBrand":"7"})"}) {
         m_service->SetCurrentUserInfo(L"u", L"n", L"l", 9);
         Recording().replies = {{200, body, {}}};
         EXPECT_TRUE(m_service->RequestUserInfo()) << body;
-        EXPECT_EQ(m_service->GetCurrentUserID() + m_service->GetCurrentUserName() +
-                      m_service->GetCurrentUserHeadImageUrl() + m_service->GetCurrentUserHeadImageLocalPath(),
-                  L"")
-            << body;
-        EXPECT_EQ(m_service->GetCurrentUserAccountBrandID(), 0) << body;
+        EXPECT_EQ(AccountFields(*m_service), (Fields{{"access token", L"own token"}})) << body;
     }
 }
 
 // A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only
 // overwritten.
-TEST_F(RequestUserInfoTest, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
+TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
     const std::filesystem::path link = Portrait().wstring() + L".link";
     ASSERT_TRUE(CreateHardLinkW(link.wstring().c_str(), Portrait().wstring().c_str(), nullptr));
     bool openAtMessage = false;
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
-    EXPECT_EQ(Messages(1), 1);
+    EXPECT_EQ(m_window.Messages(1), 1);
     EXPECT_TRUE(openAtMessage);
     EXPECT_EQ(PortraitOnceClosed(), "new");
     EXPECT_EQ(ReadFile(link), kOldPortrait);
 }
 
-TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
+TEST_F(RequestUserInfo, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
     std::atomic<int> inside{0};
     Recording().duringExchange = [&](const std::wstring& url) {
         const ULONGLONG deadline = GetTickCount64() + 10000;
@@ -171,15 +150,15 @@ TEST_F(RequestUserInfoTest, TwoDownloadsIntoOneFileAtOnceAreSurvived) {
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "{" + kLink + "}", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
     EXPECT_TRUE(m_service->RequestUserInfo());
-    EXPECT_EQ(Messages(2), 2);
+    EXPECT_EQ(m_window.Messages(2), 2);
     EXPECT_EQ(inside, 2);
     EXPECT_EQ(PortraitOnceClosed().size(), 100000U);
 }
 
-TEST_F(RequestUserInfoTest, WithoutAWindowNothingIsPosted) {
+TEST_F(RequestUserInfo, WithoutAWindowNothingIsPosted) {
     Recording().mainWindow = nullptr;
     Recording().replies = {{200, "{}", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
     MSG message{};
-    EXPECT_FALSE(PeekMessageW(&message, nullptr, kPortraitChanged, kPortraitChanged, PM_REMOVE));
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, kPortraitChangedMessage, kPortraitChangedMessage, PM_REMOVE));
 }

@@ -2,7 +2,9 @@
 
 #include "ServiceFixture.h"
 
-TEST_F(ServiceTest, UpdateRegistInfoStoresWhatAGoodReplySays) {
+using UpdateRegistInfo = ServiceTest;
+
+TEST_F(UpdateRegistInfo, StoresWhatAGoodReplySays) {
     const std::string good =
         R"({"languageType":"th-th","privilege":true,"clientLogReport":true,"result":{"code":"0"}})";
     constexpr char kOperation[] = "UpdateRegistInfo";
@@ -44,7 +46,7 @@ TEST_F(ServiceTest, UpdateRegistInfoStoresWhatAGoodReplySays) {
     EXPECT_EQ(Recording().requestHeaders.at(L"Authorization"), L"Njo6MTA0ODYyOTE1OjphdA==");  // 6::104862915::at
 }
 
-TEST_F(ServiceTest, IsChinaAccountComparesTheCountry) {
+TEST_F(UpdateRegistInfo, IsChinaAccountComparesTheCountry) {
     for (const auto& [country, expected] :
          std::map<std::wstring, bool>{{L"CN", true}, {L"cn", false}, {L"", false}, {L"TH", false}}) {
         UserAuthServiceAccess::Country(*m_service) = country;

@@ -2,6 +2,8 @@
 
 #include "ServiceFixture.h"
 
+using UserIdLookup = ServiceTest;
+
 namespace {
 
 struct Row : ReplyRow {
@@ -12,7 +14,7 @@ Lines Pushed(const std::string& userId) { return Store("SetUserID", userId); }
 
 }  // namespace
 
-TEST_F(ServiceTest, RequestUserIDReadsTheAnsiId) {
+TEST_F(UserIdLookup, RequestUserIDReadsTheAnsiId) {
     const Row rows[] = {
         {"id", 200, "{\"uid\":\"\xC3\xA9\"}", true, Pushed("\xC3\x83\xC2\xA9")},
         {"empty id clears", 200, R"({"uid":""})", true, Pushed("")},
@@ -34,7 +36,7 @@ TEST_F(ServiceTest, RequestUserIDReadsTheAnsiId) {
     EXPECT_EQ(Recording().postData, L"null\n");
 }
 
-TEST_F(ServiceTest, RequestUserIdFromSyncServerReadsTheUtf8Id) {
+TEST_F(UserIdLookup, RequestUserIdFromSyncServerReadsTheUtf8Id) {
     const Row rows[] = {
         {"id", 200, "{\"user\":{\"userId\":\"\xF0\x9F\x98\x80\xC3\xA9\"}}", true, Pushed("\xF0\x9F\x98\x80\xC3\xA9")},
         {"no user", 200, "{}", true, Pushed("")},

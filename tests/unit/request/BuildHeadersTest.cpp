@@ -2,6 +2,8 @@
 #include "request/DeviceIdentity.h"
 #include "request/OsVersionText.h"
 
+using BuildHeaders = ServiceTest;
+
 namespace {
 
 Headers CommonHeaders() {
@@ -30,7 +32,7 @@ Headers operator+(Headers left, const Headers& right) {
 
 }  // namespace
 
-TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
+TEST_F(BuildHeaders, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
     m_service->SetCurrentAT(L"a+/\u00E9");
     m_service->SetCurrrentUserID(L"uid");
     // base64 of 6::104862915::a%2B%2F%E9
@@ -58,7 +60,7 @@ TEST_F(ServiceTest, EachHeadTypeAddsItsOwnHeadersToTheCommonOnes) {
 }
 
 // Real tokens are longer than a base64 line and than the filter's inner buffer.
-TEST_F(ServiceTest, AuthorizationOfALongTokenStaysOnOneLine) {
+TEST_F(BuildHeaders, AuthorizationOfALongTokenStaysOnOneLine) {
     m_service->SetCurrentAT(std::wstring(3000, L'a'));
     const std::string text = UserAuthServiceAccess::Authorization(*m_service);
     EXPECT_EQ(text.size(), (3014 + 2) / 3 * 4U);
@@ -69,7 +71,7 @@ TEST_F(ServiceTest, AuthorizationOfALongTokenStaysOnOneLine) {
     EXPECT_NE(text.find(aaa), std::string::npos);
 }
 
-TEST_F(ServiceTest, AuthorizationCarriesTheSdkTextOnceTheSdkIsInitialised) {
+TEST_F(BuildHeaders, AuthorizationCarriesTheSdkTextOnceTheSdkIsInitialised) {
     EXPECT_EQ(UserAuthServiceAccess::Authorization(*m_service), "Njo6MTA0ODYyOTE1Ojo=");  // 6::104862915::
     m_service->InitializeSDK();
     // 6:00112233445566778899aabbccddeeff:104862915::

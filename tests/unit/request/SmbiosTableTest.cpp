@@ -61,20 +61,22 @@ Bytes SystemStructure(std::size_t length) {
 TEST(SmbiosTable, SystemStructureByItsLength) {
     const struct {
         std::size_t length;
-        const wchar_t* texts;  // product, SKU number, family
+        const wchar_t *product, *skuNumber, *family;
         Bytes uuid;
     } rows[] = {
-        {5, L"//", Bytes(16, '\0')},
-        {6, L"Caf\u00E9 3000//", Bytes(16, '\0')},
-        {8, L"Caf\u00E9 3000//", Bytes(16, '\0')},
-        {9, L"Caf\u00E9 3000//", Bytes("Amaker\0Caf\xE9 3000", 16)},
-        {25, L"Caf\u00E9 3000//", "ABCDEFGHIJKLMNOP"},
-        {26, L"Caf\u00E9 3000/sku/", "ABCDEFGHIJKLMNOP"},
-        {27, L"Caf\u00E9 3000/sku/family", "ABCDEFGHIJKLMNOP"},
+        {5, L"", L"", L"", Bytes(16, '\0')},
+        {6, L"Caf\u00E9 3000", L"", L"", Bytes(16, '\0')},
+        {8, L"Caf\u00E9 3000", L"", L"", Bytes(16, '\0')},
+        {9, L"Caf\u00E9 3000", L"", L"", Bytes("Amaker\0Caf\xE9 3000", 16)},
+        {25, L"Caf\u00E9 3000", L"", L"", "ABCDEFGHIJKLMNOP"},
+        {26, L"Caf\u00E9 3000", L"sku", L"", "ABCDEFGHIJKLMNOP"},
+        {27, L"Caf\u00E9 3000", L"sku", L"family", "ABCDEFGHIJKLMNOP"},
     };
     for (const auto& row : rows) {
         const auto& system = ReadStructures(SystemStructure(row.length) + kEnd).system;
-        EXPECT_EQ(system.productName + L"/" + system.skuNumber + L"/" + system.family, row.texts) << row.length;
+        EXPECT_EQ(system.productName, row.product) << row.length;
+        EXPECT_EQ(system.skuNumber, row.skuNumber) << row.length;
+        EXPECT_EQ(system.family, row.family) << row.length;
         EXPECT_EQ(Bytes(system.uuid.begin(), system.uuid.end()), row.uuid) << row.length;
     }
 }
@@ -86,14 +88,22 @@ TEST(SmbiosTable, ReadsEveryStructureItKnows) {
         Structure(2, 9, "\1\2\3\4\5", Strings({"b", "c", "d", "e", "f"})) +
         Structure(3, 9, Bytes("\1\0\2\3\4", 5), Strings({"g", "h", "i", "j"})) +
         Structure(11, 5, "\3", Strings({"o1", "o2"})) + SystemStructure(27) + kEnd);
-    EXPECT_EQ(identity.smbiosMajorVersion * 100 + identity.smbiosMinorVersion * 10 + identity.dmiRevision, 285U);
-    EXPECT_EQ(identity.bios.vendor + identity.bios.version + identity.bios.releaseDate, L"bios1.0date");
-    EXPECT_EQ(identity.bios.release + L" " + identity.bios.embeddedControllerRelease, L"4.7 1.02");
-    EXPECT_EQ(identity.baseboard.manufacturer + identity.baseboard.assetTag, L"bf");
-    EXPECT_EQ(identity.enclosure.version + identity.enclosure.assetTag, L"hj");
-    EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2", L""}));
-    EXPECT_EQ(identity.system.manufacturer + identity.system.version + identity.system.serialNumber, L"makerv1sn");
-    EXPECT_EQ(identity.system.family, L"family");
+    EXPECT_EQ(identity.smbiosMajorVersion, 2);
+    EXPECT_EQ(identity.smbiosMinorVersion, 8);
+    EXPECT_EQ(identity.dmiRevision, 5);
+    EXPECT_EQ(identity.bios.vendor, L"bios");
+    EXPECT_EQ(identity.bios.version, L"1.0");
+    EXPECT_EQ(identity.bios.releaseDate, L"date");
+    EXPECT_EQ(identity.bios.release, L"4.7");
+    EXPECT_EQ(identity.bios.embeddedControllerRelease, L"1.02");
+    EXPECT_EQ(identity.baseboard.manufacturer, L"b");
+    EXPECT_EQ(identity.baseboard.assetTag, L"f");
+    EXPECT_EQ(identity.enclosure.version, L"h");
+    EXPECT_EQ(identity.enclosure.assetTag, L"j");
+    EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
+    EXPECT_EQ(identity.system.manufacturer, L"maker");
+    EXPECT_EQ(identity.system.version, L"v1");
+    EXPECT_EQ(identity.system.serialNumber, L"sn");
 }
 
 TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
@@ -118,6 +128,10 @@ TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
         {"number past the set", Table(Structure(1, 8, "\1\x09", Strings({"x"})), 500), L""},
         {"no strings at all", Table(Structure(1, 8, product, ""), 500), L""},
         {"string number 0", Table(Structure(1, 8, Bytes("\1\0", 2), Strings({"x"})), 500), L""},
+        {"second structure without a number",
+         Table(system + Structure(1, 8, Bytes("\1\0", 2), Strings({"x"})) + Structure(1, 4, "", Strings({})), 500),
+         L"Caf\u00E9 3000"},
+        {"second structure with a number", Table(system + Structure(1, 8, product, Strings({"x", "y"})), 500), L"y"},
         {"garbage behind the end", Table(system + kEnd + Structure(1, 8, product, Strings({"a", "b"})), 500),
          L"Caf\u00E9 3000"},
     };
@@ -139,10 +153,21 @@ TEST(SmbiosTable, EveryTruncationAndEveryLengthByteIsSurvived) {
     EXPECT_EQ(Read(whole).system.productName, L"Caf\u00E9 3000");
 }
 
-TEST(DeviceIdentityTest, NameHeaderHasADefaultAndALimit) {
+// 4 MB of nothing for each kilobyte of the table, were the counts believed.
+TEST(SmbiosTable, OemStringsEndWithTheirSet) {
+    Bytes structures = Structure(11, 5, "\xFF", Strings({"o1", "o2"}));
+    while (structures.size() < 4000) {
+        structures += Structure(11, 5, "\xFF", Strings({}));
+    }
+    EXPECT_EQ(ReadStructures(structures).oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
+}
+
+TEST(DeviceIdentity, NameHeaderHasADefaultAndALimit) {
     DeviceIdentity identity;
     EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
     identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');
     EXPECT_EQ(userauth::DeviceNameHeader(identity), std::wstring(249, L'a') + L"b");
+    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x7F\x80\x9F\xA0\u00E9", 13);
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d   \xA0\u00E9") << "control characters as blanks";
     EXPECT_EQ(&userauth::CurrentDeviceIdentity(), &userauth::CurrentDeviceIdentity());
 }

@@ -4,7 +4,9 @@
 
 #include "ServiceFixture.h"
 
-TEST_F(ServiceTest, TraceIdHasCommandCodeTimeAndDigits) {
+using TraceId = ServiceTest;
+
+TEST_F(TraceId, HasCommandCodeTimeAndDigits) {
     const auto before = std::time(nullptr);
     const std::wstring id = m_service->GetTraceID(BaseCmd::kRequestAccessToken);
     const auto after = std::time(nullptr);
@@ -16,7 +18,7 @@ TEST_F(ServiceTest, TraceIdHasCommandCodeTimeAndDigits) {
     EXPECT_EQ(m_service->GetTraceID(static_cast<BaseCmd>(42)).substr(0, 9), L"00042_11_");
 }
 
-TEST_F(ServiceTest, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
+TEST_F(TraceId, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, 0), L"");
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, -3), L"");
     std::time_t second = 0;

@@ -6,6 +6,10 @@
 
 #include "ServiceFixture.h"
 
+using userauth::JsonData;
+using userauth::UserAuthRequest;
+using userauth::WebRequestResult;
+
 namespace {
 
 class UserAuthRequestTest : public testing::Test {
@@ -120,7 +124,7 @@ TEST_F(UserAuthRequestTest, NothingThatTheSuiteThrowsLeavesASend) {
     EXPECT_EQ(m_request.SendDownRequest(nullptr), 0);
 }
 
-TEST(JsonDataTest, DestroysAnyValue) {
+TEST(JsonData, DestroysAnyValue) {
     for (const Json::Value& value :
          {Json::Value("text"), Json::Value(1), Json::Value(true), Json::Value(), Json::Value(Json::arrayValue)}) {
         EXPECT_NO_THROW({ const JsonData data(value); });

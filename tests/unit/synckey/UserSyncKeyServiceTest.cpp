@@ -68,6 +68,7 @@ protected:
         };
     }
 
+    const InstalledSdk m_sdk{"scripted-sdk.dll"};  // the singleton is made here when this test is the first of all
     KeyServerPeer m_peer;
     st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     UserSyncKeyService m_keys;
@@ -115,8 +116,10 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
     EXPECT_TRUE(m_keys.InitUserSyncKey());
     EXPECT_EQ(Recording().TakeOutcome(), Lines{});
     m_keys.ClearUserSyncKey();
-    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited() || m_keys.IsCloudPhotoKeyInited());
-    EXPECT_EQ(Zeros(m_record.driveKey3) + Zeros(m_record.photoKey1), 50U);
+    EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
+    EXPECT_FALSE(m_keys.IsCloudPhotoKeyInited());
+    EXPECT_EQ(Zeros(m_record.driveKey3), 33U);
+    EXPECT_EQ(Zeros(m_record.photoKey1), 17U);
     EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11") << "uuids stay";
 }
 
@@ -242,15 +245,15 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
         bool result;
         std::size_t changedBytes;  // of the record
     } rows[] = {
-        {"long uuid fits", key, key, 1, L"11", longestUuid, true, 16 + 32},
-        {"longer uuid is left out", Bytes(32, 1), Bytes(32, 1), 3, L"12", longestUuid + "u", true, 32},
-        {"uuid ends at its zero", key, key, 1, L"12", "abc" + std::string(40, '\0') + "d", true, 16 + 3},
-        {"key beyond its field", Bytes(32, 1), Bytes(32, 1), 1, L"11", "uuid", true, 0},
-        {"short key in the long field", key, key, 3, L"11", "uuid", true, 16 + 4},
-        {"other key type", key, key, 2, L"11", "uuid", true, 0},
+        {"long uuid fits", key, key, 1, kSyncDriveDataType, longestUuid, true, 16 + 32},
+        {"longer uuid is left out", Bytes(32, 1), Bytes(32, 1), 3, kCloudPhotoDataType, longestUuid + "u", true, 32},
+        {"uuid ends at its zero", key, key, 1, kCloudPhotoDataType, "abc" + std::string(40, '\0') + "d", true, 16 + 3},
+        {"key beyond its field", Bytes(32, 1), Bytes(32, 1), 1, kSyncDriveDataType, "uuid", true, 0},
+        {"short key in the long field", key, key, 3, kSyncDriveDataType, "uuid", true, 16 + 4},
+        {"other key type", key, key, 2, kSyncDriveDataType, "uuid", true, 0},
         {"other data type", key, key, 1, L"13", "uuid", true, 0},
-        {"digest of another key", key, Bytes(16, 2), 1, L"11", "uuid", false, 0},
-        {"failed decryption with its digest", {}, {0}, 1, L"11", "uuid", true, 0},
+        {"digest of another key", key, Bytes(16, 2), 1, kSyncDriveDataType, "uuid", false, 0},
+        {"failed decryption with its digest", {}, {0}, 1, kSyncDriveDataType, "uuid", true, 0},
     };
     for (const auto& row : rows) {
         m_record = {};
@@ -271,7 +274,7 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
         return text;
     };
     const auto refused = [](const std::string& blob, const std::string& itsDigest) {
-        return !UserSyncKeyServiceAccess::Encode(blob, itsDigest, "u", 1, kTemporaryKey, L"11");
+        return !UserSyncKeyServiceAccess::Encode(blob, itsDigest, "u", 1, kTemporaryKey, kSyncDriveDataType);
     };
     for (std::size_t at = 0; at < digest.size(); ++at) {
         EXPECT_TRUE(refused(encrypted, changed(digest, at))) << at;

@@ -6,7 +6,6 @@
 
 #include "KeyServerPeer.h"
 #include "core/Base64.h"
-#include "request/StandardBase64.h"
 #include "synckey/AesGcm.h"
 #include "synckey/WrapTempKey.h"
 
@@ -14,10 +13,9 @@ namespace {
 
 const Bytes kTemporaryKey = FromHex("000102030405060708090a0b0c0d0e0f");
 
-std::string FromUrlText(std::string text) {
-    std::replace(text.begin(), text.end(), '-', '+');
-    std::replace(text.begin(), text.end(), '_', '/');
-    return userauth::Base64Decode(text);
+std::string FromUrlText(const std::string& text) {
+    const Bytes bytes = FromBase64(text);
+    return {bytes.begin(), bytes.end()};
 }
 
 std::string ClientKeyOf(const std::string& token) { return FromUrlText(token.substr(0, 124)); }

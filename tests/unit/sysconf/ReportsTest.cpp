@@ -2,13 +2,9 @@
 
 #include "ServiceFixture.h"
 
-namespace {
+using Reports = ServiceTest;
 
-const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
-
-}  // namespace
-
-TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
+TEST_F(Reports, ReportLoginTimeIsVisibleInTheLogOnly) {
     constexpr char kOperation[] = "ReportLoginTime";
     for (const int code : {200, 500, static_cast<int>(kHttpConnectFailed)}) {
         const std::string status = std::to_string(code);
@@ -16,11 +12,11 @@ TEST_F(ServiceTest, ReportLoginTimeIsVisibleInTheLogOnly) {
         m_service->ReportLoginTime("n\xC3\xA9");
         EXPECT_EQ(Recording().TakeOutcome(),
                   Log("2", kOperation, "ReportLoginTime httpcode:" + status + "  ReportLoginTime business:n\xC3\xA9") +
-                      Log("0", kOperation, "ReportLoginTime\nUrl:" + kBase + "postOpDesc\nHttpCode:" + status));
+                      Log("0", kOperation, "ReportLoginTime\nUrl:" + kBasicService + "postOpDesc\nHttpCode:" + status));
     }
 }
 
-TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
+TEST_F(Reports, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     const std::string yes = R"({"result":0,"resultMap":{"clientLogReport":"true"}})";
     constexpr char kOperation[] = "RequestClientLogReport";
     const struct : ReplyRow {
@@ -45,16 +41,16 @@ TEST_F(ServiceTest, RequestClientLogReportKeepsTheFlagOnEveryFailure) {
     };
     for (const auto& row : rows) {
         const std::string status = std::to_string(row.status);
-        EXPECT_EQ(
-            Outcome(row, &UserAuthService::RequestClientLogReport),
-            Log("2", kOperation, "requestClientLogReport HttpCode: " + status) +
-                Log("0", kOperation, "RequestClientLogReport\nUrl:" + kBase + "getUserRegister\nHttpCode:" + status))
+        EXPECT_EQ(Outcome(row, &UserAuthService::RequestClientLogReport),
+                  Log("2", kOperation, "requestClientLogReport HttpCode: " + status) +
+                      Log("0", kOperation,
+                          "RequestClientLogReport\nUrl:" + kBasicService + "getUserRegister\nHttpCode:" + status))
             << row.name;
         EXPECT_EQ(m_service->GetClientLogReportStatus(), row.flag) << row.name;
     }
 }
 
-TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
+TEST_F(Reports, GetLoginDevicesHistoryAppendsWhatTheListHas) {
     constexpr char kOperation[] = "GetLoginDevicesHistory";
     const std::string four =
         R"({"opRecordList":[{"aliasName":"é\u0000x","devDisplayName":"d","deviceCategory":"c",)"
@@ -83,15 +79,19 @@ TEST_F(ServiceTest, GetLoginDevicesHistoryAppendsWhatTheListHas) {
         EXPECT_EQ(devices.size(), row.devices) << row.name;
     }
     const DeviceTag& full = devices[0];
-    EXPECT_EQ(
-        full.aliasName + full.devDisplayName + full.deviceCategory + full.deviceId + full.lastUpdateTime + full.opDesc,
-        L"\u00E9dcito");
+    EXPECT_EQ(full.aliasName, L"\u00E9");
+    EXPECT_EQ(full.devDisplayName, L"d");
+    EXPECT_EQ(full.deviceCategory, L"c");
+    EXPECT_EQ(full.deviceId, L"i");
+    EXPECT_EQ(full.lastUpdateTime, L"t");
+    EXPECT_EQ(full.opDesc, L"o");
     EXPECT_EQ(full.deviceType, 3);
     EXPECT_EQ(full.reservedText, L"");
     EXPECT_EQ(full.reservedNumber, 0);
     for (const std::size_t empty : {1, 2, 3, 8}) {
-        EXPECT_EQ(devices[empty].aliasName + devices[empty].opDesc, L"");
-        EXPECT_EQ(devices[empty].deviceType, 0);
+        EXPECT_EQ(devices[empty].aliasName, L"") << empty;
+        EXPECT_EQ(devices[empty].opDesc, L"") << empty;
+        EXPECT_EQ(devices[empty].deviceType, 0) << empty;
     }
     EXPECT_EQ(Recording().url, L"https://basic.example.com/KeCloudUserFoundationService/PC/getLastOperationRecord");
     EXPECT_EQ(Recording().postData, L"{\"version\":\"2.0\"}\n");

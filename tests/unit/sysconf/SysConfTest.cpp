@@ -1,5 +1,6 @@
 #include <HttpLib.h>
 
+#include <clocale>
 #include <stdexcept>
 #include <thread>
 
@@ -7,9 +8,8 @@
 
 namespace {
 
+using SysConf = ServiceTest;
 using Modules = std::vector<std::wstring>;
-
-const std::string kBase = "https://basic.example.com/KeCloudUserFoundationService/PC/";
 
 std::string AllSwitches(const std::string& value) {
     std::string members;
@@ -25,15 +25,15 @@ const Modules kAll = {L"Contacts", L"Drive", L"FindDevice", L"Gallery", L"Manage
 
 }  // namespace
 
-TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
+TEST_F(SysConf, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     m_service->SetCurrrentUserID(L"me");
     m_service->SetCurrentAT(L"at");
     UserAuthServiceAccess::Country(*m_service) = L"T\"H";
     const auto sent = [](const std::string& path, const std::string& operation, const std::string& body, bool sysConf) {
         const std::string hook = " UserAuthService::" + operation + "::<lambda_";
         const auto only = [](bool wanted, const Lines& lines) { return wanted ? lines : Lines(); };
-        return Lines{"http SetUrl " + kBase + path,     "http SetHttpRequestMethod 1", "http SetPostData " + body,
-                     "http SetHeaders me 104862915 at", "http SetCertPath ",           "http SetLogFunction "} +
+        return Lines{"http SetUrl " + kBasicService + path, "http SetHttpRequestMethod 1", "http SetPostData " + body,
+                     "http SetHeaders me 104862915 at",     "http SetCertPath ",           "http SetLogFunction "} +
                only(sysConf, {"http SetErrorLogFunction ", "http GetHeaders ", "http SetHeaders 2"}) +
                Lines{"http Request -1", "log 10 0" + hook + "1>::operator () progress text"} +
                only(sysConf, {"log 10 5" + hook + "2>::operator () error text"});
@@ -66,7 +66,7 @@ TEST_F(ServiceTest, BasicServiceRequestsTellTheHttpLibraryInOrder) {
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"x-zv-active-method", L"kept"}}));
 }
 
-TEST_F(ServiceTest, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
+TEST_F(SysConf, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
     std::vector<DeviceTag> devices;
     const std::pair<std::function<bool()>, std::size_t> operations[] = {
         {[&] { return m_service->InitSysConf(); }, 3},
@@ -88,7 +88,7 @@ TEST_F(ServiceTest, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
     }
 }
 
-TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
+TEST_F(SysConf, InitSysConfReplacesWhatAnEarlierOneSaid) {
     const std::string on = AllSwitches("\"true\"");
     const Modules drive = {L"Drive"};
     const struct : ReplyRow {
@@ -100,6 +100,8 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"no content", 204, AllSwitches("false"), false, true, true, kAll},
         {"no exchange", kHttpTimeout, "", false, true, true, kAll},
         {"not JSON", 200, "{", false, true, true, kAll},
+        {"plus sign", 200, R"({"a":+5})", false, true, true, kAll},
+        {"a megabyte of digits", 200, "[0." + std::string(1024 * 1024, '7') + "]", false, true, true, kAll},
         {"trailing text is JSON to this reader", 201, "{} x", true, false, true, {}},
         {"booleans", 201, AllSwitches("true"), true, true, true, kAll},
         {"capitals", 200, AllSwitches("\"True\""), true, false, true, {}},
@@ -122,25 +124,29 @@ TEST_F(ServiceTest, InitSysConfReplacesWhatAnEarlierOneSaid) {
     }
 }
 
-TEST_F(ServiceTest, SysConfOperationsLog) {
+TEST_F(SysConf, OperationsLog) {
     constexpr char kOperation[] = "GetSysConfigInfo";
     Recording().replies = {{204, "", {}}, {503, "", {}}};
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",") << "or the time below would prove nothing";
     m_service->InitSysConf();
+    std::setlocale(LC_NUMERIC, "C");
     Lines outcome = Recording().TakeOutcome();
     ASSERT_EQ(outcome.size(), 3U);
     const std::string time = outcome.back();
     EXPECT_EQ(time.rfind("log 0 2 UserAuthService::GetSysConfigInfo --Request basic use time: ", 0), 0U) << time;
-    EXPECT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
+    ASSERT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
+    EXPECT_EQ(time[time.size() - 7], '.') << time;
     outcome.pop_back();
     EXPECT_EQ(outcome, Log("2", kOperation, "GetSysConfigInfo httpcode:204") +
-                           Log("0", kOperation, "SysConfInit\nUrl:" + kBase + "sysConfInit\nHttpCode:204"));
+                           Log("0", kOperation, "SysConfInit\nUrl:" + kBasicService + "sysConfInit\nHttpCode:204"));
     m_service->ActiveUser();
     EXPECT_EQ(Recording().TakeOutcome(),
               Log("2", "ActiveUser", "ActiveUser httpcode:503") +
-                  Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBase + "sysConfRefresh\nHttpCode:503"));
+                  Log("0", "ActiveUser", "ActiveUser\nUrl:" + kBasicService + "sysConfRefresh\nHttpCode:503"));
 }
 
-TEST_F(ServiceTest, ActiveUserStoresWhatItIsTold) {
+TEST_F(SysConf, ActiveUserStoresWhatItIsTold) {
     const struct : ReplyRow {
         bool active;
     } rows[] = {

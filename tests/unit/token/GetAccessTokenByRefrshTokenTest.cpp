@@ -16,9 +16,9 @@ Lines Refreshed(const std::string& token) {
 }
 Lines Failed(const std::string& status) { return Log("5", kOperation, "refresh AT error statusCode: " + status); }
 
-class Refresh : public ServiceTest {
+class GetAccessTokenByRefrshToken : public ServiceTest {
 protected:
-    Refresh() {
+    GetAccessTokenByRefrshToken() {
         m_service->SetCurrentRT(L"rt-\u00E9");
         m_service->SetCurrrentUserID(L"uid");
         m_service->SetCurrentAT(L"before");
@@ -29,7 +29,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Refresh, SendsFourHeadersAndTheNullBody) {
+TEST_F(GetAccessTokenByRefrshToken, SendsFourHeadersAndTheNullBody) {
     m_service->GetAccessTokenByRefrshToken();
     EXPECT_EQ(Recording().requestHeaders, (Headers{{L"refreshToken", L"rt-\u00E9"},
                                                    {L"deviceId", L"00112233445566778899aabbccddeeff"},
@@ -40,7 +40,7 @@ TEST_F(Refresh, SendsFourHeadersAndTheNullBody) {
     EXPECT_EQ(Recording().url.substr(0, 66), L"https://portal.example.com/pcclient/refreshtoken?traceId=10005_11_");
 }
 
-TEST_F(Refresh, Outcomes) {
+TEST_F(GetAccessTokenByRefrshToken, Outcomes) {
     const Lines expired = kSent + Log("2", kOperation, "atExpireCallback") + Failed("200");
     const std::string good = R"({"result":0,"token":"new"})";
     const struct : ReplyRow {
@@ -69,21 +69,21 @@ TEST_F(Refresh, Outcomes) {
     }
 }
 
-TEST_F(Refresh, WithoutRefreshTokenNothingIsSent) {
+TEST_F(GetAccessTokenByRefrshToken, WithoutRefreshTokenNothingIsSent) {
     m_service->SetCurrentRT(L"");
     Recording().journal.clear();
     EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_EQ(Recording().journal, kStart + Log("5", kOperation, "refresh AT error rt is empty"));
 }
 
-TEST_F(Refresh, WithoutCallbackThereIsNoLineForIt) {
+TEST_F(GetAccessTokenByRefrshToken, WithoutCallbackThereIsNoLineForIt) {
     m_service->SetAtExpireCallback([] { FAIL() << "replaced below"; });
     m_service->SetAtExpireCallback(nullptr);
     EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_EQ(Recording().TakeOutcome(), kSent + Failed("200"));
 }
 
-TEST_F(Refresh, TheCallbackKeepsWhatItCounts) {
+TEST_F(GetAccessTokenByRefrshToken, TheCallbackKeepsWhatItCounts) {
     std::vector<int> seen;
     m_service->SetAtExpireCallback([&seen, n = 0]() mutable { seen.push_back(++n); });
     m_service->GetAccessTokenByRefrshToken();
@@ -91,7 +91,7 @@ TEST_F(Refresh, TheCallbackKeepsWhatItCounts) {
     EXPECT_EQ(seen, (std::vector<int>{1, 2}));
 }
 
-TEST_F(Refresh, TheCallbackMayDoAnything) {
+TEST_F(GetAccessTokenByRefrshToken, TheCallbackMayDoAnything) {
     const std::thread::id caller = std::this_thread::get_id();
     bool nested = false;
     m_service->SetAtExpireCallback([&] {
@@ -111,7 +111,7 @@ TEST_F(Refresh, TheCallbackMayDoAnything) {
     EXPECT_EQ(Recording().TakeOutcome().back(), Failed("200")[0]);
 }
 
-TEST_F(Refresh, HoldsNoLockDuringTheExchange) {
+TEST_F(GetAccessTokenByRefrshToken, HoldsNoLockDuringTheExchange) {
     bool entered = false;
     Recording().duringExchange = [&](const std::wstring&) {
         entered = true;

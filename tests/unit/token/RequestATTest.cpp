@@ -1,10 +1,11 @@
 #include <HttpLib.h>
 
+#include "AccountFields.h"
 #include "ServiceFixture.h"
-#include "token/ReplaceAllIgnoringCase.h"
 
 namespace {
 
+using RequestAT = ServiceTest;
 constexpr char kOperation[] = "RequestAT";
 
 Lines Progress(const std::string& message) { return Log("2", kOperation, message); }
@@ -35,7 +36,7 @@ const std::string kGood = R"({"accessToken":"at","refreshToken":"rt","registerCo
 
 }  // namespace
 
-TEST_F(ServiceTest, RequestATSendsTheSecondArgument) {
+TEST_F(RequestAT, SendsTheSecondArgument) {
     m_service->RequestAT("first", "second");
     const std::wstring trace = Recording().requestHeaders.at(L"x-zv-trace-id");
     EXPECT_EQ(Recording().url, L"https://portal.example.com/pcclient/getAccessTokenByCode?traceId=" + trace);
@@ -48,7 +49,7 @@ TEST_F(ServiceTest, RequestATSendsTheSecondArgument) {
     EXPECT_EQ(Recording().postData.substr(0, 24), L"{\"authorizationCode\":\"\",");
 }
 
-TEST_F(ServiceTest, RequestATOutcomes) {
+TEST_F(RequestAT, Outcomes) {
     const Lines tokens = Stored("at", "rt") + Country("TH");
     const struct : ReplyRow {
         Lines outcome;
@@ -61,6 +62,8 @@ TEST_F(ServiceTest, RequestATOutcomes) {
          "{}\n"},
         {"other code", 200, kGood + R"("result":{"code":"00","desc":"x"}})", false, tokens + Ending("200", "00"), "00",
          "\"x\"\n"},
+        {"code of many lines and quotes", 200, kGood + R"("result":{"code":{"A":"b"},"desc":""}})", false,
+         tokens + Ending("200", "{\tA : b}"), "{\tA : b}", "\"\"\n"},
         {"result of another type", 200, kGood + R"("result":["0"]})", false, tokens + Ending("200", "null"), "null",
          "null\n"},
         {"ANSI decoding", 200,
@@ -94,30 +97,17 @@ TEST_F(ServiceTest, RequestATOutcomes) {
     }
 }
 
-TEST_F(ServiceTest, RequestATKeepsWhatAFailingPathDoesNotReach) {
+TEST_F(RequestAT, KeepsWhatAFailingPathDoesNotReach) {
     Recording().replies = {{200, kGood + R"("result":{"code":"0"}})", {}},
                            {500, "", {}},
                            {200, R"({"accessToken":"at2","expires":1})", {}}};
     ASSERT_TRUE(m_service->RequestAT("", "code"));
     EXPECT_FALSE(m_service->RequestAT("", "code"));
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentCountryCode(), L"atrtTH");
+    EXPECT_EQ(AccountFields(*m_service),
+              (Fields{{"access token", L"at"}, {"refresh token", L"rt"}, {"country", L"TH"}}));
     EXPECT_FALSE(m_service->RequestAT("", "code"));
-    EXPECT_EQ(m_service->GetCurrentAT() + m_service->GetCurrentRT() + m_service->GetCurrentCountryCode(), L"at2");
+    EXPECT_EQ(AccountFields(*m_service), (Fields{{"access token", L"at2"}}));
     EXPECT_EQ(UserAuthServiceAccess::Expires(*m_service), 3600);
     EXPECT_EQ(UserAuthServiceAccess::OauthStatus(*m_service), 201);
     EXPECT_EQ(UserAuthServiceAccess::OauthSubError(*m_service), 7);
-}
-
-TEST(ReplaceAllIgnoringCase, ReplacesEveryOccurrenceWhateverItsCase) {
-    const struct {
-        const char *subject, *pattern, *replacement, *expected;
-    } rows[] = {{"\"0\"\n", "\"", "", "0\n"}, {"aXbxc", "x", "--", "a--b--c"},
-                {"aaa", "aa", "b", "ba"},     {"abc", "", "x", "abc"},
-                {"", "a", "x", ""},           {"ab", "abc", "x", "ab"},
-                {"AbAB", "ab", "ab", "abab"}};
-    for (const auto& row : rows) {
-        std::string subject = row.subject;
-        userauth::ReplaceAllIgnoringCase(subject, row.pattern, row.replacement);
-        EXPECT_EQ(subject, row.expected) << row.subject;
-    }
 }

@@ -1,6 +1,8 @@
 #include "ServiceFixture.h"
 
-TEST_F(ServiceTest, RequestApplicationATOutcomes) {
+using RequestApplicationAT = ServiceTest;
+
+TEST_F(RequestApplicationAT, Outcomes) {
     const auto stored = [](const std::string& token) {
         return Store("SetAppAT", token) + Log("2", "RequestApplicationAT", "Get ApplyAT successed!");
     };

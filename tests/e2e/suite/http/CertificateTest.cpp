@@ -1,7 +1,9 @@
 #include "HttpCall.h"
 #include "SandboxSession.h"
 
-TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
+using HttpCertificate = SandboxSession;
+
+TEST_F(HttpCertificate, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
     const std::string code = SignIn();
     UsePlatform(m_sandbox.m_https);
     EXPECT_FALSE(m_service->RequestAT("", code.c_str())) << "the system's store does not know the sandbox";
@@ -15,13 +17,16 @@ TEST_F(SandboxSession, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
     EXPECT_EQ(HttpCall(Wide(m_sandbox.m_https + "/routing/v1/remote")).Send(), kHttpCertificateUntrusted);
 }
 
-TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
+TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     const std::filesystem::path otherAuthority = m_folder / "other.pem";
     SandboxServer wrongName(L"--tls-name wrong.example --ca-file \"" + otherAuthority.wstring() + L"\"");
     const std::filesystem::path oldAuthority = m_folder / "old.pem";
     SandboxServer oldTls(L"--tls-max 1.1 --ca-file \"" + oldAuthority.wstring() + L"\"");
     const std::filesystem::path empty = m_folder / "empty.pem";
     WriteFile(empty, "no certificate\n");
+    const std::filesystem::path damaged = m_folder / "damaged.pem";
+    WriteFile(damaged,
+              ReadFile(m_folder / "authority.pem") + "-----BEGIN CERTIFICATE-----\nMIIB\n-----END CERTIFICATE-----\n");
     const struct {
         const char* name;
         std::filesystem::path authority;
@@ -35,6 +40,7 @@ TEST_F(SandboxSession, CertificateFaultsHaveTheirOwnCodesAndTexts) {
         {"TLS 1.1 at most", oldAuthority, oldTls.m_https, kHttpTlsFailed},
         {"no such file", m_folder / "absent.pem", m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"file without certificate", empty, m_sandbox.m_https, kHttpCertificateFileInvalid},
+        {"one of its certificates damaged", damaged, m_sandbox.m_https, kHttpCertificateFileInvalid},
         {"no TLS there", m_folder / "authority.pem", "https" + m_sandbox.m_http.substr(4), kHttpTlsFailed},
     };
     for (const auto& row : rows) {

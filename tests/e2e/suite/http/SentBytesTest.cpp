@@ -30,6 +30,7 @@ TEST(HttpRequest, BytesOnTheWire) {
         {"empty POST has a length", "\r\nContent-Length: 0\r\n", "?", {}, true},
         {"large POST without Expect", "\r\nContent-Length: 2097152\r\n", "Expect", {}, true, largeBody},
         {"caller's length is not believed", "GET / ", "ontent-", {{L"content-length", L"5"}}},
+        {"encodings as asked", "\r\naccept-encoding: br, x\r\n", "gzip", {{L"accept-encoding", L"br, x"}}},
         {"nothing asked, no encoding", "GET / ", "Accept-Encoding"},
         {"path escaped once", "GET /%C3%A4%20b%2fc?q=%C3%A4 HTTP", "%25", {}, false, L"", L"/\u00E4 b%2fc?q=\u00E4"},
     };

@@ -1,12 +1,17 @@
 #include "Logger.h"
 
+#include <ParamStore.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <io.h>
 
 #include <atomic>
 #include <chrono>
+#include <regex>
 #include <thread>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "TextFile.h"
 
 namespace {
@@ -22,11 +27,13 @@ protected:
         Configure();
     }
     void TearDown() override {
+        Logger::SetSecret("test", L"");
         Logger::Shutdown();
         fs::remove_all(m_folder);
     }
-    void Configure(bool console = false) {
+    void Configure(bool console = false, std::size_t maxFileBytes = 0) {
         LoggerSettings settings;
+        settings.maxFileBytes = maxFileBytes;
         settings.console = console;
         settings.consoleSeverity = kSeveritySummary;
         settings.file = (m_folder / L"client.log").wstring();
@@ -34,7 +41,7 @@ protected:
         ASSERT_TRUE(Logger::Configure(settings, error)) << error;
     }
     static void Write(const std::wstring& message, int severity = kSeverityProgress, bool toFile = true) {
-        Logger::Output(10, severity, 123, "UserAuthService::RequestAT", message, toFile);
+        Logger::Output(10, severity, 123, "UserAuthService::GetAccessTokenByRefrshToken", message, toFile);
     }
     std::string ReadBack(const wchar_t* name) const {
         EXPECT_TRUE(Logger::Flush(kFlushMilliseconds));
@@ -51,7 +58,7 @@ TEST_F(LoggerTest, LineHasTimeModuleSeverityAndPlaceAndCannotBeForged) {
     Write(L"caf\u00E9 \xD83D\xDE00 " + std::wstring(1, static_cast<wchar_t>(0xD800)), 7);
     Write(L"not for the file", kSeverityFailure, false);
     const std::string text = ReadBack(L"client.log");
-    const std::string place = "UserAuthService::RequestAT:123 ";
+    const std::string place = "UserAuthService::GetAccessTokenByRefrshToken:123 ";
     EXPECT_EQ(text.find(" [module 10] [progress] " + place +
                         "one\n    2026-01-01 forged\n    two\\x1b[31m \\u2028 \\u0085\n"),
               23U)
@@ -94,6 +101,26 @@ TEST_F(LoggerTest, NoSecretReachesASink) {
         L"control=kept \\u0022accessToken\\u0022:\\u0022CANARY",
         L"authorizationCode=CANARY&control=kept",
         L"{\"token\" : \"CANARY\",\"control=kept\":1}",
+        L"{\"name\":\"access_token\",\"value\":\"CANARY\",\"control=kept\":1}",
+        L"<param name='access_token' type='x' value='CANARY'/> control=kept",
+        L"[\"access_token\", \"CANARY\", \"control=kept\"]",
+        L"{\"grant_type\":\"authorization_code\",\"code\":\"CANARY\",\"control=kept\":1}",
+        L"{&quot;accessToken&quot;:&quot;CANARY,CANARY&quot;,&quot;control=kept&quot;:1}",
+        L"access_token&#61;CANARY&control=kept",
+        L"<x:access_token a=\"b\"><![CDATA[CANARY]]></x:access_token><b>control=kept</b>",
+        L"access\\u005ftoken=CANARY control=kept",
+        L"access%5Ftoken=CANARY&control=kept",
+        L"control=kept\ntoken: CANARY",
+        L"'access_token' => 'CANARY', 'control=kept'",
+        L"access_token[0]=CANARY&control=kept",
+        L"bearerToken=CANARY&control=kept",
+        L"authCode=CANARY&control=kept",
+        L"https://h/p?code=CANARY&control=kept",
+        L"id_token=CANARY&control=kept",
+        L"temp_token=CANARY&control=kept",
+        L"control=kept\r\nCookie: a=CANARY; b=CANARY",
+        L"control=kept\r\nSet-Cookie: a=CANARY; Path=/CANARY",
+        L"Bearer\r\n CANARY control=kept",
     };
     testing::internal::CaptureStderr();
     Configure(true);
@@ -114,8 +141,94 @@ TEST_F(LoggerTest, NoSecretReachesASink) {
         << operations;
 }
 
+TEST_F(LoggerTest, LinesWithoutSecretsArriveUnchanged) {
+    const std::string rows[] = {
+        "RequestAT\nUrl:https://h/pcclient/refreshtoken?traceId=1\nHttpCode:200\nResultCode:0\nDescription:",
+        "https://h/gw?nsp_svc=zorvan.oauth2.user.getTokenInfo&open_id=OPENID",
+        "refresh AT error statusCode: 401",
+        "RequestCountryCode httpcode:200",
+        "Get ApplyAT Failed! httpcode = 401",
+        "exit code: 5, code=404, {\"code\":\"0\"}",
+        "check user key sha256 success, keyType:1",
+        "x-zv-auth-version: 1, grant_type=authorization_code&x=1",
+        "<token_type>jwt</token_type>",
+    };
+    for (const std::string& row : rows) {
+        Write(Wide(row));
+    }
+    const std::string text = ReadBack(L"client.log");
+    for (const std::string& row : rows) {
+        EXPECT_NE(text.find(" " + std::regex_replace(row, std::regex("\n"), "\n    ") + "\n"), std::string::npos)
+            << row << "\n"
+            << text;
+    }
+}
+
+TEST_F(LoggerTest, KnownSecretReachesNoSinkInAnyForm) {
+    const std::string secret = "CANARY~~/?+3\"==";
+    const std::string rows[] = {
+        secret,
+        "CANARY%7E%7e%2f%3F%2B3%22%3D%3d",
+        "CANARY%257E%257E%252F%253F%252B3%2522%253D%253D",
+        "{\"a\":\"CANARY~~\\/?+3\\\"==\"}",
+        "\\u0043ANARY\\u007e~/?\\u002B3\\u0022==",
+        "<a b=\"CANARY~~/?+3&quot;&#61;&#x3D;\"/>",
+        "c:\\" + secret + secret,
+        "Q0FOQVJZfn4vPyszIj09Pw==",  // base64 with 0, 1 and 2 bytes in front, then with the other alphabet
+        "P0NBTkFSWX5+Lz8rMyI9PT8=",
+        "Pz9DQU5BUll+fi8/KzMiPT0/",
+        "Pz9DQU5BUll-fi8_KzMiPT0_",
+    };
+    std::wstring utf16;
+    for (const char c : secret) {
+        utf16 += {static_cast<wchar_t>(c), L'\0'};
+    }
+    ASSERT_TRUE(Logger::SetSecret("test", Wide(secret)));
+    testing::internal::CaptureStderr();
+    Configure(true);
+    for (const std::string& row : rows) {
+        Write(Wide(row) + L" kept", kSeverityFailure);
+        Logger::OutputOperationLog(1, 2, 3, {{L"a", Wide(row) + L" kept"}});
+    }
+    Write(utf16 + L"kept", kSeverityFailure);
+    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(secret));  // cut in the middle
+    for (const std::string& text :
+         {ReadBack(L"client.log"), ReadBack(L"client.log.operations.jsonl"), testing::internal::GetCapturedStderr()}) {
+        EXPECT_GE(CountOf("kept", text), std::size(rows));
+        EXPECT_EQ(text.find("xC"), std::string::npos);
+        EXPECT_EQ(text.find("\\x00A"), std::string::npos);
+        for (const std::string& row : rows) {
+            EXPECT_EQ(text.find(row.substr(row.size() / 3, 6)), std::string::npos) << row << "\n" << text;
+        }
+    }
+}
+
+TEST_F(LoggerTest, SecretsAreReplacedByNameAndBounded) {
+    EXPECT_TRUE(Logger::SetSecret("test", L"former secret"));
+    EXPECT_TRUE(Logger::SetSecret("test", L"new secret"));
+    Write(L"1 former secret, new secret.");
+    EXPECT_FALSE(Logger::SetSecret("test", L"2 short"));
+    Write(L"2 short, new secret.");
+    EXPECT_TRUE(Logger::SetSecret("test", L""));
+    EXPECT_FALSE(Logger::SetSecret("test", std::wstring(64 * 1024 + 1, L'x')));
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(Logger::SetSecret("test " + std::to_string(i), L"secret " + std::to_wstring(i)), i < 32) << i;
+    }
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_TRUE(Logger::SetSecret("test " + std::to_string(i), L""));
+    }
+    GlobalParamWrapper::GetInstance()->SetCurrentAt(L"from the parameter store");
+    Write(L"3 from the parameter store.");
+    GlobalParamWrapper::GetInstance()->SetCurrentAt(L"");
+    const std::string text = ReadBack(L"client.log");
+    for (const char* line : {"1 former secret, ***.", "2 short, new secret.", "3 ***."}) {
+        EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+    }
+}
+
 TEST_F(LoggerTest, LongHostileTextIsMaskedInLinearTime) {
-    std::wstring text = L"accessToken \\\\ bearer ";
+    ASSERT_TRUE(Logger::SetSecret("test", std::wstring(30000, L'r') + L'!'));
+    std::wstring text = L"accessToken \\\\ bearer rrrrrrrr%25";
     for (int doubling = 0; doubling < 11; ++doubling) {
         text += text;
     }
@@ -125,6 +238,87 @@ TEST_F(LoggerTest, LongHostileTextIsMaskedInLinearTime) {
     }
     EXPECT_EQ(ReadBack(L"client.log").find("CANARY"), std::string::npos);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+// The console is a pipe that nobody reads until the end.
+TEST_F(LoggerTest, ConsoleThatStandsStillHoldsUpNothing) {
+    int pipe[2] = {};
+    ASSERT_EQ(_pipe(pipe, 64 * 1024, _O_BINARY | _O_NOINHERIT), 0);
+    const int console = _dup(2);
+    _dup2(pipe[1], 2);
+    _close(pipe[1]);
+    Configure(true);
+    constexpr int kInFile = 1000;
+    constexpr int kAll = 6000;
+    for (int i = 0; i < kAll; ++i) {
+        Write(L"line", kSeverityFailure, i < kInFile);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    while (CountOf(" line\n", ReadFile(m_folder / L"client.log")) < kInFile) {
+        ASSERT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    Write(L"last", kSeverityFailure);
+    std::string shown;
+    char buffer[64 * 1024];
+    while (shown.find(" last\n") == std::string::npos) {
+        const int bytes = _read(pipe[0], buffer, sizeof(buffer));
+        ASSERT_GT(bytes, 0);
+        shown.append(buffer, static_cast<std::size_t>(bytes));
+    }
+    std::size_t lines = CountOf(" line\n", shown);
+    EXPECT_LT(lines, static_cast<std::size_t>(kAll));
+    const std::regex dropped("\\[logger\\] ([0-9]+) lines dropped\n");
+    for (std::sregex_iterator told(shown.begin(), shown.end(), dropped); told != std::sregex_iterator(); ++told) {
+        lines += std::stoul((*told)[1]);
+    }
+    EXPECT_EQ(lines, static_cast<std::size_t>(kAll));
+    for (int i = 0; i < kInFile; ++i) {
+        Write(L"unread", kSeverityFailure);
+    }
+    const auto shutdown = std::chrono::steady_clock::now();
+    Logger::Shutdown();
+    EXPECT_LE(std::chrono::steady_clock::now() - shutdown, std::chrono::milliseconds(kLongestShutdownMilliseconds));
+    EXPECT_EQ(CountOf(" unread\n", ReadFile(m_folder / L"client.log")), static_cast<std::size_t>(kInFile));
+    _dup2(console, 2);
+    _close(console);
+    _close(pipe[0]);
+}
+
+TEST_F(LoggerTest, SecondProcessWritesToAFileOfItsOwn) {
+    Write(L"first process");
+    const std::wstring arguments = L"status --log \"" + (m_folder / L"client.log").wstring() + L"\"";
+    EXPECT_EQ(ChildProcess(L"userauth.exe", arguments).Finish(), 0);
+    EXPECT_EQ(CountOf("\n", ReadBack(L"client.log")), 1U);
+    std::string theirs;
+    for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
+        const std::wstring name = entry.path().filename().wstring();
+        theirs += std::regex_match(name, std::wregex(L"client-[0-9]+\\.log")) ? ReadFile(entry.path()) : "";
+    }
+    EXPECT_NE(theirs.find(" [logger] another process writes to "), std::string::npos) << theirs;
+    EXPECT_GT(CountOf("\n", theirs), 1U);
+    Logger::Shutdown();
+    EXPECT_EQ(ChildProcess(L"userauth.exe", arguments).Finish(), 0);
+    EXPECT_GT(CountOf("\n", ReadFile(m_folder / L"client.log")), 1U);
+    EXPECT_FALSE(fs::exists(m_folder / L"client.log.lock"));
+}
+
+TEST_F(LoggerTest, FullFilesMoveOnAndOneThatIsBeingReadLosesNothing) {
+    const auto linesIn = [this](const wchar_t* name) { return CountOf(" line\n", ReadBack(name)); };
+    Configure(false, 1500);
+    {
+        const std::ifstream reader(m_folder / L"client.log");  // no file that it reads can be moved
+        for (int i = 0; i < 40; ++i) {
+            Write(L"line");
+        }
+        EXPECT_EQ(linesIn(L"client.log"), 40U);
+    }
+    for (int i = 0; i < 30; ++i) {
+        Write(L"line");
+    }
+    EXPECT_GE(linesIn(L"client.3.log"), 40U);
+    EXPECT_EQ(linesIn(L"client.log") + linesIn(L"client.1.log") + linesIn(L"client.2.log") + linesIn(L"client.3.log"),
+              70U);
 }
 
 TEST_F(LoggerTest, FailedConfigureKeepsTheFormerSinks) {

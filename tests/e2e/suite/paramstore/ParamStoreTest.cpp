@@ -1,6 +1,12 @@
 #include "ParamStore.h"
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
+#include <json/value.h>
+
+#include <chrono>
+#include <thread>
 
 #include "TextFile.h"
 
@@ -75,10 +81,7 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
          ":1: stateFolder: must be an absolute path"},
         {"other scheme", "{\"clientMode\":\"2\",\n\"portalUrl\":\"ftp://b\"}",
          ":2: portalUrl: must be an http or https URL"},
-        {"trailing slash", "{\"gatewayUrl\":\"https://b/\"}", ":1: gatewayUrl: must not end with a slash"},
-        {"query", "{\"gatewayUrl\":\"https://b?x=1\"}", ":1: gatewayUrl: must not contain blanks"},
-        {"escaped line feed", "{\"gatewayUrl\":\"https://b\\nc\"}",
-         ":1: gatewayUrl: must not contain control characters"},
+        {"escaped line feed", "{\"countryCode\":\"F\\nR\"}", ":1: countryCode: must not contain control characters"},
         {"lone surrogate", "{\"countryCode\":\"\\udc00\"}", ":1: countryCode: is not valid Unicode"},
         {"item number", "{\"legacyItems\":{\n\"-0\":\"x\"}}", ":2: legacyItems.-0: is not an item number"},
         {"item of wrong type", "{\"legacyItems\":{\n\"0\":{}}}", ":2: legacyItems.0: must be a text"},
@@ -93,13 +96,63 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
         EXPECT_EQ(error.compare(0, file.size() + std::string(row.error).size(), file + row.error), 0)
             << row.name << ": " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << row.name;
-        EXPECT_EQ(store->GetPortalUrl() + store->GetZvClientMode(), L"https://kept9") << row.name;
+        EXPECT_EQ(store->GetPortalUrl(), L"https://kept") << row.name;
+        EXPECT_EQ(store->GetZvClientMode(), L"9") << row.name;
         EXPECT_EQ(ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken),
                   L"kept")
             << row.name;
     }
     EXPECT_FALSE(store->LoadConfiguration((Folder() / L"missing.json").wstring(), error));
     EXPECT_NE(error.find("missing.json: cannot be read"), std::string::npos) << error;
+}
+
+TEST(ParamStoreConfiguration, ATextInMemoryIsReadLikeAFile) {
+    GlobalParamWrapper* store = GlobalParamWrapper::GetInstance();
+    std::string error;
+    ASSERT_TRUE(store->LoadConfigurationText("{\"countryCode\":\"TH\"}", error)) << error;
+    EXPECT_EQ(store->GetCountryCode(), L"TH");
+    EXPECT_FALSE(store->LoadConfigurationText("{\"clientMode\":\"2\",\n\"countryCode\":33}", error));
+    EXPECT_EQ(error, "configuration:2: countryCode: must be a text");
+}
+
+TEST(ParamStoreConfiguration, BaseUrlsAreJudgedByOneRule) {
+    const struct {
+        std::string url;
+        const char* fault;  // empty: the URL is taken as it stands
+    } rows[] = {
+        {"http://127.0.0.1:8080", ""},
+        {"HTTP://h:8080", ""},
+        {"https://h/base", ""},
+        {"http://[::1]:80", ""},
+        {"http://h:", ""},  // the scheme's own port
+        {"http://h:65535/base", ""},
+        {"http://h:99999", "must have a port from 1 to 65535"},
+        {"http://h:0", "must have a port from 1 to 65535"},
+        {"http://h:80x", "must have a port from 1 to 65535"},
+        {"http://[::1]:-1", "must have a port from 1 to 65535"},
+        {"", "must be an http or https URL"},
+        {"ftp://h", "must be an http or https URL"},
+        {"http://", "must name a host"},
+        {"http:///base", "must name a host"},
+        {"http://:80", "must name a host"},
+        {"http://h/", "must not end with a slash"},
+        {"http://h\x1f", "must not contain control characters"},
+        {"http://h\\b", "must not contain blanks, backslashes, a user name, a query or a fragment"},
+        {"http://h b", "must not contain blanks, backslashes, a user name, a query or a fragment"},
+        {"http://user@h", "must not contain blanks, backslashes, a user name, a query or a fragment"},
+        {"http://h?x=1", "must not contain blanks, backslashes, a user name, a query or a fragment"},
+        {"http://h#x", "must not contain blanks, backslashes, a user name, a query or a fragment"},
+    };
+    GlobalParamWrapper* store = GlobalParamWrapper::GetInstance();
+    for (const auto& row : rows) {
+        EXPECT_EQ(GlobalParamWrapper::BaseUrlFault(row.url), row.fault) << row.url;
+        Json::Value settings;
+        settings["gatewayUrl"] = row.url;
+        std::string error;
+        const bool taken = store->LoadConfigurationText(settings.toStyledString(), error);
+        EXPECT_EQ(taken, *row.fault == '\0') << row.url << ": " << error;
+        EXPECT_EQ(store->GetGWUrl() == Wide(row.url), taken) << row.url;
+    }
 }
 
 TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
@@ -129,4 +182,33 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
     const std::wstring unwritable = UuidIn(Written(L"file", "") / "sub");
     EXPECT_EQ(unwritable.size(), 32U);
     EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);
+    EXPECT_NE(GlobalParamWrapper::GetInstance()->GetSystemUUidFault(), "");
+}
+
+TEST(ParamStoreSystemUuid, AFileThatAnotherProgramHoldsIsNeverReplaced) {
+    fs::remove_all(Folder());
+    const std::wstring kept = UuidIn(Folder() / "held");
+    const fs::path file = Folder() / "held" / "device-uuid";
+    const struct {
+        const char* name;
+        std::chrono::milliseconds held;
+        bool read;
+    } rows[] = {{"for a moment", std::chrono::milliseconds(300), true},
+                {"for longer than anybody waits", std::chrono::milliseconds(4000), false}};
+    for (const auto& row : rows) {
+        UuidIn(Folder() / "other");
+        const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(handle, INVALID_HANDLE_VALUE) << row.name;
+        std::thread holder([&] {
+            std::this_thread::sleep_for(row.held);
+            CloseHandle(handle);
+        });
+        const std::wstring uuid = UuidIn(Folder() / "held");
+        const std::string fault = GlobalParamWrapper::GetInstance()->GetSystemUUidFault();
+        holder.join();
+        EXPECT_EQ(uuid == kept, row.read) << row.name;
+        EXPECT_EQ(uuid.size(), 32U) << row.name;
+        EXPECT_EQ(fault.find("device-uuid: cannot be read: system error 32") == std::string::npos, row.read) << fault;
+        EXPECT_EQ(ReadFile(file), Narrow(kept)) << row.name;
+    }
 }

@@ -1,7 +1,0 @@
-#include "OwnedModule.h"
-
-#include <windows.h>
-
-void ModuleRelease::operator()(HINSTANCE__* module) const noexcept {
-    FreeLibrary(module);
-}

@@ -1,0 +1,24 @@
+#include "request/RequestLog.h"
+
+#include "core/ServiceLog.h"
+#include "core/TextEncoding.h"
+
+namespace userauth {
+
+std::wstring SummaryLine(const char* operation, const std::wstring& url, int httpCode) {
+    const std::string line = std::string(operation) + "\nUrl:" + WideToMultiByte(url, kUtf8CodePage) +
+                             "\nHttpCode:" + std::to_string(httpCode);
+    return MultiByteToWide(line, kUtf8CodePage);
+}
+
+BasicHttpLibStrategy::LogFunction HttpLogHook(LogSeverity severity, const char* functionTag) {
+    return [severity, functionTag](const std::wstring& message) {
+        try {
+            WriteLog(severity, __LINE__, functionTag, message);
+        } catch (...) {
+            return;  // called from the middle of a transfer, which must not unwind
+        }
+    };
+}
+
+}  // namespace userauth

@@ -1,3 +1,0 @@
-#include "UserAuthService.h"
-
-RefreshTokenOperate::~RefreshTokenOperate() = default;

@@ -1,0 +1,116 @@
+#include "TlsTrust.h"
+
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "CurlHandlePool.h"
+#include "PlatformVerdict.h"
+
+namespace suite {
+namespace {
+
+struct NamesDeleter {
+    void operator()(GENERAL_NAMES* names) const { GENERAL_NAMES_free(names); }
+};
+
+// libcurl falls back to the subject's common name where a certificate names no host. RFC 9525 retired that.
+bool NamesAHost(const X509* certificate) {
+    const std::unique_ptr<GENERAL_NAMES, NamesDeleter> names(
+        static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, NID_subject_alt_name, nullptr, nullptr)));
+    for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
+        const int type = sk_GENERAL_NAME_value(names.get(), i)->type;
+        if (type == GEN_DNS || type == GEN_IPADD) {
+            return true;
+        }
+    }
+    return false;
+}
+
+CertificateBytes BytesOf(const X509* certificate) {
+    CertificateBytes bytes(static_cast<std::size_t>(std::max(i2d_X509(certificate, nullptr), 0)));
+    unsigned char* end = bytes.data();
+    i2d_X509(certificate, &end);
+    return bytes;
+}
+
+// The server's certificate, then what it sent besides, itself once more among it.
+std::vector<CertificateBytes> SentChain(X509_STORE_CTX* context) {
+    std::vector<CertificateBytes> chain = {BytesOf(X509_STORE_CTX_get0_cert(context))};
+    const STACK_OF(X509)* const sent = X509_STORE_CTX_get0_untrusted(context);
+    for (int i = 0; i < sk_X509_num(sent); ++i) {
+        chain.push_back(BytesOf(sk_X509_value(sent, i)));
+    }
+    return chain;
+}
+
+// The name that the handshake asks for: of the proxy in a handshake with a proxy. An address is never asked for, and
+// is left to libcurl's check.
+std::string ServerName(X509_STORE_CTX* context) {
+    const void* const tls = X509_STORE_CTX_get_ex_data(context, SSL_get_ex_data_X509_STORE_CTX_idx());
+    const char* const name = SSL_get_servername(static_cast<const SSL*>(tls), TLSEXT_NAMETYPE_host_name);
+    return name != nullptr ? name : "";
+}
+
+int JudgedByPlatform(X509_STORE_CTX* context) {
+    X509* const certificate = X509_STORE_CTX_get0_cert(context);
+    if (X509_cmp_current_time(X509_get0_notBefore(certificate)) > 0) {
+        return X509_V_ERR_CERT_NOT_YET_VALID;  // for Windows it is the same as expired
+    }
+    return PlatformVerdict(SentChain(context), ServerName(context));
+}
+
+int JudgedByAuthorities(X509_STORE_CTX* context) {
+    return X509_verify_cert(context) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(context);
+}
+
+// OpenSSL calls these instead of its own verification. The error becomes CURLINFO_SSL_VERIFYRESULT and libcurl's text.
+// No exception may pass through OpenSSL.
+template <int (*Judge)(X509_STORE_CTX*)>
+int Verify(X509_STORE_CTX* context, void*) noexcept {
+    int error = X509_V_ERR_OUT_OF_MEM;
+    try {
+        error = Judge(context);
+    } catch (const std::exception&) {
+    }
+    if (error == X509_V_OK && !NamesAHost(X509_STORE_CTX_get0_cert(context))) {
+        error = X509_V_ERR_HOSTNAME_MISMATCH;
+    }
+    X509_STORE_CTX_set_error(context, error);
+    return error == X509_V_OK ? 1 : 0;
+}
+
+template <int (*Judge)(X509_STORE_CTX*)>
+CURLcode PrepareConnection(CURL*, void* context, void*) noexcept {
+    auto* const tls = static_cast<SSL_CTX*>(context);
+    SSL_CTX_set_cert_verify_callback(tls, &Verify<Judge>, nullptr);
+    // libcurl would write the session's secrets to the file that SSLKEYLOGFILE names.
+    SSL_CTX_set_keylog_callback(tls, nullptr);
+    return CURLE_OK;
+}
+
+}  // namespace
+
+// libcurl compares the authorities before it takes up a kept connection or TLS session, having none among them, so one
+// made under other authorities or under Windows' verdict is never used here. It does not compare the functions: they
+// follow from the authorities alone.
+void SetTlsOptions(CURL* handle, const AuthoritiesPem& authorities) {
+    SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
+    SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
+    SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
+    SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    if (authorities.empty()) {
+        SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByPlatform>);
+        return;
+    }
+    // Read only; libcurl's connections and sessions keep copies of their own.
+    curl_blob blob = {const_cast<char*>(authorities.data()), authorities.size(), CURL_BLOB_NOCOPY};
+    SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
+    SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByAuthorities>);
+}
+
+}  // namespace suite

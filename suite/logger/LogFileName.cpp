@@ -1,0 +1,53 @@
+#include "LogFileName.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <system_error>
+
+namespace suite {
+namespace {
+
+// A file beside the log that one process at a time can open. It goes when its last handle is closed, at the end of a
+// process that crashes too.
+std::shared_ptr<void> OpenLockFile(const std::wstring& path) {
+    const HANDLE file = CreateFileW((path + L".lock").c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                                    FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    return file == INVALID_HANDLE_VALUE ? nullptr : std::shared_ptr<void>(file, CloseHandle);
+}
+
+// Shared inside the process: new sinks open before those that they replace are closed.
+std::shared_ptr<void> HoldOf(const std::wstring& path) {
+    static std::mutex mutex;
+    static auto* const holds = new std::map<std::wstring, std::weak_ptr<void>>;  // used while the process ends
+    const std::lock_guard<std::mutex> lock(mutex);
+    std::weak_ptr<void>& known = (*holds)[path];
+    std::shared_ptr<void> hold = known.lock();
+    if (hold == nullptr) {
+        hold = OpenLockFile(path);
+        known = hold;
+    }
+    return hold;
+}
+
+}  // namespace
+
+LogFileName LogFileName::Take(const std::wstring& path) {
+    std::error_code ignored;  // a folder that cannot be made is told by the log file, which cannot be opened then
+    const std::filesystem::path whole = std::filesystem::absolute(path, ignored).lexically_normal();
+    std::filesystem::create_directories(whole.parent_path(), ignored);
+    LogFileName name;
+    name.m_hold = HoldOf(whole.wstring());
+    name.m_path = path;
+    if (name.m_hold == nullptr) {
+        std::filesystem::path other(path);
+        other.replace_filename(other.stem().wstring() + L"-" + std::to_wstring(GetCurrentProcessId()) +
+                               other.extension().wstring());
+        name.m_path = other.wstring();
+    }
+    return name;
+}
+
+}  // namespace suite

@@ -1,0 +1,52 @@
+#include "RotatingFile.h"
+
+#include <spdlog/sinks/rotating_file_sink.h>
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace suite {
+
+RotatingFile::RotatingFile(std::wstring path, std::size_t maxBytes, std::size_t maxFiles)
+    : m_path(std::move(path)), m_maxBytes(maxBytes), m_maxFiles(maxFiles), m_limit(maxBytes) {
+    m_file.open(m_path);
+    m_bytes = m_file.size();
+}
+
+void RotatingFile::sink_it_(const spdlog::details::log_msg& message) {
+    spdlog::memory_buf_t line;
+    formatter_->format(message, line);
+    if (m_bytes > 0 && m_bytes + line.size() > m_limit) {
+        Rotate();
+    }
+    m_file.write(line);
+    m_bytes += line.size();
+}
+
+void RotatingFile::Rotate() {
+    m_file.close();
+    const bool moved = MoveAway();
+    m_file.reopen(false);
+    m_bytes = m_file.size();
+    m_limit = moved ? m_maxBytes : m_bytes + m_maxBytes / 16;  // then it is tried again
+}
+
+// Moves no more files than make room, so that a second try after a failure does not push the oldest out.
+bool RotatingFile::MoveAway() const {
+    std::error_code error;
+    std::size_t age = 1;
+    while (age < m_maxFiles && std::filesystem::exists(NameOf(age), error)) {
+        ++age;
+    }
+    for (error.clear(); age > 0 && !error; --age) {
+        std::filesystem::rename(NameOf(age - 1), NameOf(age), error);
+    }
+    return !error;
+}
+
+std::wstring RotatingFile::NameOf(std::size_t age) const {
+    return spdlog::sinks::rotating_file_sink_st::calc_filename(m_path, age);
+}
+
+}  // namespace suite

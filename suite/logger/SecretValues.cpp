@@ -1,0 +1,133 @@
+#include "SecretValues.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "Logger.h"
+#include "UnwrappedText.h"
+
+namespace suite {
+namespace {
+
+constexpr std::size_t kMaxSecrets = 32;
+constexpr std::size_t kMaxSecretBytes = std::size_t{64} * 1024;  // of all of them
+// Percent signs twice over, of UTF-16 read as bytes: "%2541%2500" for one character. Beyond a cut, deeper is not found.
+constexpr std::size_t kLongestEncoding = 12;
+
+// What the base64 texts of all bytes with the value in them have in common, when as many bytes as skipped (0 to 2), or
+// three more and so on, stand before the value: each digit holds six bits, and those that it shares with other bytes
+// are left out.
+std::string Base64Core(std::string_view value, std::size_t skipped) {
+    constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const auto byteAt = [value, skipped](std::size_t i) {
+        return i >= skipped && i - skipped < value.size() ? static_cast<unsigned char>(value[i - skipped]) : 0U;
+    };
+    std::string digits;
+    digits.reserve(value.size() * 4 / 3 + 1);
+    for (std::size_t bit = (skipped * 8 + 5) / 6 * 6; bit + 6 <= (skipped + value.size()) * 8; bit += 6) {
+        const unsigned twoBytes = byteAt(bit / 8) << 8 | byteAt(bit / 8 + 1);
+        digits += kDigits[twoBytes >> (10 - bit % 8) & 0x3F];
+    }
+    return digits;
+}
+
+std::vector<std::string> FormsOf(const std::map<std::string, std::string>& values) {
+    std::vector<std::string> forms;
+    for (const auto& [name, value] : values) {
+        const std::string unwrapped = UnwrappedText::IsWrapped(value) ? UnwrappedText(value).Text() : std::string();
+        if (unwrapped.size() >= kShortestSecret) {
+            forms.push_back(unwrapped);
+        }
+        for (std::size_t skipped = 0; skipped < 3; ++skipped) {
+            forms.push_back(Base64Core(value, skipped));
+        }
+        forms.push_back(value);
+    }
+    return forms;
+}
+
+// Wipes the forms when the search has been made from them.
+struct Forms {
+    std::vector<std::string> texts;
+    ~Forms() { std::for_each(texts.begin(), texts.end(), Wipe); }
+};
+
+std::size_t LongestOf(const std::map<std::string, std::string>& values) {
+    std::size_t longest = 0;
+    for (const auto& [name, value] : values) {
+        longest = std::max(longest, value.size());
+    }
+    return longest;
+}
+
+}  // namespace
+
+SecretValues::SecretValues(const std::map<std::string, std::string>& values)
+    : m_longestForm(LongestOf(values) * kLongestEncoding), m_search(Forms{FormsOf(values)}.texts) {}
+
+std::string SecretValues::Masked(std::string_view text, std::size_t limit) const {
+    std::vector<PatternSearch::Match> matches = m_search.FindAll(text);
+    if (UnwrappedText::IsWrapped(text)) {
+        const UnwrappedText unwrapped(text);
+        for (const PatternSearch::Match& match : m_search.FindAll(unwrapped.Text())) {
+            matches.push_back({unwrapped.OriginalAt(match.begin), unwrapped.OriginalAt(match.end)});
+        }
+    }
+    limit = std::min(limit, text.size());
+    if (matches.empty()) {
+        return std::string(text.substr(0, limit));
+    }
+    std::vector<int> steps(text.size() + 1);  // into and out of the values at each position: they may overlap
+    for (const PatternSearch::Match& match : matches) {
+        ++steps[match.begin];
+        --steps[match.end];
+    }
+    std::string masked;
+    int depth = 0;
+    for (std::size_t i = 0; i < limit; ++i) {
+        const int before = std::exchange(depth, depth + steps[i]);
+        if (depth == 0) {
+            masked += text[i];
+        } else if (before == 0) {
+            masked += "***";
+        }
+    }
+    return masked;
+}
+
+bool KnownSecrets::Set(const std::string& name, std::string value) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const auto former = m_values.find(name);
+    if (former != m_values.end()) {
+        if (former->second == value) {
+            Wipe(value);
+            return true;
+        }
+        m_current.reset();
+        Wipe(former->second);
+        m_values.erase(former);
+    }
+    std::size_t bytes = value.size();
+    for (const auto& [otherName, other] : m_values) {
+        bytes += other.size();
+    }
+    if (value.size() < kShortestSecret || m_values.size() >= kMaxSecrets || bytes > kMaxSecretBytes) {
+        const bool cleared = value.empty();
+        Wipe(value);
+        return cleared;
+    }
+    m_current.reset();
+    m_values.emplace(name, std::move(value));
+    return true;
+}
+
+std::shared_ptr<const SecretValues> KnownSecrets::Current() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_current == nullptr && !m_values.empty()) {
+        m_current = std::make_shared<const SecretValues>(m_values);
+    }
+    return m_current;
+}
+
+}  // namespace suite

@@ -1,0 +1,93 @@
+#include <UserSyncKeyService.h>
+
+#include "HttpCall.h"
+#include "PortraitWindow.h"
+#include "SandboxSession.h"
+
+namespace {
+
+class CutReplies : public SandboxSession {
+protected:
+    // An operation of each kind, against a server whose whole reply has the body.
+    struct Operation {
+        const char* name;
+        std::string body;
+        std::function<bool(const std::string& base)> run;
+    };
+
+    CutReplies() {
+        SignInWhole();
+        m_service->SetAtExpireCallback([this] { ++m_callbacks; });
+    }
+    ~CutReplies() override { m_service->SetAtExpireCallback(nullptr); }
+
+    std::wstring State() {
+        return m_service->GetCurrentAT() + L"|" + m_service->GetCurrentRT() + L"|" + m_service->GetCurrentUserID() +
+               L"|" + m_service->GetCurrentCountryCode() + L"|" + m_service->GetCurrentUserHeadImageLocalPath() + L"|" +
+               std::to_wstring(m_service->IsAvailableCountry()) + L"|" + std::to_wstring(m_callbacks);
+    }
+
+    bool FetchPortrait(const std::string& url) {
+        if (!m_profile) {
+            m_profile = std::make_unique<RawServer>(std::vector<RawReply>{OkReply(
+                R"({"userId":")" + Narrow(m_service->GetCurrentUserID()) + R"(","profilePhotoLink":")" + url + "\"}")});
+        }
+        UsePlatform(Narrow(m_profile->Url(L"")));
+        EXPECT_TRUE(m_service->RequestUserInfo() && m_window.Messages(1) == 1);
+        return !m_service->GetCurrentUserHeadImageLocalPath().empty();
+    }
+
+    std::vector<Operation> Operations() {
+        UserAuthService& s = *m_service;
+        const std::wstring file = (m_folder / "contacts.vcf").wstring();
+        return {
+            {"RequestUserID", R"({"uid":"1"})", [&](const auto&) { return s.RequestUserID(); }},
+            {"GetAccessTokenByRefrshToken", R"({"result":0,"token":"a"})",
+             [&](const auto&) { return s.GetAccessTokenByRefrshToken(); }},
+            {"GetAccessTokenByRefrshToken, refused", "{}",
+             [&](const auto&) { return s.GetAccessTokenByRefrshToken() || m_callbacks > 0; }},
+            {"RequestAT", R"({"accessToken":"b","registerCountryCode":"CN","result":{"code":"0"}})",
+             [&](const auto&) { return s.RequestAT("", "code"); }},
+            {"InitSysConf", "{}", [&](const auto&) { return s.InitSysConf(); }},
+            {"ExportContracts", "BEGIN:VCARD",
+             [&, file](const auto& base) { return s.ExportContracts(Wide(base), file, {}); }},
+            {"portrait", "ok", [&](const auto& base) { return FetchPortrait(base); }},
+        };
+    }
+
+    int m_callbacks = 0;
+    PortraitWindow m_window;
+    std::unique_ptr<RawServer> m_profile;
+};
+
+}  // namespace
+
+TEST_F(CutReplies, ChangeNothingBeforeTheirLastByte) {
+    for (const Operation& operation : Operations()) {
+        const std::vector<RawReply> script = CutAtEveryByte(OkReply(operation.body).bytes);
+        RawServer server(script);
+        UsePlatform(Narrow(server.Url(L"")));
+        const std::wstring state = State();
+        for (std::size_t size = 0; size + 1 < script.size(); ++size) {
+            EXPECT_FALSE(operation.run(Narrow(server.Url(L"")))) << operation.name << ", byte " << size;
+            EXPECT_EQ(State(), state) << operation.name << ", byte " << size;
+        }
+        EXPECT_TRUE(operation.run(Narrow(server.Url(L"")))) << operation.name << ", whole";
+        EXPECT_EQ(server.Requests().size(), script.size()) << operation.name;
+    }
+}
+
+// The public key's reply comes first; the lists are asked for once it is whole.
+TEST_F(CutReplies, OfTheKeyServerEndTheKeyExchange) {
+    const std::vector<RawReply> script = CutAtEveryByte(OkReply(R"({"publicKey":"QUJD","version":"1"})").bytes);
+    RawServer server(script);
+    UsePlatform(Narrow(server.Url(L"")));
+    UserSyncKeyService keys;
+    keys.ClearUserSyncKey();
+    for (std::size_t requests = 1; requests < script.size(); ++requests) {
+        EXPECT_FALSE(keys.InitUserSyncKey());
+        EXPECT_EQ(server.Requests().size(), requests);
+    }
+    EXPECT_FALSE(keys.InitUserSyncKey());
+    EXPECT_EQ(server.Requests().size(), script.size() + 2);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using Bytes = std::vector<unsigned char>;
+
+inline Bytes FromHex(const std::string& hex) {
+    Bytes bytes;
+    for (std::size_t index = 0; index < hex.size(); index += 2) {
+        bytes.push_back(static_cast<unsigned char>(std::stoi(hex.substr(index, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+// Standard base64, padded, on one line.
+inline std::string ToBase64(const Bytes& bytes) {
+    std::string text(bytes.size() * 2 + 4, '\0');
+    text.resize(static_cast<std::size_t>(
+        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()))));
+    return text;
+}
+
+// Of padded base64 in the standard or the URL-safe alphabet; empty when it is none.
+inline Bytes FromBase64(std::string text) {
+    std::replace(text.begin(), text.end(), '-', '+');
+    std::replace(text.begin(), text.end(), '_', '/');
+    Bytes bytes(text.size());
+    const int length = EVP_DecodeBlock(bytes.data(), reinterpret_cast<const unsigned char*>(text.data()),
+                                       static_cast<int>(text.size()));
+    const auto padding = std::count(text.begin(), text.end(), '=');
+    bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, length - padding)));
+    return bytes;
+}
