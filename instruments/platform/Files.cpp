@@ -83,10 +83,6 @@ struct FileHandle : KernelObject {
     int native;
 };
 
-int NativeOf(HANDLE file) {
-    return static_cast<FileHandle*>(static_cast<KernelObject*>(file))->native;
-}
-
 int FlagsOf(DWORD access, DWORD disposition) {
     const int direction = (access & GENERIC_WRITE) == 0 ? O_RDONLY : (access & GENERIC_READ) == 0 ? O_WRONLY : O_RDWR;
     const int creation = disposition == CREATE_NEW      ? O_CREAT | O_EXCL
@@ -94,11 +90,6 @@ int FlagsOf(DWORD access, DWORD disposition) {
                          : disposition == OPEN_ALWAYS   ? O_CREAT
                                                         : 0;
     return direction | creation | O_CLOEXEC;
-}
-
-BOOL Transferred(ssize_t count, DWORD* told) {
-    *told = count < 0 ? 0 : static_cast<DWORD>(count);
-    return Done(count < 0 ? -1 : 0);
 }
 
 }  // namespace
@@ -118,34 +109,10 @@ HANDLE CreateFileW(LPCWSTR wide, DWORD access, DWORD share, void*, DWORD disposi
     return static_cast<KernelObject*>(new FileHandle(native));
 }
 
-BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* readBytes, void*) {
-    return Transferred(read(NativeOf(file), buffer, bytes), readBytes);
-}
-
-BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* written, void*) {
-    return Transferred(write(NativeOf(file), buffer, bytes), written);
-}
-
-BOOL FlushFileBuffers(HANDLE file) {
-    return Done(fsync(NativeOf(file)));
-}
-
 BOOL DeleteFileW(LPCWSTR wide) {
     const std::string path = NarrowText(wide);
     const std::lock_guard<std::mutex> hold(g_lock);
     return MayShare(path, FILE_SHARE_DELETE, kEverything) && Done(unlink(path.c_str()));
-}
-
-BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    const std::string source = NarrowText(from);
-    const std::string target = NarrowText(to);
-    const std::lock_guard<std::mutex> hold(g_lock);
-    if ((flags & MOVEFILE_REPLACE_EXISTING) == 0 && access(target.c_str(), F_OK) == 0) {
-        SetLastError(ERROR_ALREADY_EXISTS);
-        return FALSE;
-    }
-    return MayShare(source, FILE_SHARE_DELETE, kEverything) && MayShare(target, FILE_SHARE_DELETE, kEverything) &&
-           Done(rename(source.c_str(), target.c_str()));
 }
 
 BOOL CreateHardLinkW(LPCWSTR linkPath, LPCWSTR existing, void*) {

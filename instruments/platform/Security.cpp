@@ -2,7 +2,6 @@
 // provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: the blob
 // is disguised, not encrypted, and belongs to every user.
 
-#include <bcrypt.h>
 #include <dpapi.h>
 #include <sys/random.h>
 
@@ -67,10 +66,6 @@ BOOL CryptGenRandom(HCRYPTPROV provider, DWORD bytes, BYTE* buffer) {
 
 BOOL CryptReleaseContext(HCRYPTPROV provider, DWORD) {
     return provider == kProvider || Refuse(ERROR_INVALID_PARAMETER);
-}
-
-NTSTATUS BCryptGenRandom(void*, BYTE* buffer, ULONG bytes, ULONG) {
-    return Draw(buffer, bytes) ? 0 : -1;
 }
 
 BOOL CryptProtectData(DATA_BLOB* plain, LPCWSTR, DATA_BLOB*, void*, void*, DWORD, DATA_BLOB* protectedData) {

@@ -1,21 +1,15 @@
-// Handles, waiting and the thread pool. Like the platform: a thread's handle is signalled when the thread has run out,
-// a mutex belongs to its thread, may be taken again by it and is abandoned when that thread ends, and the pool keeps a
-// callback's library loaded until it has returned. Unlike it: a name makes one mutex for all who ask inside this
-// process only, and the pool starts a thread for each callback.
+// Threads' handles and the thread pool. Like the platform: a thread's handle is signalled when the thread has run out, and
+// the pool keeps a callback's library loaded until it has returned. Unlike it: the pool starts a thread a callback.
 
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <windows.h>
 
 #include <condition_variable>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <thread>
 
 #include "Handles.h"
-#include "WideText.h"
 
 namespace {
 
@@ -54,38 +48,6 @@ struct ThreadHandle : KernelObject {
     }
 };
 
-struct MutexState {
-    std::mutex lock;
-    std::condition_variable changed;
-    std::thread::id owner;
-    std::shared_ptr<Event> ownerEnd;
-    int depth = 0;
-
-    bool Abandoned() const { return ownerEnd->set; }
-};
-
-struct MutexHandle : KernelObject {
-    explicit MutexHandle(std::shared_ptr<MutexState> shared) : state(std::move(shared)) {}
-    std::shared_ptr<MutexState> state;
-
-    DWORD Wait(std::chrono::milliseconds limit) override {
-        std::unique_lock<std::mutex> hold(state->lock);
-        const auto end = After(limit);
-        bool abandoned = false;
-        while (state->depth > 0 && state->owner != std::this_thread::get_id() && !(abandoned = state->Abandoned())) {
-            // An owner that ends tells nobody: look again.
-            const auto next = std::min(end, std::chrono::steady_clock::now() + std::chrono::milliseconds(10));
-            if (state->changed.wait_until(hold, next) == std::cv_status::timeout && next == end) {
-                return WAIT_TIMEOUT;
-            }
-        }
-        state->depth = abandoned ? 1 : state->depth + 1;
-        state->owner = std::this_thread::get_id();
-        state->ownerEnd = g_threadEnd.event;
-        return abandoned ? WAIT_ABANDONED : WAIT_OBJECT_0;
-    }
-};
-
 KernelObject* ObjectOf(HANDLE handle) {
     return static_cast<KernelObject*>(handle);
 }
@@ -115,9 +77,6 @@ HANDLE GetCurrentThread() {
 DWORD GetCurrentProcessId() {
     return static_cast<DWORD>(getpid());
 }
-DWORD GetCurrentThreadId() {
-    return static_cast<DWORD>(syscall(SYS_gettid));
-}
 
 // Of the current thread only: nobody duplicates anything else here.
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD, BOOL, DWORD) {
@@ -140,39 +99,6 @@ BOOL CloseHandle(HANDLE handle) {
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     return IsPseudo(handle) ? WAIT_FAILED : ObjectOf(handle)->Wait(std::chrono::milliseconds(milliseconds));
-}
-
-HANDLE CreateMutexW(void*, BOOL owned, LPCWSTR name) {
-    static std::mutex lock;
-    static auto* const named = new std::map<std::string, std::weak_ptr<MutexState>>;
-    std::shared_ptr<MutexState> state;
-    {
-        const std::lock_guard<std::mutex> hold(lock);
-        std::weak_ptr<MutexState>& known = (*named)[NarrowText(name)];
-        state = name == nullptr ? nullptr : known.lock();
-        SetLastError(state ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
-        if (!state) {
-            known = state = std::make_shared<MutexState>();
-        }
-    }
-    auto* const handle = new MutexHandle(state);
-    if (owned != FALSE) {
-        handle->Wait(std::chrono::milliseconds(INFINITE));
-    }
-    return static_cast<KernelObject*>(handle);
-}
-
-BOOL ReleaseMutex(HANDLE handle) {
-    MutexState& state = *static_cast<MutexHandle*>(ObjectOf(handle))->state;
-    const std::lock_guard<std::mutex> hold(state.lock);
-    if (state.depth == 0 || state.owner != std::this_thread::get_id()) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if (--state.depth == 0) {
-        state.changed.notify_all();
-    }
-    return TRUE;
 }
 
 void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment) {

@@ -3,4 +3,3 @@
 #include <windows.h>
 
 BOOL PathAppendW(wchar_t* path, LPCWSTR more);
-BOOL PathMatchSpecW(LPCWSTR text, LPCWSTR patterns);

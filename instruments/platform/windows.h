@@ -27,7 +27,6 @@ using UINT = unsigned;
 using ULONG = std::uint32_t;
 using LONG = std::int32_t;
 using HRESULT = LONG;
-using NTSTATUS = LONG;
 using ULONGLONG = std::uint64_t;
 using ULONG_PTR = std::uintptr_t;
 using WPARAM = std::uintptr_t;
@@ -52,7 +51,6 @@ constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
-constexpr DWORD ERROR_ENVVAR_NOT_FOUND = 203;
 constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
 constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
 DWORD GetLastError();
@@ -74,7 +72,6 @@ void ReleaseSRWLockExclusive(SRWLOCK* lock);
 constexpr UINT CP_ACP = 0;
 constexpr UINT CP_UTF8 = 65001;
 constexpr DWORD MB_ERR_INVALID_CHARS = 8;
-constexpr DWORD WC_ERR_INVALID_CHARS = 0x80;
 UINT GetACP();
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int bytes, wchar_t* wide, int capacity);
 int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* wide, int characters, char* text, int capacity,
@@ -99,7 +96,6 @@ void* AddDllDirectory(LPCWSTR folder);
 // ---- Threads, waiting, the thread pool (Threads.cpp)
 constexpr DWORD SYNCHRONIZE = 0x00100000;
 constexpr DWORD WAIT_OBJECT_0 = 0;
-constexpr DWORD WAIT_ABANDONED = 0x80;
 constexpr DWORD WAIT_TIMEOUT = 258;
 constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
 using PTP_CALLBACK_INSTANCE = struct TP_CALLBACK_INSTANCE*;
@@ -109,12 +105,9 @@ struct TP_CALLBACK_ENVIRON {
 HANDLE GetCurrentProcess();
 HANDLE GetCurrentThread();
 DWORD GetCurrentProcessId();
-DWORD GetCurrentThreadId();
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD access, BOOL inherit, DWORD options);
 BOOL CloseHandle(HANDLE handle);
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
-HANDLE CreateMutexW(void* security, BOOL owned, LPCWSTR name);
-BOOL ReleaseMutex(HANDLE mutex);
 void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
 void SetThreadpoolCallbackLibrary(TP_CALLBACK_ENVIRON* environment, HMODULE library);
 void DestroyThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
@@ -134,15 +127,9 @@ constexpr DWORD CREATE_ALWAYS = 2;
 constexpr DWORD OPEN_EXISTING = 3;
 constexpr DWORD OPEN_ALWAYS = 4;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
-constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1;
-constexpr DWORD MOVEFILE_WRITE_THROUGH = 8;
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, void* security, DWORD disposition, DWORD flags,
                    HANDLE pattern);
-BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* read, void* overlapped);
-BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* written, void* overlapped);
-BOOL FlushFileBuffers(HANDLE file);
 BOOL DeleteFileW(LPCWSTR path);
-BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags);
 BOOL CreateHardLinkW(LPCWSTR link, LPCWSTR existing, void* security);
 
 // ---- Windows and their messages (Messages.cpp)
@@ -193,12 +180,9 @@ void GetSystemInfo(SYSTEM_INFO* system);
 int GetSystemMetrics(int metric);
 UINT GetSystemDirectoryW(wchar_t* path, UINT capacity);
 UINT GetSystemFirmwareTable(DWORD provider, DWORD table, void* buffer, DWORD bytes);
-DWORD GetEnvironmentVariableW(LPCWSTR name, wchar_t* value, DWORD capacity);
-BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
 void OutputDebugStringW(LPCWSTR text);
 BOOL TerminateProcess(HANDLE process, UINT exitCode);
 HANDLE LocalFree(void* memory);
-void* GlobalFree(void* memory);
 void* VirtualAlloc(void* address, SIZE_T bytes, DWORD type, DWORD protection);
 
 // The C runtime's condition for broken arguments.

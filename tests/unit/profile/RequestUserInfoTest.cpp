@@ -40,7 +40,8 @@ protected:
 
     // Whether nobody has the portrait open.
     static bool IsClosed() {
-        const HANDLE file = CreateFileW(Portrait().wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE file =
+            CreateFileW(Portrait().wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         if (file == INVALID_HANDLE_VALUE) {
             EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
             return false;

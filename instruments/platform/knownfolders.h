@@ -1,3 +1,0 @@
-#pragma once
-
-constexpr int FOLDERID_LocalAppData = 28;

@@ -1,5 +1,0 @@
-#pragma once
-
-#include <windows.h>
-
-void CoTaskMemFree(void* memory);
