@@ -84,7 +84,7 @@ TEST(LoadZMSSDKLibrary, DestructionFreesTheLibraryWithoutUninit) {
     const InstalledSdk sdk("scripted-sdk.dll");
     auto service = UserAuthServiceAccess::Make();
     ASSERT_NE(GetModuleHandleW(L"ZVAccountSdk.dll"), nullptr);
-    HMODULE witness = LoadLibraryW((ProgramFolder() / "ZVAccountSdk.dll").c_str());
+    HMODULE witness = LoadLibraryW((ProgramFolder() / "ZVAccountSdk.dll").wstring().c_str());
     service.reset();
     EXPECT_TRUE(InstalledSdk::Script().calls.empty());
     FreeLibrary(witness);

@@ -1,6 +1,7 @@
 #include "core/BoundedFormat.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <cstdlib>
 #include <string>

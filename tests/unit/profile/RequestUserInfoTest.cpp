@@ -29,7 +29,7 @@ protected:
     }
 
     static std::filesystem::path Portrait() {
-        return std::filesystem::path(Recording().appDataFolder) / "HeadPortrait";
+        return std::filesystem::path(Recording().appDataFolder + L"\\HeadPortrait");
     }
 
     void LeaveAnOldPortrait() {
@@ -40,7 +40,8 @@ protected:
 
     // Whether nobody has the portrait open.
     static bool IsClosed() {
-        const HANDLE file = CreateFileW(Portrait().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE file =
+            CreateFileW(Portrait().wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         if (file == INVALID_HANDLE_VALUE) {
             EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
             return false;
@@ -123,8 +124,8 @@ TEST_F(RequestUserInfo, MissingAndMistypedMembersAreStoredEmpty) {
 // A link to the old portrait keeps its bytes when the file is deleted first, and would lose them if it were only
 // overwritten.
 TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
-    const std::filesystem::path link = Portrait().parent_path() / "link";
-    ASSERT_TRUE(CreateHardLinkW(link.c_str(), Portrait().c_str(), nullptr));
+    const std::filesystem::path link = Portrait().wstring() + L".link";
+    ASSERT_TRUE(CreateHardLinkW(link.wstring().c_str(), Portrait().wstring().c_str(), nullptr));
     bool openAtMessage = false;
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};

@@ -1,0 +1,120 @@
+// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION, and
+// an open file, a stream's too, cannot be deleted or replaced unless its opener shared that. Unlike it: streams open what
+// a handle keeps to itself, letter case counts, and a backslash is a character of a name.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "Handles.h"
+#include "WideText.h"
+
+namespace {
+
+// How a descriptor of this process holds its file. One that is not listed is a stream's of the C++ library, which shares
+// reading and writing and not deletion.
+struct Mode {
+    DWORD access = GENERIC_READ | GENERIC_WRITE;
+    DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE;
+};
+
+std::mutex g_lock;
+std::map<int, Mode>& Modes() {
+    static auto* const modes = new std::map<int, Mode>;
+    return *modes;
+}
+
+DWORD ErrorOf(int error) {
+    return error == ENOENT    ? ERROR_FILE_NOT_FOUND
+           : error == ENOTDIR ? ERROR_PATH_NOT_FOUND
+           : error == EEXIST  ? ERROR_ALREADY_EXISTS
+                              : ERROR_ACCESS_DENIED;
+}
+
+BOOL Done(int result) {
+    if (result != 0) {
+        SetLastError(ErrorOf(errno));
+    }
+    return result == 0;
+}
+
+DWORD SharingNeededFor(DWORD access) {
+    return ((access & GENERIC_READ) != 0 ? FILE_SHARE_READ : 0U) |
+           ((access & GENERIC_WRITE) != 0 ? FILE_SHARE_WRITE : 0U);
+}
+
+// With the lock held: whether no descriptor of this process keeps the file from being used so.
+bool MayShare(const std::string& path, DWORD neededOfThem, DWORD offeredToThem) {
+    struct stat wanted {};
+    if (stat(path.c_str(), &wanted) != 0) {
+        return true;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        const int native = std::stoi(entry.path().filename().string());
+        struct stat other {};
+        if (fstat(native, &other) != 0 || other.st_dev != wanted.st_dev || other.st_ino != wanted.st_ino) {
+            continue;
+        }
+        const Mode mode = Modes().count(native) != 0 ? Modes()[native] : Mode();
+        if ((neededOfThem & ~mode.share) != 0 || (SharingNeededFor(mode.access) & ~offeredToThem) != 0) {
+            SetLastError(ERROR_SHARING_VIOLATION);
+            return false;
+        }
+    }
+    return true;
+}
+
+constexpr DWORD kEverything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+struct FileHandle : KernelObject {
+    explicit FileHandle(int file) : native(file) {}
+    ~FileHandle() override {
+        const std::lock_guard<std::mutex> hold(g_lock);
+        Modes().erase(native);
+        close(native);
+    }
+    int native;
+};
+
+int FlagsOf(DWORD access, DWORD disposition) {
+    const int direction = (access & GENERIC_WRITE) == 0 ? O_RDONLY : (access & GENERIC_READ) == 0 ? O_WRONLY : O_RDWR;
+    const int creation = disposition == CREATE_NEW      ? O_CREAT | O_EXCL
+                         : disposition == CREATE_ALWAYS ? O_CREAT | O_TRUNC
+                         : disposition == OPEN_ALWAYS   ? O_CREAT
+                                                        : 0;
+    return direction | creation | O_CLOEXEC;
+}
+
+}  // namespace
+
+HANDLE CreateFileW(LPCWSTR wide, DWORD access, DWORD share, void*, DWORD disposition, DWORD, HANDLE) {
+    const std::string path = NarrowText(wide);
+    const std::lock_guard<std::mutex> hold(g_lock);
+    if (!MayShare(path, SharingNeededFor(access), share)) {
+        return INVALID_HANDLE_VALUE;
+    }
+    const int native = open(path.c_str(), FlagsOf(access, disposition), 0600);
+    if (native < 0) {
+        SetLastError(ErrorOf(errno));
+        return INVALID_HANDLE_VALUE;
+    }
+    Modes()[native] = {access, share};
+    return static_cast<KernelObject*>(new FileHandle(native));
+}
+
+BOOL DeleteFileW(LPCWSTR wide) {
+    const std::string path = NarrowText(wide);
+    const std::lock_guard<std::mutex> hold(g_lock);
+    return MayShare(path, FILE_SHARE_DELETE, kEverything) && Done(unlink(path.c_str()));
+}
+
+BOOL CreateHardLinkW(LPCWSTR linkPath, LPCWSTR existing, void*) {
+    return Done(link(NarrowText(existing).c_str(), NarrowText(linkPath).c_str()));
+}

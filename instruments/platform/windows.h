@@ -1,0 +1,191 @@
+#pragma once
+
+// What the service and its suite call of Windows, for a build on the build machine: sanitizers and fuzzers run there.
+// Declared here as the platform's own header declares it; each source beside this one says what it imitates and where it
+// stops. Wide characters have 32 bits here, so one character is a whole code point and surrogates do not occur.
+// Instruments alone include this; nothing of it ships.
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+
+#define WINAPI
+#define CALLBACK
+#define NTAPI
+#define FALSE 0
+#define TRUE 1
+#define MAX_PATH 260
+#define INFINITE 0xFFFFFFFFU
+#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+
+using BOOL = int;
+using BOOLEAN = unsigned char;
+using BYTE = unsigned char;
+using WORD = std::uint16_t;
+using DWORD = std::uint32_t;
+using UINT = unsigned;
+using ULONG = std::uint32_t;
+using LONG = std::int32_t;
+using HRESULT = LONG;
+using ULONGLONG = std::uint64_t;
+using ULONG_PTR = std::uintptr_t;
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+using LRESULT = std::intptr_t;
+using SIZE_T = std::size_t;
+using HANDLE = void*;
+using HWND = struct HWND__*;
+using HMODULE = struct HINSTANCE__*;
+using HINSTANCE = HMODULE;
+using LPCWSTR = const wchar_t*;
+using FARPROC = std::intptr_t (*)();
+
+// ---- Errors: the calling thread's last one.
+constexpr DWORD ERROR_SUCCESS = 0;
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
+constexpr DWORD ERROR_INVALID_HANDLE = 6;
+constexpr DWORD ERROR_SHARING_VIOLATION = 32;
+constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
+DWORD GetLastError();
+void SetLastError(DWORD error);
+
+// ---- Locks (Locks.cpp)
+struct SRWLOCK {
+    void* Ptr;
+};
+#define SRWLOCK_INIT \
+    { nullptr }
+void AcquireSRWLockShared(SRWLOCK* lock);
+void ReleaseSRWLockShared(SRWLOCK* lock);
+BOOLEAN TryAcquireSRWLockShared(SRWLOCK* lock);
+void AcquireSRWLockExclusive(SRWLOCK* lock);
+void ReleaseSRWLockExclusive(SRWLOCK* lock);
+
+// ---- Text (Text.cpp)
+constexpr UINT CP_ACP = 0;
+constexpr UINT CP_UTF8 = 65001;
+constexpr DWORD MB_ERR_INVALID_CHARS = 8;
+UINT GetACP();
+int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int bytes, wchar_t* wide, int capacity);
+int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* wide, int characters, char* text, int capacity,
+                        const char* defaultCharacter, BOOL* usedDefault);
+
+// ---- Modules (Modules.cpp)
+constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_PIN = 1;
+constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT = 2;
+constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
+struct MEMORY_BASIC_INFORMATION {
+    void* AllocationBase;
+};
+HMODULE LoadLibraryW(LPCWSTR path);
+BOOL FreeLibrary(HMODULE module);
+FARPROC GetProcAddress(HMODULE module, const char* name);
+HMODULE GetModuleHandleW(LPCWSTR name);
+BOOL GetModuleHandleExW(DWORD flags, LPCWSTR nameOrAddress, HMODULE* module);
+DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD capacity);
+SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* memory, SIZE_T bytes);
+void* AddDllDirectory(LPCWSTR folder);
+
+// ---- Threads, waiting, the thread pool (Threads.cpp)
+constexpr DWORD SYNCHRONIZE = 0x00100000;
+constexpr DWORD WAIT_OBJECT_0 = 0;
+constexpr DWORD WAIT_TIMEOUT = 258;
+constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+using PTP_CALLBACK_INSTANCE = struct TP_CALLBACK_INSTANCE*;
+struct TP_CALLBACK_ENVIRON {
+    HMODULE library;
+};
+HANDLE GetCurrentProcess();
+HANDLE GetCurrentThread();
+DWORD GetCurrentProcessId();
+BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD access, BOOL inherit, DWORD options);
+BOOL CloseHandle(HANDLE handle);
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
+void SetThreadpoolCallbackLibrary(TP_CALLBACK_ENVIRON* environment, HMODULE library);
+void DestroyThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
+BOOL TrySubmitThreadpoolCallback(void (*callback)(PTP_CALLBACK_INSTANCE, void*), void* context,
+                                 TP_CALLBACK_ENVIRON* environment);
+void Sleep(DWORD milliseconds);
+ULONGLONG GetTickCount64();
+
+// ---- Files (Files.cpp)
+constexpr DWORD GENERIC_READ = 0x80000000;
+constexpr DWORD GENERIC_WRITE = 0x40000000;
+constexpr DWORD FILE_SHARE_READ = 1;
+constexpr DWORD FILE_SHARE_WRITE = 2;
+constexpr DWORD FILE_SHARE_DELETE = 4;
+constexpr DWORD CREATE_NEW = 1;
+constexpr DWORD CREATE_ALWAYS = 2;
+constexpr DWORD OPEN_EXISTING = 3;
+constexpr DWORD OPEN_ALWAYS = 4;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, void* security, DWORD disposition, DWORD flags,
+                   HANDLE pattern);
+BOOL DeleteFileW(LPCWSTR path);
+BOOL CreateHardLinkW(LPCWSTR link, LPCWSTR existing, void* security);
+
+// ---- Windows and their messages (Messages.cpp)
+constexpr UINT WM_CLOSE = 0x0010;
+constexpr UINT WM_GETTEXT = 0x000D;
+constexpr UINT WM_GETTEXTLENGTH = 0x000E;
+constexpr UINT PM_REMOVE = 1;
+constexpr UINT MB_OK = 0;
+constexpr UINT MB_ICONERROR = 16;
+#define HWND_MESSAGE (reinterpret_cast<HWND>(static_cast<std::intptr_t>(-3)))
+struct MSG {
+    HWND hwnd;
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+};
+HWND CreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR caption, DWORD style, int x, int y, int width,
+                     int height, HWND parent, void* menu, HMODULE module, void* argument);
+BOOL DestroyWindow(HWND window);
+HWND FindWindowW(LPCWSTR className, LPCWSTR caption);
+HWND FindWindowExW(HWND parent, HWND after, LPCWSTR className, LPCWSTR caption);
+int GetWindowTextLengthW(HWND window);
+int GetWindowTextW(HWND window, wchar_t* text, int capacity);
+LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove);
+UINT RegisterWindowMessageW(LPCWSTR name);
+int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
+
+// ---- The machine and the process (System.cpp)
+constexpr DWORD MEM_COMMIT = 0x1000;
+constexpr DWORD MEM_RESERVE = 0x2000;
+constexpr DWORD PAGE_NOACCESS = 1;
+constexpr DWORD PAGE_READWRITE = 4;
+struct OSVERSIONINFOW {
+    DWORD dwOSVersionInfoSize, dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
+    wchar_t szCSDVersion[128];
+};
+struct OSVERSIONINFOEXW : OSVERSIONINFOW {
+    WORD wServicePackMajor, wServicePackMinor, wSuiteMask;
+    BYTE wProductType, wReserved;
+};
+struct SYSTEM_INFO {
+    WORD wProcessorArchitecture;
+};
+BOOL GetVersionExW(OSVERSIONINFOW* version);
+void GetSystemInfo(SYSTEM_INFO* system);
+int GetSystemMetrics(int metric);
+UINT GetSystemDirectoryW(wchar_t* path, UINT capacity);
+UINT GetSystemFirmwareTable(DWORD provider, DWORD table, void* buffer, DWORD bytes);
+void OutputDebugStringW(LPCWSTR text);
+BOOL TerminateProcess(HANDLE process, UINT exitCode);
+HANDLE LocalFree(void* memory);
+void* VirtualAlloc(void* address, SIZE_T bytes, DWORD type, DWORD protection);
+
+// The C runtime's condition for broken arguments.
+using _invalid_parameter_handler = void (*)(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t);
+_invalid_parameter_handler _get_invalid_parameter_handler();
+_invalid_parameter_handler _set_invalid_parameter_handler(_invalid_parameter_handler handler);
