@@ -34,8 +34,8 @@ public:
 // Operations are synchronous: they run on the caller's thread and block for the whole exchange. Several may run at
 // once. Each stores what its own reply said; the last one wins. No lock is held during an exchange or a callback.
 //
-// Operations throw nothing, with one exception: RequestUserInfo, when no thread can be started. The accessors,
-// GetTraceID and BuildHeaders throw std::bad_alloc when there is no memory for what they return.
+// Operations throw nothing, with one exception: RequestUserInfo, when no thread can be started. The getters and setters
+// of the account state, GetTraceID and BuildHeaders throw std::bad_alloc when memory runs out.
 //
 // A reply text has room for 40959 bytes. A longer one raises the C runtime's invalid-parameter condition, which ends
 // the process unless the host's handler returns. InitSysConf, ActiveUser, ReportLoginTime, RequestClientLogReport and

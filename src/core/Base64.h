@@ -12,8 +12,8 @@ namespace userauth {
 // URL-safe base64 of length bytes, padded with "=", without line breaks; empty for a length of 0.
 std::string Base64UrlEncode(const unsigned char* bytes, std::int32_t length);
 
-// Standard base64 of the bytes, padded, on one line, through OpenSSL's filter. Throws
-// std::bad_alloc when memory runs out: what is sent is whole or not sent.
+// Standard base64 of the bytes, padded, on one line, through OpenSSL's filter. Throws std::bad_alloc when memory runs
+// out, so that no header is sent with half a value.
 std::string EncodeStandardBase64(const std::string& bytes);
 
 // The bytes of a standard base64 text, up to its end or to the first character that is not in the alphabet ("=", "-",

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "UserAuthService.h"
@@ -51,7 +52,8 @@ bool HasEndlessNumber(const std::string& text) {
     return false;
 }
 
-// Every parse goes through here.
+// Every parse goes through here. Lack of memory is no property of the text and goes on to the operation: a reply that
+// could not be read must not look like one without members, which would be stored.
 template <typename Read>
 bool Parse(const std::string& text, const Read& read) {
     if (HasEndlessNumber(text)) {
@@ -59,6 +61,8 @@ bool Parse(const std::string& text, const Read& read) {
     }
     try {
         return read(text.data(), text.data() + text.size());
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         return false;
     }

@@ -6,9 +6,9 @@
 
 namespace userauth {
 
-// Everything that turns JSON text into values and back. None of these throws on any text: the library's exceptions
-// (nesting beyond its limit of 1,000 among them) count as a failed parse. So does a text with more than 1,024 digits in
-// a row outside strings and comments, wherever it stands: it is not parsed at all.
+// Everything that turns JSON text into values and back. Whatever the text, nothing is thrown but std::bad_alloc: the
+// library's exceptions (nesting beyond its limit of 1,000 among them) count as a failed parse. So does a text with more
+// than 1,024 digits in a row outside strings and comments, wherever they stand: it is not parsed at all.
 
 // Parses a whole text. True only for an array or an object at the root; false on empty text. On failure value holds
 // what the reader left.

@@ -41,8 +41,8 @@ HeaderMap CommonHeaders(const std::wstring& traceId) {
 
 }  // namespace
 
-// This, GetAuthorizationContents and GetTraceID may throw std::bad_alloc: the operation that asked answers then, and
-// nothing is sent with half its headers.
+// BuildHeaders, GetAuthorizationContents and GetTraceID let std::bad_alloc out: the operation that called them fails
+// then, and nothing is sent with half its headers.
 std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) {
     HeaderMap headers = CommonHeaders(traceId);
     const auto authorization = [this] { return MultiByteToWide(GetAuthorizationContents(), kAnsiCodePage); };

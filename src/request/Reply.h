@@ -10,9 +10,10 @@
 
 namespace userauth {
 
-// A server's reply, read without ever throwing. A text that is not JSON reads as a reply without members; a member that
-// is missing, null or of another type than the one asked for reads as empty text or 0, and so does every member of a
-// reply (or of a member) that is not an object. The two Converted forms are as lenient as the JSON library.
+// A server's reply, of which no text makes reading throw; lack of memory does (std::bad_alloc). A text that is not JSON
+// reads as a reply without members. A member that is missing, null or of another type than the one asked for reads as
+// empty text or 0, and so does every member of a reply (or of a member) that is not an object. The two Converted forms
+// are as lenient as the JSON library.
 class Reply {
 public:
     explicit Reply(const std::string& text);

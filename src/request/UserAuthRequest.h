@@ -43,8 +43,8 @@ struct WebRequestResult {
 };
 
 // One outgoing request, used by one thread from construction to destruction. Sends block for the whole exchange and
-// never throw; what the status and the text mean is the caller's business. Body and certificate path go to the HTTP
-// library through code page 0. The order of the members is meant: they are released URL first and body last.
+// never throw; what the status and the text mean is the caller's business. The body goes to the HTTP library through
+// code page 0. The order of the members is meant: they are released URL first and body last.
 class UserAuthRequest {
 public:
     using HeaderMap = std::map<std::wstring, std::wstring>;

@@ -8,7 +8,7 @@ UserSyncKeyService::UserSyncKeyService() = default;
 UserSyncKeyService::~UserSyncKeyService() = default;
 UserSyncKeyService& UserSyncKeyService::operator=(const UserSyncKeyService&) = default;
 
-// Each service has its own type of key here: the interface names them so, and hosts ask by these two.
+// The drive counts by its key of type 1, the photo library by its key of type 3: kept as it is.
 bool UserSyncKeyService::IsSyncDriveKeyInited() try {
     return userauth::HoldsKey(GlobalParamWrapper::GetInstance()->GetUserInfo().driveKey1);
 } catch (...) {

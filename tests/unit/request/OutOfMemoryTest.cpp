@@ -6,8 +6,8 @@
 
 namespace {
 
-// This thread's allocations until the one that fails; negative: none does. Texts grow inside the C++ runtime's own
-// library and are not counted.
+// This thread's allocations until the one that fails; negative: none does. What the C++ runtime (texts) and the JSON
+// library allocate is not counted on Windows, where each calls its own operator new.
 thread_local int g_untilFailure = -1;
 
 }  // namespace
@@ -76,4 +76,16 @@ TEST_F(OutOfMemory, TheStoredKeyIsNotLost) {
     std::vector<std::uint8_t> next = keys[1];
     EXPECT_FALSE(Fails(0, [&] { m_service->SetRealUserKey(std::move(next)); })) << "it takes no memory";
     EXPECT_EQ(m_service->GetRealUserKey(), keys[1]);
+}
+
+// A reply for whose reading there is no memory must not look like one without members, which would be stored.
+TEST_F(OutOfMemory, AReplyThatCannotBeReadIsAFailure) {
+    Recording().repliesByUrl
+        [L"https://gateway.example.com?access_token=at&nsp_fmt=JSON&nsp_svc="
+         L"zorvan.oauth2.user.getTokenInfo&open_id=OPENID"] = {200, R"({"uid":"u"})", {}};
+    bool done = false;
+    for (int allocation = 0; Fails(allocation, [&] { done = m_service->RequestUserID(); }); ++allocation) {
+        EXPECT_TRUE(!done || m_service->GetCurrentUserID() == L"u") << "allocation " << allocation;
+    }
+    EXPECT_TRUE(done);
 }
