@@ -13,10 +13,7 @@ namespace {
 
 const Bytes kTemporaryKey = FromHex("000102030405060708090a0b0c0d0e0f");
 
-std::string FromUrlText(const std::string& text) {
-    const Bytes bytes = FromBase64(text);
-    return {bytes.begin(), bytes.end()};
-}
+std::string FromUrlText(const std::string& text) { return sandbox::Base64UrlDecoded(text).value_or(""); }
 
 std::string ClientKeyOf(const std::string& token) { return FromUrlText(token.substr(0, 124)); }
 
