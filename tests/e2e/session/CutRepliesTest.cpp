@@ -20,9 +20,13 @@ protected:
     }
     ~CutReplies() override { m_service->SetAtExpireCallback(nullptr); }
 
+    // Without what the profile's reply tells, which is always whole.
     Fields State() {
         Fields state = AccountFields(*m_service);
         state["callbacks"] = std::to_wstring(m_callbacks);
+        for (const char* told : {"account brand", "portrait URL", "user name"}) {
+            state.erase(told);
+        }
         return state;
     }
 
