@@ -29,10 +29,10 @@ struct Command {
 
 // A client's whole life. At its end a refresh is refused, so that the client would ask for a sign-in again.
 std::vector<Step> DemoSteps() {
-    constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps,   RegistrationSteps,
-                                 ConfigurationSteps, ActivationSteps,       ReportSteps,    DeviceSteps,
-                                 RefreshSteps,       ApplicationTokenSteps, SyncKeySteps,   ComparedKeySteps,
-                                 LegacySignInSteps,  DemoContactsSteps,     DemoRouteSteps, AccountSdkSteps,
+    constexpr Stretch kDemo[] = {SignInSteps,        WhoAmISteps,           ProfileSteps, RegistrationSteps,
+                                 ConfigurationSteps, ActivationSteps,       ReportSteps,  DeviceSteps,
+                                 RefreshSteps,       ApplicationTokenSteps, SyncKeySteps, ComparedKeySteps,
+                                 LegacySignInSteps,  DemoContactsSteps,     RouteSteps,   AccountSdkSteps,
                                  StatusSteps,        ExpiredTokenSteps,     SignOutSteps};
     std::vector<Step> demo;
     for (const Stretch stretch : kDemo) {
@@ -129,8 +129,8 @@ struct SessionEnd {
                 report.RunAll(CloseSteps());
             }
             report.Conclude();
-        } catch (
-            const std::exception&) {  // no memory for the line; the exception that ended the session is told elsewhere
+        } catch (const std::exception&) {
+            // No memory for the line. The exception that ended the session goes on to main, which reports it.
         }
     }
 

@@ -19,7 +19,7 @@ inline constexpr std::string_view kSignInScopes =
     "https://www.example.com/auth/account/account.flags "
     "https://www.example.com/auth/account/realname/state ";
 
-// Clients send no position. The text is not JSON, and is expected so.
+// Clients send no position, and leave the values out. So this is not valid JSON; both sides compare it byte by byte.
 inline constexpr std::string_view kSignInLocation = R"({"LocationX":,"LocationY":})";
 
 }  // namespace sandbox

@@ -33,7 +33,7 @@ constexpr char kFooter[] =
     "  0  every step succeeded\n"
     "  1  a step failed, or no platform answers\n"
     "  2  the arguments or a configuration file are wrong\n"
-    "  3  interrupted by Ctrl-C: files of the program's own are removed";
+    "  3  interrupted by Ctrl-C; the program's temporary files are removed";
 
 // Arguments that become something else in Options.
 struct RawOptions {

@@ -33,7 +33,7 @@ struct Options {
 // The process's own arguments, UTF-8, without the program's name.
 std::vector<std::string> ProcessArguments();
 
-// Reads the arguments; commands: those that there are. Returns an exit code when there is nothing left to do, because
+// Reads the arguments. commands: every command that exists. Returns an exit code when nothing is left to do, because
 // help or the version was asked for. Throws HostError with kExitUsage.
 std::optional<int> ReadCommandLine(std::vector<std::string> arguments, const CommandForms& commands, Options& options,
                                    Console& console);

@@ -21,7 +21,7 @@ struct ChildProcess {
     WindowsHandle output;  // what it writes to its standard output
 };
 
-// A running sandbox-server.exe. It ends with its standard input, so with this object or with this process.
+// A running sandbox-server.exe. It ends when its standard input is closed: with this object, or with this process.
 class SandboxProcess {
 public:
     // Starts the program on free ports and waits until it is ready, 20 s at most. It writes its authority to

@@ -21,7 +21,7 @@ struct SessionState {
     Console& console;
     const CommandCall* call = nullptr;  // the command whose steps run; null before the first
     TemporaryFolder folder;
-    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; below the folder, which must outlive it
+    std::unique_ptr<SandboxProcess> sandbox;  // null without demo; declared after the folder, which must outlive it
     std::string platformUrl;                  // empty until the set-up has run
     UserAuthService* service = nullptr;       // null until it was created
     std::string authorizationCode;            // from its delivery to its exchange

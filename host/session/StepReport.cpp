@@ -152,7 +152,7 @@ bool StepReport::Run(const Step& step) {
     try {
         result = step.run(m_state);
     } catch (const std::exception& error) {
-        // On a terminal the text is the program's last line, and would stand there twice.
+        // On a terminal the program's last line has the same text.
         const bool shown = m_state.console.IsTerminal() && !m_state.options.json;
         Finish(step, start, {false, shown ? "" : error.what()});
         throw;

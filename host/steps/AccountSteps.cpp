@@ -65,7 +65,8 @@ StepResult UninitialiseSdk(SessionState& state) {
     return {code == 0, "UnInitializeSDK returned " + std::to_string(code)};
 }
 
-StepResult AskRoute(SessionState& state, const std::string& url) {
+StepResult AskRoute(SessionState& state) {
+    const std::string url = state.sandbox ? state.platformUrl + "/routing/v1/remote" : state.call->argument;
     std::map<std::string, std::string> headers;
     const std::string text = state.service->GetRtqRemoteInfo(ToWide(url), headers);
     Table table{{"header", "value"}};
@@ -76,14 +77,6 @@ StepResult AskRoute(SessionState& state, const std::string& url) {
         return {false, SeeLog("no text"), {}, table};
     }
     return {true, std::to_string(text.size()) + " bytes", {{"text", text}}, table};
-}
-
-StepResult AskGivenRoute(SessionState& state) {
-    return AskRoute(state, state.call->argument);
-}
-
-StepResult AskSandboxRoute(SessionState& state) {
-    return AskRoute(state, state.platformUrl + "/routing/v1/remote");
 }
 
 }  // namespace
@@ -109,11 +102,7 @@ std::vector<Step> CloseSteps() {
 }
 
 std::vector<Step> RouteSteps() {
-    return {{"routing", "routing service asked", AskGivenRoute}};
-}
-
-std::vector<Step> DemoRouteSteps() {
-    return {{"routing", "routing service asked", AskSandboxRoute}};
+    return {{"routing", "routing service asked", AskRoute}};
 }
 
 }  // namespace host

@@ -20,7 +20,8 @@ public:
     // False, and nothing is changed, when the wanted file cannot be replaced: it is read-only, or open elsewhere for
     // more than a second.
     bool Replace(const std::filesystem::path& wanted) const;
-    // Whether the disk has no room for another block. The service does not check its writes: contacts may be missing.
+    // Whether the disk has no room for another block. Contacts may be missing then: the service does not check that
+    // its writes succeed.
     bool IsDiskFull() const;
 
 private:

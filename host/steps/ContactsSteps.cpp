@@ -69,7 +69,7 @@ constexpr std::chrono::milliseconds kPause{100};
 constexpr std::size_t kBarWidth = 24;
 constexpr std::size_t kBlockWidth = 5;
 
-// A handle is asked, because the folder's entry of an open file may be old.
+// The size comes from a handle: the folder's entry of an open file may be out of date.
 std::uint64_t BytesOf(const std::filesystem::path& file) {
     const WindowsHandle handle =
         OpenFile(file, FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
@@ -86,7 +86,7 @@ std::string Bar(std::size_t tick) {
 }
 
 // Shows a moving bar and the file's size on the current line of a terminal, until the end comes. The final size is not
-// known, so the bar tells nothing but life. Nothing else may be written meanwhile; the line is left as it is.
+// known: the bar only shows that the program works. Nobody else may write meanwhile. The line stays as it is then.
 void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
     for (std::size_t tick = 0; end.wait_for(kPause) == std::future_status::timeout; ++tick) {
         console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bar(tick) + "  " + Bytes(BytesOf(file))))));

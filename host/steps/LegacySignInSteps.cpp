@@ -63,7 +63,7 @@ std::wstring StoredItem() {
 }
 
 // The configuration's own item comes first. Without one, the session's refresh token is stored as an earlier client
-// would have left it; a session that has none any more keeps the one that it stored before.
+// would have left it; a session without one any more keeps the item that it stored before.
 StepResult ProvideItem(SessionState& state) {
     const std::wstring stored = StoredItem();
     if (!stored.empty() && !state.madeLegacyItem) {

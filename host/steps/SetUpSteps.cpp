@@ -15,7 +15,7 @@ namespace {
 constexpr wchar_t kDemoUserFolder[] =
     L"\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u041D\u0430\u0434\u0435\u0436\u0434\u0430 \U0001F98A";
 
-// Taken where the system cannot make such a name, as Wine without a UTF-8 locale.
+// Used where the system cannot make such a name, as under Wine without a UTF-8 locale.
 constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
 
 constexpr int kLongestSeconds = 10;

@@ -68,7 +68,7 @@ Table DeviceTable(const std::vector<DeviceTag>& devices) {
     return table;
 }
 
-// The server lists the newest device first. Whether that is the one that reported in this session.
+// Whether the newest device, which the server lists first, is the one that reported in this session.
 bool IsTheReport(const std::vector<DeviceTag>& devices, const std::string& business) {
     return !devices.empty() && ToUtf8(devices.front().opDesc).find("bus:" + business) != std::string::npos;
 }

@@ -60,7 +60,7 @@ StepResult Refresh(SessionState& state) {
                                                     "; expired in parameter store: " + YesOrNo(store.GetAtIsExpired())};
 }
 
-// To a revoked refresh token the sandbox answers status 200 without a token.
+// The sandbox answers a revoked refresh token with status 200 and without a new token.
 StepResult RefreshInVain(SessionState& state) {
     if (!TellSandbox(state.sandbox->Address().http, "/sandbox/revoke", "{\"kind\":\"refresh\"}")) {
         return {false, "the sandbox does not revoke the refresh token"};

@@ -7,7 +7,7 @@
 namespace sandbox {
 namespace {
 
-// Any header fields will do.
+// Header fields are not checked.
 PlatformReply RemoteEndpoints(const PlatformRequest& request) {
     HeaderInspection(request.head).ExpectNoBody();
     RequireQuery(request, "");

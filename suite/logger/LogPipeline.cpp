@@ -82,7 +82,8 @@ LogPipeline::LogPipeline(const LoggerSettings& settings) : m_consoleSeverity(set
         }
     }
     if (settings.console) {
-        // Without the console's common lock: a line that nobody reads would keep it for ever.
+        // Not the sink with the lock that all of the program's console sinks share: a console that nobody reads would
+        // hold it for ever.
         auto console = std::make_shared<spdlog::sinks::stderr_sink_st>();
         console->set_formatter(std::make_unique<MaskingFormatter>());
         sink(LogTarget::kConsole) = std::make_unique<SinkThread>(std::move(console), LossText);

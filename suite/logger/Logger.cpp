@@ -51,7 +51,8 @@ void Replace(std::shared_ptr<LogPipeline> pipeline) {
     }
 }
 
-// The tag is masked by itself: it may end in "Token", and a colon follows.
+// The tag is masked before the colon is added: behind a tag that ends in "Token" the line number would be taken for a
+// secret.
 std::string PlaceOf(int moduleType, int severity, int line, const std::string& functionTag) {
     return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + MaskSecrets(functionTag) +
            ":" + std::to_string(line);

@@ -12,12 +12,12 @@ namespace {
 
 constexpr std::size_t kMaxSecrets = 32;
 constexpr std::size_t kMaxSecretBytes = std::size_t{64} * 1024;  // of all of them
-// Percent signs twice over, of UTF-16 read as bytes: "%2541%2500" for one character. Beyond a cut, deeper is not found.
+// One character in UTF-16, read as bytes and percent-encoded twice: "%2541%2500". A value that goes on behind the limit
+// of a text is not found when it is encoded more deeply than that.
 constexpr std::size_t kLongestEncoding = 12;
 
-// What the base64 texts of all bytes with the value in them have in common, when as many bytes as skipped (0 to 2), or
-// three more and so on, stand before the value: each digit holds six bits, and those that it shares with other bytes
-// are left out.
+// The digits that base64 has for the value whatever stands around it. skipped: how many bytes stand before the value,
+// modulo 3. A digit holds six bits; one that also holds bits of a neighbouring byte is left out.
 std::string Base64Core(std::string_view value, std::size_t skipped) {
     constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     const auto byteAt = [value, skipped](std::size_t i) {

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kMaxLines = 4096;
 constexpr std::size_t kMaxBytes = std::size_t{16} * 1024 * 1024;
 
-// Of lines that are the logger's own.
+// Stands for the place in lines that the logger itself writes.
 constexpr char kLoggersPlace[] = "[logger]";
 
 struct Line {

@@ -47,11 +47,11 @@ struct Quote {
 Quote QuoteAt(std::string_view text, std::size_t at);
 
 // Where a quoted value ends: a quote that is escaped against the opening one is part of the value, and so is what
-// follows the closing quote without anything that could part values.
+// follows the closing quote without anything that separates values.
 std::size_t EndOfQuoted(std::string_view text, const Quote& opening);
 
-// Where a value without quotes ends inside running text: at white space, one of the stops, or a quote, escaped or not,
-// with something after it that parts values.
+// Where a value without quotes ends inside running text: at white space, at one of the stops, or at a quote, escaped or
+// not, that is followed by something that separates values.
 std::size_t EndOfRun(std::string_view text, std::size_t at, std::string_view stops);
 
 // Where a header's value ends: at the line's end, or that of the last line that continues it (RFC 9112, 5.2: such a

@@ -2,7 +2,6 @@
 
 #include <openssl/evp.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -22,16 +21,4 @@ inline std::string ToBase64(const Bytes& bytes) {
     text.resize(static_cast<std::size_t>(
         EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes.data(), static_cast<int>(bytes.size()))));
     return text;
-}
-
-// Of padded base64 in the standard or the URL-safe alphabet; empty when it is none.
-inline Bytes FromBase64(std::string text) {
-    std::replace(text.begin(), text.end(), '-', '+');
-    std::replace(text.begin(), text.end(), '_', '/');
-    Bytes bytes(text.size());
-    const int length = EVP_DecodeBlock(bytes.data(), reinterpret_cast<const unsigned char*>(text.data()),
-                                       static_cast<int>(text.size()));
-    const auto padding = std::count(text.begin(), text.end(), '=');
-    bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, length - padding)));
-    return bytes;
 }

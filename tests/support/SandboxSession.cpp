@@ -39,7 +39,7 @@ void OnNotification(MessageType type, char* first, char*) {
     g_notification.arrived.notify_all();
 }
 
-// Of this process, below the system's folder for such.
+// A folder of this process, below the system's temporary folder.
 std::filesystem::path TemporaryFolder(const std::wstring& name) {
     std::filesystem::path folder =
         std::filesystem::temp_directory_path() / (name + L"-" + std::to_wstring(GetCurrentProcessId()));

@@ -33,7 +33,7 @@ inline const std::string kBasicService = "https://basic.example.com/KeCloudUserF
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // GCC 12 sees it in every text of a base in an initialiser list
 #endif
-// How the rows of an operation's outcomes begin: a name, the one reply, what the operation returns then.
+// The start of a row in a table of outcomes: a name, the one reply, and what the operation returns then.
 struct ReplyRow {
     const char* name;
     int status;
@@ -109,7 +109,7 @@ protected:
         m_service = UserAuthServiceAccess::Make();
         Recording().journal.clear();
     }
-    // What a test hung in refers to its own variables.
+    // The hooks that a test has set refer to the test's variables.
     ~ServiceTest() override {
         Recording().duringExchange = nullptr;
         Recording().duringPush = [] {};

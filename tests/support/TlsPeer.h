@@ -1,7 +1,6 @@
 #pragma once
 
 #include <httplib.h>
-#include <openssl/ec.h>
 #include <openssl/x509v3.h>
 
 #include <memory>
@@ -18,13 +17,6 @@ struct TestIdentity {
                           const TestIdentity* authority = nullptr, long beginsInSeconds = -60,
                           long endsInSeconds = 3600) {
         static long serial = 0;
-        EVP_PKEY* newKey = nullptr;
-        const std::unique_ptr<EVP_PKEY_CTX, decltype(&EVP_PKEY_CTX_free)> context(
-            EVP_PKEY_CTX_new_id(EVP_PKEY_EC, nullptr), &EVP_PKEY_CTX_free);
-        EVP_PKEY_keygen_init(context.get());
-        EVP_PKEY_CTX_set_ec_paramgen_curve_nid(context.get(), NID_X9_62_prime256v1);
-        EVP_PKEY_keygen(context.get(), &newKey);
-        key.reset(newKey, &EVP_PKEY_free);
         X509* const x509 = certificate.get();
         X509_set_version(x509, 2);
         ASN1_INTEGER_set(X509_get_serialNumber(x509), ++serial);
@@ -33,13 +25,13 @@ struct TestIdentity {
         X509_set_issuer_name(x509, X509_get_subject_name(authority != nullptr ? authority->certificate.get() : x509));
         X509_gmtime_adj(X509_getm_notBefore(x509), beginsInSeconds);
         X509_gmtime_adj(X509_getm_notAfter(x509), endsInSeconds);
-        X509_set_pubkey(x509, newKey);
+        X509_set_pubkey(x509, key.get());
         for (const auto& [nid, value] : extensions) {
             const std::unique_ptr<X509_EXTENSION, decltype(&X509_EXTENSION_free)> extension(
                 X509V3_EXT_conf_nid(nullptr, nullptr, nid, value.c_str()), &X509_EXTENSION_free);
             X509_add_ext(x509, extension.get(), -1);
         }
-        X509_sign(x509, authority != nullptr ? authority->key.get() : newKey, EVP_sha256());
+        X509_sign(x509, authority != nullptr ? authority->key.get() : key.get(), EVP_sha256());
     }
 
     std::vector<unsigned char> Der() const {
@@ -50,7 +42,7 @@ struct TestIdentity {
     }
 
     std::shared_ptr<X509> certificate{X509_new(), &X509_free};
-    std::shared_ptr<EVP_PKEY> key;
+    std::shared_ptr<EVP_PKEY> key{EVP_EC_gen("P-256"), &EVP_PKEY_free};
 };
 
 // An https server on a free port of 127.0.0.1 that answers "/" with 200 until it goes.

@@ -24,8 +24,8 @@ constexpr FixedField kFixedFields[] = {
     {"x-zv-os-brand", kOsBrand},          {"Host", kAccountHost},
 };
 
-// Fields that HTTP libraries add by themselves. No library sets a field to the value beside it, only the client does;
-// an empty one stands for none.
+// Fields that HTTP libraries add by themselves, each with the value that shows that the client set it. Empty: no value
+// shows that.
 constexpr FixedField kLibraryFields[] = {
     {"Host", kAccountHost}, {"User-Agent", kUserAgent}, {"Accept", ""}, {"Accept-Encoding", ""}, {"Connection", ""},
 };

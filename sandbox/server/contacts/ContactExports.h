@@ -21,7 +21,7 @@ public:
 
     // The account's login, which the first call makes.
     PortalLogin LoginOf(const std::string& userId);
-    // The user id of the account that the login is of. Throws Refusal when it is nobody's.
+    // The user id of the account whose login it is. Throws Refusal when it is nobody's.
     std::string OwnerOf(const PortalLogin& login) const;
 
     // What the account gets from now on.

@@ -12,7 +12,8 @@ namespace sandbox {
 // values, and percent-decodes the values of the others. These servers therefore hand the library a stream that keeps a
 // copy of the head, and pass that copy on with the request.
 // They also look after idle connections themselves: the library would wait for each to time out before it stops.
-// And they apply the largest payload to bodies whose length the head does not tell, too: such a connection is ended.
+// The library limits only bodies whose length the head tells. These servers limit the others too, by ending the
+// connection.
 
 // The head of a request as it stood on the wire; only for requests of the servers below.
 std::string RawHead(const httplib::Request& request);

@@ -7,7 +7,7 @@
 namespace sandbox {
 namespace {
 
-// A grey JPEG of 48 by 48 points, chequered in its blocks of 8 by 8: each is stored as one value, its mean.
+// A grey chequered JPEG of 48 by 48 points. Each block of 8 by 8 points is stored as one value, its mean.
 constexpr unsigned char kJpeg[] = {
     0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x10, 0x4A, 0x46, 0x49, 0x46, 0x00, 0x01, 0x01, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00,
     0x00, 0xFF, 0xDB, 0x00, 0x43, 0x00, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08,
@@ -55,7 +55,8 @@ Photo PhotoOf(const std::string& name, bool odd) {
 
 EndpointHandler PhotoEndpoint(const Photo& photo) {
     return [photo](const PlatformRequest& request) {
-        // In real life this is another host. A client must not send it what it tells the account platform of itself.
+        // The real platform keeps photos on another host, which must not learn what a client tells the platform about
+        // itself.
         HeaderInspection inspection(request.head);
         inspection.ExpectNoBody();
         inspection.RefuseOtherFields();

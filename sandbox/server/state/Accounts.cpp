@@ -2,8 +2,8 @@
 
 namespace sandbox {
 
-// Names beyond ASCII, one of them beyond the basic plane, and such a user id: a client that loses characters shows
-// itself. One account has no photo.
+// Names and a user id beyond ASCII, one name beyond the basic plane: a client that loses characters is found out. One
+// account has no photo.
 std::vector<Account> KnownAccounts() {
     return {
         {"260086000100000001", "\u0E2A\u0E21\u0E0A\u0E32\u0E22 \u0E43\u0E08\u0E14\u0E35", "CN", 7,

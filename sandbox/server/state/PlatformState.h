@@ -66,7 +66,7 @@ public:
     SignInGrant SignIn();
     void SignOut();
     Session CurrentSession() const;
-    // The one that signs in next, signed in or not.
+    // The account that signs in next, whether or not somebody is signed in now.
     Account CurrentAccount() const;
     // Makes another account the current one; false when no account has that user id.
     bool SelectAccount(const std::string& userId);

@@ -47,7 +47,7 @@ private:
     const ServedKey m_true;
     mutable std::mutex m_lock;  // guards everything below
     ServedKey m_replacement;
-    ExchangeCounts m_counts;  // but for the distinct ones
+    ExchangeCounts m_counts;  // without the distinct ones: these are the sizes of the sets
     std::set<std::string> m_nonces;
     std::set<std::string> m_temporaryKeys;
 };

@@ -99,8 +99,8 @@ Json::Value LongUuid(const KeyListOrder& order) {
     });
 }
 
-// A key that cannot be unwrapped, with the digest of one zero byte: right for a client whose unwrapping leaves such a
-// byte when it fails.
+// A key that cannot be unwrapped, with the digest of one zero byte. A client whose unwrapping leaves one zero byte when
+// it fails finds the digest right.
 Json::Value OneByteDigest(const KeyListOrder& order) {
     return ChangedList(order, [&](Json::Value& entry, const UserKey& key) {
         entry["encryptedKey"] = TextWithBadTag(key.bytes, order);

@@ -20,7 +20,7 @@ struct Device {
 };
 
 // Every account has these beside its PC, newest first. Names are beyond ASCII, one of them beyond the basic plane: a
-// client that loses characters shows itself.
+// client that loses characters is found out.
 std::vector<Device> OtherDevices() {
     return {
         {"\u624B\u673A \U0001F4F1", "Nimba 9 Pro", "PHONE", "2024-11-05T21:40:12Z",

@@ -61,10 +61,7 @@ TEST_F(SandboxSdk, JudgesBaseUrlsAsTheParameterStoreDoes) {
     for (const auto& row : rows) {
         Json::Value settings;
         settings["portalUrl"] = Narrow(row.url);
-        WriteFile(std::filesystem::temp_directory_path() / "base-url.json", settings.toStyledString());
-        EXPECT_EQ(GlobalParamWrapper::GetInstance()->LoadConfiguration(
-                      (std::filesystem::temp_directory_path() / "base-url.json").wstring(), error),
-                  row.good)
+        EXPECT_EQ(GlobalParamWrapper::GetInstance()->LoadConfigurationText(settings.toStyledString(), error), row.good)
             << Narrow(row.url) << error;
         Use(row.url);
         EXPECT_EQ(Call<int>("Init"), row.good ? kOk : kConfigurationInvalid) << Narrow(row.url);

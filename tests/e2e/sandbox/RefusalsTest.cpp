@@ -51,7 +51,7 @@ bool IsRefused(const std::string& reply, const std::string& header = "") {
 }  // namespace
 
 // The real requests, each with one thing wrong: every header missing or changed, one too many, another query or body.
-// These checks are what shows in every other test that the requests are right.
+// All other tests rely on these checks to find a wrong request.
 TEST_F(Refusals, EveryEndpointRefusesWhatIsNotQuiteRight) {
     SignInWhole();
     UserSyncKeyService keys;

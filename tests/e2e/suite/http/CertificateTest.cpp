@@ -3,20 +3,6 @@
 
 using HttpCertificate = SandboxSession;
 
-TEST_F(HttpCertificate, ALoginOverHttpsTrustsTheNamedAuthorityOnly) {
-    const std::string code = SignIn();
-    UsePlatform(m_sandbox.m_https);
-    EXPECT_FALSE(m_service->RequestAT("", code.c_str())) << "the system's store does not know the sandbox";
-    EXPECT_NE(LogText().find("RequestCountryCode httpcode:-5"), std::string::npos) << LogText();
-
-    CurlHttpLibContext::SetDefaultCertPath((m_folder / "authority.pem").wstring());
-    EXPECT_TRUE(m_service->RequestAT("", code.c_str())) << LogText();
-
-    // The connection that was good under the authority is not good without it.
-    CurlHttpLibContext::SetDefaultCertPath(L"");
-    EXPECT_EQ(HttpCall(Wide(m_sandbox.m_https + "/routing/v1/remote")).Send(), kHttpCertificateUntrusted);
-}
-
 TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     const std::filesystem::path otherAuthority = m_folder / "other.pem";
     SandboxServer wrongName(L"--tls-name wrong.example --ca-file \"" + otherAuthority.wstring() + L"\"");
@@ -35,7 +21,6 @@ TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     } rows[] = {
         {"right", m_folder / "authority.pem", m_sandbox.m_https, 200},
         {"another authority", otherAuthority, m_sandbox.m_https, kHttpCertificateUntrusted},
-        {"system store", "", m_sandbox.m_https, kHttpCertificateUntrusted},
         {"wrong name", otherAuthority, wrongName.m_https, kHttpCertificateWrongName},
         {"TLS 1.1 at most", oldAuthority, oldTls.m_https, kHttpTlsFailed},
         {"no such file", m_folder / "absent.pem", m_sandbox.m_https, kHttpCertificateFileInvalid},

@@ -154,14 +154,8 @@ TEST(HttpRedirect, SecretsStayWithTheirHost) {
                                  {L"refreshToken", L"secret"},
                                  {L"Host", L"secret"},
                                  {L"Accept-Language", L"zh-CN"}});
-    FileTransferHandler handler;
-    std::string body;
-    handler.SetWriteDataFunc([&body](const char* data, std::size_t& size, bool) {
-        body.append(data, size);
-        return true;
-    });
-    EXPECT_EQ(CurlHttpLibContext(&call.strategy).Request(call.response, &handler), 200);
-    EXPECT_EQ(body, "ok");
+    EXPECT_EQ(call.SendAs(RequestForm::kDownload), 200);
+    EXPECT_EQ(call.received, "ok.");
     const std::string arrived = other.Requests().at(0);
     EXPECT_EQ(arrived.find("secret"), std::string::npos) << arrived;
     EXPECT_NE(arrived.find("Accept-Language: zh-CN"), std::string::npos);

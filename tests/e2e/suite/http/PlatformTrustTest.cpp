@@ -16,7 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 
 // A root authority of the system until it is dropped, for processes that start later; null when the system takes none.
-// Windows asks the user in a window before it takes one for him alone; for the machine it takes an administrator's.
+// On Windows the store is the machine's, which an administrator may fill: for the user's own store Windows would ask in
+// a window.
 std::shared_ptr<const CERT_CONTEXT> StoreAsRoot(const std::vector<unsigned char>& der) {
     const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
     const DWORD place = wine ? CERT_SYSTEM_STORE_CURRENT_USER : CERT_SYSTEM_STORE_LOCAL_MACHINE;

@@ -176,6 +176,7 @@ TEST(HttpReply, DownloadsAreBounded) {
         RawReply reply;
         const char* received;
     } rows[] = {
+        {"empty", 200, OkReply(""), "."},
         {"as large as allowed", 200, OkReply("12345"), "12345."},
         {"announced larger", kHttpReplyTooLarge, OkReply("123456"), ""},
         {"larger in chunks", kHttpReplyTooLarge, {Chunked("123456")}, "1"},
