@@ -126,7 +126,9 @@ struct SessionEnd {
     ~SessionEnd() {
         try {
             if (state.sdkInitialised) {
-                report.RunAll(CloseSteps());
+                for (const Step& step : CloseSteps()) {
+                    report.Run(step);  // after Ctrl-C too
+                }
             }
             report.Conclude();
         } catch (const std::exception&) {

@@ -77,14 +77,24 @@ void CheckNewFile(const std::string& file, const std::string& what) {
 }
 
 std::vector<std::string> ReadLines(const std::string& file, const std::string& what) {
+    if (file.empty()) {
+        return {};
+    }
+    constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
     const bool standardInput = file == "-";
     std::ifstream stream(standardInput ? std::filesystem::path() : CheckedFile(file, what), std::ios::binary);
     std::istream& input = standardInput ? std::cin : stream;
     std::vector<std::string> lines;
     for (std::string line; std::getline(input, line);) {
+        if (lines.empty() && line.rfind(kByteOrderMark, 0) == 0) {
+            line.erase(0, sizeof(kByteOrderMark) - 1);
+        }
         if (line = Trimmed(line); !line.empty()) {
             lines.push_back(line);
         }
+    }
+    if (lines.empty()) {
+        Refuse(what + ": nothing can be read from " + file);
     }
     return lines;
 }

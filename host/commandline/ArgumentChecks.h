@@ -20,7 +20,8 @@ void CheckUrl(const std::string& url, const std::string& what);
 std::filesystem::path CheckedFile(const std::string& file, const std::string& what);
 // A file that can be made or replaced, as far as its folder tells.
 void CheckNewFile(const std::string& file, const std::string& what);
-// The lines of a file, or of standard input for "-"; empty lines are left out. No file, no lines.
+// The lines of a file, or of standard input for "-", at least one; empty lines and a byte order mark are left out. No
+// lines when no file is given.
 std::vector<std::string> ReadLines(const std::string& file, const std::string& what);
 // NAME=VALUE without characters that end a cookie. The error's line does not show it: it may be a secret.
 std::pair<std::wstring, std::wstring> CheckedCookie(const std::string& cookie, const std::string& what);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "session/SessionState.h"
+#include "system/Interruption.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -182,7 +183,7 @@ bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult re
 
 bool StepReport::RunAll(const std::vector<Step>& steps) {
     for (const Step& step : steps) {
-        if (!Run(step)) {
+        if (Interrupted() || !Run(step)) {
             return false;
         }
     }

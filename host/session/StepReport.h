@@ -44,7 +44,7 @@ public:
 
     // Whether it succeeded. An exception of the step counts as a failure and is thrown on: the program ends with it.
     bool Run(const Step& step);
-    // Runs the steps in order, up to the first that fails; whether all succeeded.
+    // Runs the steps in order, up to the first that fails or to Ctrl-C; whether all succeeded.
     bool RunAll(const std::vector<Step>& steps);
 
     // Writes the closing line for people, after the last step.

@@ -49,7 +49,11 @@ std::optional<PlatformUrl> ParsePlatformUrl(const std::string& text) {
     const std::size_t colon = url.host.find(':', bracket == std::string::npos ? 0 : bracket);
     const std::string portText = colon == std::string::npos ? "" : url.host.substr(colon + 1);
     url.host.resize(std::min(colon, url.host.size()));
-    if (url.host.empty()) {
+    const bool bracketed = url.host.size() > 2 && url.host.front() == '[' && url.host.back() == ']';
+    if (bracketed) {
+        url.host = url.host.substr(1, url.host.size() - 2);
+    }
+    if (url.host.empty() || url.host.find_first_of(bracketed ? "]" : ":[]") != std::string::npos) {
         return std::nullopt;
     }
     if (!portText.empty()) {  // nothing behind the colon means the scheme's own port (RFC 3986, 3.2.3)
@@ -58,9 +62,6 @@ std::optional<PlatformUrl> ParsePlatformUrl(const std::string& text) {
             return std::nullopt;
         }
         url.port = *port;
-    }
-    if (url.host.front() == '[' && url.host.back() == ']') {
-        url.host = url.host.substr(1, url.host.size() - 2);
     }
     return url;
 }

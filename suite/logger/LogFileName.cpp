@@ -18,10 +18,18 @@ std::shared_ptr<void> OpenLockFile(const std::wstring& path) {
     return file == INVALID_HANDLE_VALUE ? nullptr : std::shared_ptr<void>(file, CloseHandle);
 }
 
+// One file has one name, in any letter case.
+struct FileNameLess {
+    bool operator()(const std::wstring& left, const std::wstring& right) const {
+        return CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
+    }
+};
+
 // Shared inside the process: new sinks open before those that they replace are closed.
 std::shared_ptr<void> HoldOf(const std::wstring& path) {
     static std::mutex mutex;
-    static auto* const holds = new std::map<std::wstring, std::weak_ptr<void>>;  // used while the process ends
+    using Holds = std::map<std::wstring, std::weak_ptr<void>, FileNameLess>;
+    static Holds* const holds = new Holds;  // used while the process ends
     const std::lock_guard<std::mutex> lock(mutex);
     std::weak_ptr<void>& known = (*holds)[path];
     std::shared_ptr<void> hold = known.lock();

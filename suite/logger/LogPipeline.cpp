@@ -97,6 +97,14 @@ void LogPipeline::Post(LogTarget target, bool urgent, std::string_view place, st
     }
 }
 
+void LogPipeline::Start() noexcept {
+    for (const std::unique_ptr<SinkThread>& sink : m_sinks) {
+        if (sink != nullptr) {
+            sink->Start();
+        }
+    }
+}
+
 bool LogPipeline::Wait(std::chrono::milliseconds timeout) {
     const SinkThread::Clock::time_point deadline = SinkThread::Clock::now() + timeout;
     bool done = true;

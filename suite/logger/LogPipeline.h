@@ -12,7 +12,8 @@ namespace suite {
 
 enum class LogTarget : std::size_t { kFile, kConsole, kOperations };
 
-// The open sinks, each with its queue and thread. Construction throws when a file cannot be opened.
+// The open sinks, each with its queue and thread. Construction throws when a file cannot be opened. Lines wait in the
+// queues until Start: two that append to one file at once would overwrite each other's lines.
 class LogPipeline {
 public:
     explicit LogPipeline(const LoggerSettings& settings);
@@ -22,6 +23,8 @@ public:
     // Queues a line for a target that is open; does nothing for one that is not. UTF-8; the text is masked by name when
     // it is written, the place and events are masked already. urgent: written through to the file at once. Any thread.
     void Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept;
+
+    void Start() noexcept;
 
     // Waits until what was posted before has been written or lost. Any thread, also while another closes the sinks.
     bool Wait(std::chrono::milliseconds timeout);

@@ -38,16 +38,21 @@ bool IsOpen() {
     return !ProcessIsEnding() && State().open.load(std::memory_order_relaxed);
 }
 
-// Swaps the pipeline in; what it replaces is drained and closed here, after other callers have the new one.
-void Replace(std::shared_ptr<LogPipeline> pipeline) {
+// Swaps the pipeline in; what it replaces is drained and closed here, after other callers have the new one, which writes
+// from then on.
+void Replace(const std::shared_ptr<LogPipeline>& pipeline) {
     LoggerState& state = State();
+    std::shared_ptr<LogPipeline> former = pipeline;
     {
         const std::lock_guard<std::mutex> lock(state.mutex);
         state.open.store(pipeline != nullptr, std::memory_order_relaxed);
-        std::swap(state.pipeline, pipeline);
+        std::swap(state.pipeline, former);
+    }
+    if (former != nullptr) {
+        former->Close();
     }
     if (pipeline != nullptr) {
-        pipeline->Close();
+        pipeline->Start();
     }
 }
 

@@ -8,7 +8,7 @@ namespace suite {
 namespace {
 
 std::uint8_t Folded(char c) {
-    return static_cast<std::uint8_t>(c == '-' ? '+' : c == '_' ? '/' : c);
+    return static_cast<std::uint8_t>(c == '-' || c == ' ' ? '+' : c == '_' ? '/' : c);
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ public:
         std::size_t end;
     };
     // For each position at which patterns end, the longest of them. "-" and "_" count as "+" and "/", so that the two
-    // alphabets of base64 are one.
+    // alphabets of base64 are one, and a blank as "+", which it becomes in a form.
     std::vector<Match> FindAll(std::string_view text) const;
 
 private:

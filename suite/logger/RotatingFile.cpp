@@ -26,6 +26,7 @@ void RotatingFile::sink_it_(const spdlog::details::log_msg& message) {
 
 void RotatingFile::Rotate() {
     m_file.close();
+    m_bytes = m_limit;  // the next line tries again when the file cannot be opened: the library writes to a null stream
     const bool moved = MoveAway();
     m_file.reopen(false);
     m_bytes = m_file.size();
@@ -35,6 +36,9 @@ void RotatingFile::Rotate() {
 // Moves no more files than make room, so that a second try after a failure does not push the oldest out.
 bool RotatingFile::MoveAway() const {
     std::error_code error;
+    if (!std::filesystem::exists(m_path, error)) {
+        return true;  // moved before, but no new one could be opened
+    }
     std::size_t age = 1;
     while (age < m_maxFiles && std::filesystem::exists(NameOf(age), error)) {
         ++age;

@@ -118,7 +118,8 @@ bool KnownSecrets::Set(const std::string& name, std::string value) {
         return cleared;
     }
     m_current.reset();
-    m_values.emplace(name, std::move(value));
+    m_values.emplace(name, value);
+    Wipe(value);  // a short text that is moved leaves its characters behind
     return true;
 }
 

@@ -39,7 +39,7 @@ struct SinkThread::State {
 
     std::shared_ptr<spdlog::sinks::sink> sink;
     std::function<std::string(std::uint64_t)> lossText;
-    std::uint64_t unflushed = 0;  // lines that the sink may still hold; the thread's own
+    std::uint64_t unflushed = 0;  // lines that the sink may still hold, told losses included; the thread's own
 
     std::mutex mutex;  // guards what follows
     std::condition_variable changed;
@@ -50,6 +50,7 @@ struct SinkThread::State {
     std::uint64_t lost = 0;   // not yet told
     int waiting = 0;
     bool inHand = false;
+    bool started = false;
     bool closing = false;
     bool abandoned = false;
     bool ended = false;
@@ -58,8 +59,8 @@ struct SinkThread::State {
 void SinkThread::State::Run() {
     std::unique_lock<std::mutex> lock(mutex);
     for (;;) {
-        changed.wait(lock, [this] { return closing || !lines.empty(); });
-        if (abandoned || lines.empty()) {
+        changed.wait(lock, [this] { return closing || (started && !lines.empty()); });
+        if (abandoned || !started || lines.empty()) {
             break;
         }
         TakeAndWrite(lock);
@@ -81,15 +82,15 @@ void SinkThread::State::TakeAndWrite(std::unique_lock<std::mutex>& lock) {
     const bool flush = line.urgent || waiting > 0 || lines.empty();
     const std::uint64_t lostBefore = std::exchange(lost, 0);
     lock.unlock();
-    std::uint64_t lostNow = lostBefore;
+    std::uint64_t lostNow = 0;
+    unflushed += lostBefore + 1;
     try {
         if (lostBefore > 0) {
             Write({kLoggersPlace, lossText(lostBefore), line.time, false}, false);
-            lostNow = 0;
         }
         Write(line, flush);
     } catch (...) {
-        lostNow += std::exchange(unflushed, 0);
+        lostNow = std::exchange(unflushed, 0);
     }
     lock.lock();
     lost += lostNow;
@@ -97,7 +98,6 @@ void SinkThread::State::TakeAndWrite(std::unique_lock<std::mutex>& lock) {
 }
 
 void SinkThread::State::Write(const Line& line, bool flush) {
-    ++unflushed;
     sink->log(spdlog::details::log_msg(line.time, spdlog::source_loc(), line.place, spdlog::level::info, line.text));
     if (flush) {
         sink->flush();
@@ -138,6 +138,12 @@ void SinkThread::Post(std::string_view place, std::string_view text, bool urgent
     while (m_state->lines.size() > 1 && (m_state->lines.size() > kMaxLines || m_state->bytes > kMaxBytes)) {
         m_state->DropOldest();
     }
+    m_state->changed.notify_all();
+}
+
+void SinkThread::Start() noexcept {
+    const std::lock_guard<std::mutex> lock(m_state->mutex);
+    m_state->started = true;
     m_state->changed.notify_all();
 }
 

@@ -21,15 +21,18 @@ class SinkThread {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // lossText: what is written for a number of lost lines. Both go when the thread ends.
+    // The thread waits for Start. lossText: what is written for a number of lost lines. Both go when the thread ends.
     SinkThread(std::shared_ptr<spdlog::sinks::sink> sink, std::function<std::string(std::uint64_t)> lossText);
-    ~SinkThread();  // closes without waiting
+    ~SinkThread();  // closes without waiting; what was never started writes nothing
     SinkThread(const SinkThread&) = delete;
     SinkThread& operator=(const SinkThread&) = delete;
 
     // UTF-8. place: the part of the line that the sink's formatter does not mask; urgent: written through at once. Any
     // thread. For want of memory the line is lost, and counted.
     void Post(std::string_view place, std::string_view text, bool urgent) noexcept;
+
+    // From now on the thread writes.
+    void Start() noexcept;
 
     // Waits until every line posted before the call was written or lost. False when the time ran out.
     bool Wait(Clock::time_point deadline);

@@ -25,18 +25,25 @@ std::size_t SchemeLength(const std::string& url) {
     return 0;
 }
 
-// authority: HOST, HOST:PORT or [ADDRESS]:PORT. No port, or nothing behind the colon, means the scheme's own
-// (RFC 3986, 3.2.3).
-bool HasUsablePort(std::string_view authority) {
-    const std::size_t bracket = authority.rfind(']');
-    const std::size_t colon = authority.find(':', bracket == std::string_view::npos ? 0 : bracket);
-    if (colon == std::string_view::npos || colon + 1 == authority.size()) {
+// Length of HOST in HOST, HOST:PORT or [ADDRESS]:PORT; 0 when there is none. Brackets stand nowhere else.
+std::size_t HostLength(std::string_view authority) {
+    if (authority.substr(0, 1) != "[") {
+        const std::size_t end = std::min(authority.find_first_of(":[]"), authority.size());
+        return end < authority.size() && authority[end] != ':' ? 0 : end;
+    }
+    const std::size_t close = authority.find(']');
+    return close == std::string_view::npos || close == 1 ? 0 : close + 1;
+}
+
+// What stands behind the host. No port, or nothing behind the colon, means the scheme's own (RFC 3986, 3.2.3).
+bool IsUsablePort(std::string_view text) {
+    if (text.empty() || text == ":") {
         return true;
     }
     std::uint16_t port = 0;
-    const char* const end = authority.data() + authority.size();
-    const auto read = std::from_chars(authority.data() + colon + 1, end, port);
-    return read.ec == std::errc() && read.ptr == end && port != 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data() + 1, end, port);
+    return text[0] == ':' && read.ec == std::errc() && read.ptr == end && port != 0;
 }
 
 bool IsSeparator(char c) {
@@ -71,10 +78,11 @@ const char* CheckBaseUrl(const std::string& url) {
         return "must not contain blanks, backslashes, a user name, a query or a fragment";
     }
     const std::string_view authority = std::string_view(url).substr(scheme, url.find('/', scheme) - scheme);
-    if (authority.empty() || authority[0] == ':') {
+    const std::size_t host = HostLength(authority);
+    if (host == 0) {
         return "must name a host";
     }
-    if (!HasUsablePort(authority)) {
+    if (!IsUsablePort(authority.substr(host))) {
         return "must have a port from 1 to 65535";
     }
     return url.back() == '/' ? "must not end with a slash" : nullptr;

@@ -55,7 +55,8 @@ TEST_F(SandboxSdk, JudgesBaseUrlsAsTheParameterStoreDoes) {
         {L"http://h\x7F", false},  {L"http://h\\base", false},   {L"http://h/", false},
         {L"http://", false},       {L"http://:80", false},       {L"http:///base", false},
         {L"http://u@h", false},    {L"http://h?q", false},       {L"http://h#f", false},
-        {L"http://h h", false},    {L"ftp://h", false},
+        {L"http://h h", false},    {L"ftp://h", false},          {L"http://:]", false},
+        {L"http://[]", false},     {L"http://[::1]x", false},    {L"http://h]:80", false},
     };
     std::string error;
     for (const auto& row : rows) {

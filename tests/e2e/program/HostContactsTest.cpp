@@ -30,8 +30,11 @@ TEST_F(HostContacts, ReadsThePortalsCookiesFromAFile) {
         const char* name;
         std::string cookies;
         int code;
-    } rows[] = {
-        {"no cookies", "", 1}, {"all cookies", lines, 0}, {"no cookie", "secret\n", 2}, {"twice", "a=1\na=2", 2}};
+    } rows[] = {{"no cookies", "\n", 2},
+                {"too few cookies", "a=1", 1},
+                {"all cookies", "\xEF\xBB\xBF" + lines, 0},
+                {"no cookie", "secret\n", 2},
+                {"twice", "a=1\na=2", 2}};
     const std::string path = m_sandbox.Control("/sandbox/portal-login")["path"].asString();
     for (const auto& row : rows) {
         WriteFile(m_folder / "cookies.txt", row.cookies);
