@@ -66,8 +66,6 @@ std::string FaultOf(bool exported, const VcardFile& contacts, const PartFile& pa
 }
 
 constexpr std::chrono::milliseconds kPause{100};
-constexpr std::size_t kBarWidth = 24;
-constexpr std::size_t kBlockWidth = 5;
 
 // The size comes from a handle: the folder's entry of an open file may be out of date.
 std::uint64_t BytesOf(const std::filesystem::path& file) {
@@ -77,19 +75,11 @@ std::uint64_t BytesOf(const std::filesystem::path& file) {
     return handle && GetFileSizeEx(handle.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-std::string Bar(std::size_t tick) {
-    constexpr std::size_t kWay = kBarWidth - kBlockWidth;  // there and back
-    const std::size_t step = tick % (2 * kWay);
-    std::string bar(kBarWidth, ' ');
-    bar.replace(step < kWay ? step : 2 * kWay - step, kBlockWidth, kBlockWidth, '=');
-    return "[" + bar + "]";
-}
-
-// Shows a moving bar and the file's size on the current line of a terminal, until the end comes. The final size is not
-// known: the bar only shows that the program works. Nobody else may write meanwhile. The line stays as it is then.
+// Shows the file's size on the current line of a terminal, until the end comes. Nobody else may write meanwhile. The line
+// stays as it is then.
 void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
-    for (std::size_t tick = 0; end.wait_for(kPause) == std::future_status::timeout; ++tick) {
-        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bar(tick) + "  " + Bytes(BytesOf(file))))));
+    while (end.wait_for(kPause) == std::future_status::timeout) {
+        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bytes(BytesOf(file))))));
     }
 }
 

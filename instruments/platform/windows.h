@@ -1,9 +1,9 @@
 #pragma once
 
-// What the service and its suite call of Windows, for a build on the build machine: sanitizers and fuzzers run there.
-// Declared here as the platform's own header declares it; each source beside this one says what it imitates and where it
-// stops. Wide characters have 32 bits here, so one character is a whole code point and surrogates do not occur.
-// Instruments alone include this; nothing of it ships.
+// What the service calls of Windows, for a build on the build machine: the sanitizers run there. Declared here as the
+// platform's own header declares it; each source beside this one says what it imitates and where it stops. Wide
+// characters have 32 bits here, so one character is a whole code point and surrogates do not occur. Instruments alone
+// include this; nothing of it ships.
 
 #include <cstdarg>
 #include <cstddef>
