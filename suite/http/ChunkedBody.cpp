@@ -8,6 +8,7 @@ namespace {
 
 // Beyond every limit of a body, and far from an overflow.
 constexpr std::uint64_t kMaxChunkBytes = std::uint64_t{1} << 56;
+constexpr std::size_t kMaxDroppedBytes = 256 * 1024;
 
 // -1 when it is none.
 int HexDigit(char c) {
@@ -38,6 +39,10 @@ ChunkedBody::Result ChunkedBody::Accept(const char* data, std::size_t size, cons
         }
         if (m_state == State::kInvalid) {
             return Result::kInvalid;
+        }
+        const bool isDropped = m_state == State::kExtension || m_state == State::kTrailer;
+        if (isDropped && ++m_droppedBytes > kMaxDroppedBytes) {
+            return Result::kTooLong;
         }
         data += taken;
         size -= taken;

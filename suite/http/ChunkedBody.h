@@ -7,13 +7,15 @@
 namespace suite {
 
 // Takes the chunks of a body apart (RFC 9112, 7.1), strictly and to the last byte: libcurl counts a body as whole
-// before its last line feed has come. Chunk extensions and trailers are read and dropped.
+// before its last line feed has come. Chunk extensions and trailers are read and dropped, up to a limit: a server could
+// send them for ever.
 class ChunkedBody {
 public:
     enum class Result {
         kMore,     // all was taken, the body goes on or has ended
         kExcess,   // the body has ended, and bytes lie behind it
         kInvalid,  // this is no chunked body
+        kTooLong,  // extensions and trailers beyond the limit
         kRefused,  // output returned false
     };
     // Receives the bytes of the body; false ends the reading.
@@ -42,7 +44,8 @@ private:
     State AddDigit(char c);
 
     State m_state = State::kSize;
-    std::uint64_t m_size = 0;  // of the chunk; while its data comes, what is left of it
+    std::uint64_t m_size = 0;        // of the chunk; while its data comes, what is left of it
+    std::size_t m_droppedBytes = 0;  // of extensions and trailers
 };
 
 }  // namespace suite

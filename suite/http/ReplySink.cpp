@@ -1,5 +1,7 @@
 #include "ReplySink.h"
 
+#include <openssl/ssl.h>
+
 #include "CurlHandlePool.h"
 
 namespace suite {
@@ -18,7 +20,9 @@ constexpr std::uint64_t kMaxUnfoldRatio = 200;
 }  // namespace
 
 void ReplySink::Attach(CURL* handle, bool isHttps) {
+    m_handle = handle;
     m_isHttps = isHttps;
+    m_pace = TransferPace();
     m_head.emplace(m_keepsHeaders);
     m_redirectTarget.clear();
     m_isUnread = false;
@@ -26,6 +30,7 @@ void ReplySink::Attach(CURL* handle, bool isHttps) {
     m_chunks = ChunkedBody();
     m_decoder.reset();
     m_receivedBytes = 0;
+    m_codedBytes = 0;
     m_takenBytes = 0;
     SetCurlOption(handle, CURLOPT_HEADERFUNCTION, &ReplySink::OnHeader);
     SetCurlOption(handle, CURLOPT_HEADERDATA, this);
@@ -80,7 +85,8 @@ std::size_t ReplySink::OnHeader(char* data, std::size_t one, std::size_t size, v
 std::size_t ReplySink::OnBody(char* data, std::size_t one, std::size_t size, void* self) {
     auto* const sink = static_cast<ReplySink*>(self);
     try {
-        return sink->AcceptBody(data, one * size) ? one * size : 0;
+        const bool goesOn = sink->AcceptBody(data, one * size) && (!sink->HidesExcess() || sink->Stop());
+        return goesOn ? one * size : 0;
     } catch (...) {
         sink->m_failure.code = kHttpInternalError;
         return 0;
@@ -128,9 +134,20 @@ bool ReplySink::AcceptBody(const char* data, std::size_t size) {
         return m_isUnread ? Stop() : Refuse(kHttpTimeout, "the download is too slow");
     }
     if (m_isUnread) {
-        return m_receivedBytes <= kMaxUnreadBytes || Stop();
+        const auto drop = [](const char*, std::size_t) { return true; };
+        const bool isClean = !m_head->IsChunked() || m_chunks.Accept(data, size, drop) == ChunkedBody::Result::kMore;
+        return (isClean && m_receivedBytes <= kMaxUnreadBytes) || Stop();
     }
     return m_head->IsChunked() ? AcceptChunks(data, size) : Decode(data, size);
+}
+
+// libcurl reads up to the announced length. What else the server put into the same TLS record is decrypted by then: it
+// would pass for the next reply of the connection, and no look at the socket shows it.
+bool ReplySink::HidesExcess() const {
+    curl_tlssessioninfo* tls = nullptr;
+    return m_isHttps && m_head->Length() == m_receivedBytes &&
+           curl_easy_getinfo(m_handle, CURLINFO_TLS_SSL_PTR, &tls) == CURLE_OK && tls->internals != nullptr &&
+           SSL_pending(static_cast<const SSL*>(tls->internals)) > 0;
 }
 
 bool ReplySink::AcceptChunks(const char* data, std::size_t size) {
@@ -141,14 +158,21 @@ bool ReplySink::AcceptChunks(const char* data, std::size_t size) {
             return Stop();
         case ChunkedBody::Result::kInvalid:
             return Refuse(kHttpConnectionBroken, "the reply's chunks are malformed");
+        case ChunkedBody::Result::kTooLong:
+            return Refuse(kHttpReplyTooLarge, "the reply's chunk extensions or trailers are too large");
         default:
             return false;
     }
 }
 
 bool ReplySink::Decode(const char* data, std::size_t size) {
+    m_codedBytes += size;
     if (!m_decoder) {
         return Take(data, size);
+    }
+    // A coding can go on for ever and unfold to nothing.
+    if (m_codedBytes > kUnfoldFloor && m_codedBytes - kUnfoldFloor > MaxBytes()) {
+        return RefuseSize();
     }
     const auto take = [this](const char* block, std::size_t count) { return Take(block, count); };
     if (m_decoder->Decode(data, size, take)) {
@@ -162,7 +186,7 @@ bool ReplySink::Take(const char* data, std::size_t size) {
     if (m_takenBytes > MaxBytes()) {
         return RefuseSize();
     }
-    if (m_takenBytes > kUnfoldFloor && m_takenBytes / kMaxUnfoldRatio > m_receivedBytes) {
+    if (m_takenBytes > kUnfoldFloor && m_takenBytes / kMaxUnfoldRatio > m_codedBytes) {
         return Refuse(kHttpReplyTooLarge, "the encoded reply unfolds to more than 200 times its size");
     }
     if (m_download != nullptr) {

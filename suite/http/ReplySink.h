@@ -54,6 +54,7 @@ private:
     bool AcceptHeaderLine(std::string_view line);
     bool BeginBody();
     bool AcceptBody(const char* data, std::size_t size);
+    bool HidesExcess() const;
     bool AcceptChunks(const char* data, std::size_t size);
     bool Decode(const char* data, std::size_t size);
     bool Take(const char* data, std::size_t size);
@@ -68,10 +69,11 @@ private:
     const bool m_keepsHeaders;
     TransportFailure m_failure;
     std::string m_text;
-    TransferPace m_pace;
 
     // Of the hop.
+    CURL* m_handle = nullptr;
     bool m_isHttps = false;
+    TransferPace m_pace;
     std::optional<ReplyHead> m_head;
     std::string m_redirectTarget;
     bool m_isUnread = false;
@@ -79,6 +81,7 @@ private:
     ChunkedBody m_chunks;
     std::unique_ptr<ContentDecoder> m_decoder;
     std::uint64_t m_receivedBytes = 0;  // of the body, as sent
+    std::uint64_t m_codedBytes = 0;     // of the body, out of its chunks
     std::uint64_t m_takenBytes = 0;     // of the body, decoded
 };
 

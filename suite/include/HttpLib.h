@@ -160,9 +160,10 @@ struct HttpExchange {
 // time, a single gzip member. The encoded body must come to its own end, with nothing behind it; an empty body under an
 // encoding is kHttpBadEncoding, but for the statuses 204 and 304.
 //
-// kHttpReplyTooLarge: headers of more than 256 KiB or 1,000 lines, or one line of more than 100 KiB; a text of more
-// than 16 MiB after decoding; a download beyond its handler's limit; an encoded body that unfolds to more than 200
-// times its size, the first MiB excepted; an announced length of more than 18 digits.
+// kHttpReplyTooLarge: headers of more than 256 KiB or 1,000 lines, or one line of more than 100 KiB; chunk extensions
+// and trailers of more than 256 KiB; a text of more than 16 MiB after decoding; a download beyond its handler's limit;
+// an encoded body that unfolds to more than 200 times its size, the first MiB excepted, or that is itself a MiB larger
+// than what it may unfold to; an announced length of more than 18 digits.
 class HTTPLIB_API CurlHttpLibContext {
 public:
     // strategy: not null, must outlive the context.
@@ -172,8 +173,10 @@ public:
     CurlHttpLibContext& operator=(const CurlHttpLibContext&) = delete;
 
     // Performs the exchange; returns the HTTP status or an HttpTransportError. response receives the decoded body,
-    // empty on a transport error. Connecting may take 15 s, and 30 s without a byte of the body end the exchange.
-    // timeoutSeconds: limit for the whole exchange; -1 (or 0) means 300.
+    // empty on a transport error. Connecting may take 15 s, and 30 s without a byte of the body (its headers
+    // are none) end the exchange.
+    // timeoutSeconds: limit for the whole exchange; -1 (or 0) means 300. Only Windows' verdict on a certificate may
+    // take longer: it waits 5 s for each thing that it fetches.
     int Request(std::string& response, int timeoutSeconds);
     // As above with the default limits. replyHeaders is replaced by the final reply's headers, names as they came;
     // values of a name that comes more than once are joined with ", ".
