@@ -38,8 +38,8 @@ bool IsOpen() {
     return !ProcessIsEnding() && State().open.load(std::memory_order_relaxed);
 }
 
-// Swaps the pipeline in; what it replaces is drained and closed here, after other callers have the new one, which writes
-// from then on.
+// Swaps the pipeline in. What it replaces is drained and closed here, after other callers have the new one; the new one
+// writes from then on.
 void Replace(const std::shared_ptr<LogPipeline>& pipeline) {
     LoggerState& state = State();
     std::shared_ptr<LogPipeline> former = pipeline;
