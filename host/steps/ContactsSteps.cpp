@@ -75,8 +75,8 @@ std::uint64_t BytesOf(const std::filesystem::path& file) {
     return handle && GetFileSizeEx(handle.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-// Shows the file's size on the current line of a terminal, until the end comes. Nobody else may write meanwhile. The line
-// stays as it is then.
+// Shows the file's size on the current line of a terminal, until the end comes. Nobody else may write meanwhile. The
+// line stays as it is then.
 void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
     while (end.wait_for(kPause) == std::future_status::timeout) {
         console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bytes(BytesOf(file))))));

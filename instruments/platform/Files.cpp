@@ -1,6 +1,6 @@
-// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION, and
-// an open file, a stream's too, cannot be deleted or replaced unless its opener shared that. Unlike it: streams open what
-// a handle keeps to itself, letter case counts, and a backslash is a character of a name.
+// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION,
+// and an open file, a stream's too, cannot be deleted or replaced unless its opener shared that. Unlike it: streams
+// open what a handle keeps to itself, letter case counts, and a backslash is a character of a name.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,8 +18,8 @@
 
 namespace {
 
-// How a descriptor of this process holds its file. One that is not listed is a stream's of the C++ library, which shares
-// reading and writing and not deletion.
+// How a descriptor of this process holds its file. One that is not listed is a stream's of the C++ library, which
+// shares reading and writing and not deletion.
 struct Mode {
     DWORD access = GENERIC_READ | GENERIC_WRITE;
     DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE;

@@ -1,6 +1,6 @@
 // Random numbers and data protection. Like the platform: a key container must exist before it can be acquired, a null
-// provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: the blob
-// is disguised, not encrypted, and belongs to every user.
+// provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: the
+// blob is disguised, not encrypted, and belongs to every user.
 
 #include <dpapi.h>
 #include <sys/random.h>

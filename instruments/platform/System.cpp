@@ -1,5 +1,5 @@
-// The machine, the process and the shell. The numbers are those of a workstation with version 10.0 behind a version record
-// that says 6.2. The firmware has a table only when USERAUTH_INSTRUMENT_SMBIOS names a file with one.
+// The machine, the process and the shell. The numbers are those of a workstation with version 10.0 behind a version
+// record that says 6.2. The firmware has a table only when USERAUTH_INSTRUMENT_SMBIOS names a file with one.
 
 #include <shlwapi.h>
 #include <sys/mman.h>

@@ -1,7 +1,7 @@
 // Code pages 1252 (as the system's, so numbers 0, 1 and 1252) and UTF-8. Any other number fails, as an uninstalled one
-// does. Like the platform: lengths are explicit or end at a terminator that is converted too; a buffer that is too small
-// is an error; bytes that are no UTF-8 become U+FFFD, or an error with MB_ERR_INVALID_CHARS; what 1252 lacks becomes its
-// base letter or "?". Unlike it: wide text is UTF-32.
+// does. Like the platform: lengths are explicit or end at a terminator that is converted too; a buffer that is too
+// small is an error; bytes that are no UTF-8 become U+FFFD, or an error with MB_ERR_INVALID_CHARS; what 1252 lacks
+// becomes its base letter or "?". Unlike it: wide text is UTF-32.
 
 #include <windows.h>
 

@@ -1,5 +1,6 @@
-// Threads' handles and the thread pool. Like the platform: a thread's handle is signalled when the thread has run out, and
-// the pool keeps a callback's library loaded until it has returned. Unlike it: the pool starts a thread a callback.
+// Threads' handles and the thread pool. Like the platform: a thread's handle is signalled when the thread has run out,
+// and the pool keeps a callback's library loaded until it has returned. Unlike it: the pool starts a thread a
+// callback.
 
 #include <unistd.h>
 #include <windows.h>

@@ -79,3 +79,16 @@ TEST_F(CutReplies, ChangeNothingBeforeTheirLastByte) {
         EXPECT_EQ(server.Requests().size(), script.size()) << operation.name;
     }
 }
+
+// On kept handles, where the HTTP library once kept a pointer into freed memory.
+TEST_F(CutReplies, HeadersThatBeginWithABlankHarmNoOperation) {
+    for (const Operation& operation : Operations()) {
+        std::string bytes = OkReply(operation.body).bytes;
+        bytes.insert(bytes.find("\r\n") + 2, " folded: a\r\n");
+        RawServer server(std::vector<RawReply>(50, {bytes}));
+        UsePlatform(Narrow(server.Url(L"")));
+        for (int turn = 0; turn < 50; ++turn) {
+            EXPECT_TRUE(operation.run(Narrow(server.Url(L"")))) << operation.name << ", turn " << turn;
+        }
+    }
+}
