@@ -31,7 +31,9 @@ struct TestIdentity {
                 X509V3_EXT_conf_nid(nullptr, nullptr, nid, value.c_str()), &X509_EXTENSION_free);
             X509_add_ext(x509, extension.get(), -1);
         }
-        X509_sign(x509, authority != nullptr ? authority->key.get() : key.get(), EVP_sha256());
+        do {
+            X509_sign(x509, authority != nullptr ? authority->key.get() : key.get(), EVP_sha256());
+        } while (SignatureHasShortNumber());
     }
 
     std::vector<unsigned char> Der() const {
@@ -39,6 +41,17 @@ struct TestIdentity {
         unsigned char* end = bytes.data();
         i2d_X509(certificate.get(), &end);
         return bytes;
+    }
+
+    // Wine takes an ECDSA signature for wrong when one of its numbers has fewer bytes than the curve: one in 128 has.
+    bool SignatureHasShortNumber() const {
+        const ASN1_BIT_STRING* signature = nullptr;
+        X509_get0_signature(&signature, nullptr, certificate.get());
+        const unsigned char* bytes = signature->data;
+        const std::unique_ptr<ECDSA_SIG, decltype(&ECDSA_SIG_free)> numbers(
+            d2i_ECDSA_SIG(nullptr, &bytes, signature->length), &ECDSA_SIG_free);
+        return numbers != nullptr && (BN_num_bytes(ECDSA_SIG_get0_r(numbers.get())) < 32 ||
+                                      BN_num_bytes(ECDSA_SIG_get0_s(numbers.get())) < 32);
     }
 
     std::shared_ptr<X509> certificate{X509_new(), &X509_free};
