@@ -12,6 +12,7 @@ BEGIN {
   sees["suite/include"] = ""
   sees["suite/platform"] = ""
   sees["suite"] = "suite/include suite/platform"
+  sees["suite/conformance"] = "suite/include"
   sees["src"] = "include suite/include"
   sees["host"] = "include suite/include"
   sees["sandbox/accountsdk"] = "sandbox"
@@ -29,6 +30,7 @@ BEGIN {
   shuns["src"] = "curl/ spdlog/ fmt/ httplib.h cli/"
   shuns["suite"] = "openssl/ httplib.h cli/"
   shuns["suite/http"] = "httplib.h cli/"
+  shuns["suite/conformance"] = "cli/ curl/ spdlog/ json/"
   shuns["sandbox"] = "curl/ spdlog/ fmt/"
   shuns["host"] = "curl/ spdlog/ fmt/ httplib.h openssl/"
 }

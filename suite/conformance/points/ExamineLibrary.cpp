@@ -1,0 +1,86 @@
+#include <Logger.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+#include "ConformanceEntry.h"
+#include "Examination.h"
+
+namespace {
+
+// What is to be examined while the process ends.
+void (*g_atTheEnd)() = nullptr;
+
+struct Library {
+    const wchar_t* name;
+    std::initializer_list<void (*)(conformance::Examination&)> points;
+    void (*atTheEnd)();
+};
+
+const Library kLibraries[] = {
+    {L"EventAdmin", {&conformance::ExamineEventAdmin}, &conformance::ExamineEventAdminAtTheEnd},
+    {L"Logger", {&conformance::ExamineLogger}, nullptr},
+    {L"ParamStore", {&conformance::ExamineParamStore}, &conformance::ExamineParamStoreAtTheEnd},
+    {L"HttpLib",
+     {&conformance::ExamineHttpRequests, &conformance::ExamineHttpReplies, &conformance::ExamineHttpTransfers,
+      &conformance::ExamineHttpTrust},
+     &conformance::ExamineHttpLibAtTheEnd},
+};
+
+// No other thread is left now, and nothing but this thread writes.
+void ExamineTheEnd() {
+    std::string fault;
+    std::printf("  while the process ends it answers, and does nothing ... ");
+    std::fflush(stdout);
+    try {
+        g_atTheEnd();
+    } catch (const std::exception& exception) {
+        fault = exception.what();
+    }
+    std::printf("%s\n", fault.empty() ? "holds" : ("FAILS: " + fault).c_str());
+    std::fflush(stdout);
+    if (!fault.empty()) {
+        TerminateProcess(GetCurrentProcess(), 1);
+    }
+}
+
+}  // namespace
+
+extern "C" CONFORMANCE_API int ExamineLibrary(const wchar_t* library, bool isQuick) {
+    conformance::Examination examination(isQuick);
+    for (const Library& known : kLibraries) {
+        if (std::wstring(known.name) != library) {
+            continue;
+        }
+        for (const auto points : known.points) {
+            points(examination);
+        }
+        g_atTheEnd = known.atTheEnd;
+    }
+    const int examined = examination.ExaminedCount();
+    const int broken = examination.BrokenCount();
+    std::printf("  %d points: %d hold, %d fail; %d left out\n", examined, examined - broken, broken,
+                examination.LeftOutCount());
+    std::fflush(stdout);
+    return broken;
+}
+
+extern "C" CONFORMANCE_API int WriteLine(const wchar_t* file, const wchar_t* line) {
+    LoggerSettings settings;
+    settings.file = file;
+    std::string error;
+    if (!Logger::Configure(settings, error)) {
+        return 1;
+    }
+    Logger::Output(10, kSeverityProgress, 1, "Conformance::WriteLine", line, true);
+    Logger::Shutdown();
+    return 0;
+}
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID processEnds) {
+    if (reason == DLL_PROCESS_DETACH && processEnds != nullptr && g_atTheEnd != nullptr) {
+        ExamineTheEnd();
+    }
+    return TRUE;
+}
