@@ -15,7 +15,7 @@ namespace {
 using namespace conformance;
 
 constexpr char kUsage[] =
-    "usage: suite-conformance [FOLDER] [--library NAME] [--quick]\n"
+    "usage: suite-conformance [FOLDER] [--library NAME] [--only TEXT] [--quick]\n"
     "\n"
     "Loads the suite libraries of FOLDER (Logger.dll, EventAdmin.dll, ParamStore.dll, HttpLib.dll) in place of those\n"
     "beside this program, and says point by point whether they keep the promises of the suite's headers. A library "
@@ -24,6 +24,7 @@ constexpr char kUsage[] =
     "program.\n"
     "\n"
     "  --library NAME  examines that one only\n"
+    "  --only TEXT     examines those points only whose promise has the text (ASCII)\n"
     "  --quick         leaves out the points that wait for half a minute and more\n"
     "\n"
     "Exit code: 0 all points hold, 1 one does not, 2 wrong arguments or a library that cannot be loaded.\n";
@@ -35,6 +36,7 @@ constexpr int kNotExamined = 2;
 struct Arguments {
     std::filesystem::path folder;
     std::wstring library;
+    std::wstring only;
     bool isQuick = false;
     bool isExaminer = false;  // the process that does it, for one library
     std::wstring file, line;  // a second process for the logger's points
@@ -59,6 +61,8 @@ bool Read(const std::vector<std::wstring>& words, Arguments& arguments) {
             arguments.isExaminer = true;
         } else if (words[i] == L"--library" && hasNext && Known(words[i + 1])) {
             arguments.library = words[++i];
+        } else if (words[i] == L"--only" && hasNext) {
+            arguments.only = words[++i];
         } else if (words[i] == L"--write-line" && i + 2 < words.size()) {
             arguments.file = words[++i];
             arguments.line = words[++i];
@@ -85,7 +89,8 @@ int Examine(const Arguments& arguments) {
         return Entry<WriteLineFunction>(points, kWriteLine)(arguments.file.c_str(), arguments.line.c_str());
     }
     const auto examine = Entry<ExamineLibraryFunction>(points, kExamineLibrary);
-    return examine(arguments.library.c_str(), arguments.isQuick) == 0 ? kAllHold : kOneFails;
+    const std::string only(arguments.only.begin(), arguments.only.end());
+    return examine(arguments.library.c_str(), arguments.isQuick, only.c_str()) == 0 ? kAllHold : kOneFails;
 }
 
 // One process a library: what one does to its process harms no other.
@@ -94,7 +99,8 @@ int ExamineEach(const Arguments& arguments) {
     int examined = 0;
     for (const wchar_t* library : kLibraries) {
         const std::filesystem::path file = LibraryFile(arguments.folder, library);
-        if (!std::filesystem::equivalent(file.parent_path(), arguments.folder)) {
+        if (!std::filesystem::exists(arguments.folder) ||
+            !std::filesystem::equivalent(file.parent_path(), arguments.folder)) {
             std::printf("%ls.dll: not in the folder, not examined\n", library);
             continue;
         }

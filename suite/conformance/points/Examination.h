@@ -43,8 +43,9 @@ void RequireWithin(int milliseconds, const std::string& what, const std::functio
 // Examines the promises of one library, one after the other, and prints a line for each.
 class Examination {
 public:
-    // isQuick: leaves out the points that wait for more than ten seconds.
-    explicit Examination(bool isQuick);
+    // isQuick: leaves out the points that wait for more than ten seconds. only: passes over the points whose promise
+    // does not have that text.
+    Examination(bool isQuick, std::string only);
     ~Examination();
     Examination(const Examination&) = delete;
     Examination& operator=(const Examination&) = delete;
@@ -63,6 +64,7 @@ private:
     void Watch();
 
     const bool m_isQuick;
+    const std::string m_only;
     int m_examined = 0;
     int m_broken = 0;
     int m_leftOut = 0;

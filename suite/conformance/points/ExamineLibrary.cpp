@@ -47,8 +47,8 @@ void ExamineTheEnd() {
 
 }  // namespace
 
-extern "C" CONFORMANCE_API int ExamineLibrary(const wchar_t* library, bool isQuick) {
-    conformance::Examination examination(isQuick);
+extern "C" CONFORMANCE_API int ExamineLibrary(const wchar_t* library, bool isQuick, const char* only) {
+    conformance::Examination examination(isQuick, only);
     for (const Library& known : kLibraries) {
         if (std::wstring(known.name) != library) {
             continue;
@@ -56,7 +56,7 @@ extern "C" CONFORMANCE_API int ExamineLibrary(const wchar_t* library, bool isQui
         for (const auto points : known.points) {
             points(examination);
         }
-        g_atTheEnd = known.atTheEnd;
+        g_atTheEnd = *only == '\0' ? known.atTheEnd : nullptr;
     }
     const int examined = examination.ExaminedCount();
     const int broken = examination.BrokenCount();

@@ -12,7 +12,8 @@ namespace conformance {
 // How many there were.
 inline int g_folders = 0;
 
-// A folder of the point's own that no other point had (a library may remember a folder), empty at first, with characters outside ASCII in its name; removed with what is in it.
+// A folder of the point's own that no other point had (a library may remember it), empty at first, with characters
+// outside ASCII in its name; removed with what is in it.
 class Folder {
 public:
     explicit Folder(const wchar_t* name)

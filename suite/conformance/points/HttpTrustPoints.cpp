@@ -124,7 +124,7 @@ void ExamineTls(Examination& examination) {
         SSL_CTX_set_max_proto_version(peer.server.ssl_context(), TLS1_1_VERSION);
         RequireEqual(Trust::Ask(peer, trust.Authority()), int{kHttpTlsFailed}, "the code");
     });
-    examination.Point("a redirect from https to http is refused", [] {
+    examination.Point("a redirect: from https to http", [] {
         const Trust trust;
         RawServer plain({OkReply()});
         TlsPeer peer(trust.Signed("IP:127.0.0.1"));
