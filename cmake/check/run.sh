@@ -29,7 +29,8 @@ run_checks() {
   step "line length" check_line_length
   step words cmake/check/words.sh
   step rooms check_rooms
-  step README cmake/check/readme.sh
+  step examples cmake/check/readme.sh
+  step troubleshooting cmake/check/troubleshooting.sh
   step scripts check_scripts
   # clang-tidy reads the compile commands and the dependencies of an up-to-date build.
   ensure_built
