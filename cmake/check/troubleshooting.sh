@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# shellcheck disable=SC2015,SC2016 # backquotes are text here; a finding sets the status
 # Compares the tables of docs/troubleshooting.md with the sources: each text that the service logs at severity 5 and each
 # transport code has one row, and no row is left of one that is gone. Prints what differs, as FILE:LINE: text.
 set -euo pipefail
