@@ -162,18 +162,23 @@ struct HttpExchange {
 /// Executes a strategy, synchronously, on the calling thread; contexts on different threads share connections, TLS
 /// sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observer
 /// are dropped. Certificates and host names are always checked, TLS 1.2 at least. While the process ends (its other
-/// threads are gone) every request fails with kHttpInternalError. Trust: without a PEM file of authorities Windows
-/// judges the certificates: by its stores, the authorities that it fetches when they are asked for, the certificates
-/// that it refuses, and the machine's policy. Revocation counts as far as Windows has it cached; where it has not, the
-/// certificate is good. The verdict falls in the handshake: an authority that is removed afterwards counts on for
-/// connections that are kept (118 s idle at most) and for TLS sessions that the server resumes. SSL_CERT_FILE,
-/// SSL_CERT_DIR, SSLKEYLOGFILE, OPENSSL_CONF and OpenSSL's configuration file change nothing. Proxy: the environment's
-/// (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting, its SOCKS proxy too; for
-/// loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read. Redirects: five at most; to
-/// another host no body goes along, and of the headers only Accept, Accept-Encoding, Accept-Language, Cache-Control,
-/// Content-Type and User-Agent. A request, a POST too, is sent a second time when a kept connection turns out closed
-/// before the first line of the reply was whole: deliberate, because servers close idle connections at any moment. The
-/// server may have seen both.
+/// threads are gone) every request fails with kHttpInternalError.
+///
+/// Trust: without a PEM file of authorities Windows judges the certificates: by its stores, the authorities that it
+/// fetches when they are asked for, the certificates that it refuses, and the machine's policy. Revocation counts as
+/// far as Windows has it cached; where it has not, the certificate is good. The verdict falls in the handshake: an
+/// authority that is removed afterwards counts on for connections that are kept (118 s idle at most) and for TLS
+/// sessions that the server resumes. SSL_CERT_FILE, SSL_CERT_DIR, SSLKEYLOGFILE, OPENSSL_CONF and OpenSSL's
+/// configuration file change nothing.
+///
+/// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting, its
+/// SOCKS proxy too; for loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read.
+///
+/// Redirects: five at most; to another host no body goes along, and of the headers only Accept, Accept-Encoding,
+/// Accept-Language, Cache-Control, Content-Type and User-Agent.
+///
+/// A request, a POST too, is sent a second time when a kept connection turns out closed before the first line of the
+/// reply was whole: deliberate, because servers close idle connections at any moment. The server may have seen both.
 ///
 /// A reply counts when it is whole, to its last byte; anything less is kHttpConnectionBroken:
 /// - Its head begins with an HTTP/1.0 or 1.1 status line and ends with an empty line. An interim reply (1xx) is none.
@@ -181,6 +186,7 @@ struct HttpExchange {
 ///   over https it is refused, because a cut TLS connection looks the same.
 /// - It says so in one way: two lengths that differ, a length beside chunks, a length that is no number, a transfer
 ///   coding other than "chunked", or such a field continued on a second line are refused.
+///
 /// A redirect, and the error page of a download, are whole at the end of their head.
 /// Bytes behind a reply's end are dropped together with the connection.
 ///
