@@ -10,9 +10,9 @@ namespace conformance {
 
 // What suite-conformance.exe calls in suite-conformance-points.dll, by name.
 //
-// Examines "EventAdmin", "Logger", "ParamStore" or "HttpLib", whatever is loaded under that name; only those of its points that
-// have the text, all for an empty one. Returns how many
-// promises are broken. What a library does while the process ends is examined when it does, and ends it with 1.
+// Examines "EventAdmin", "Logger", "ParamStore" or "HttpLib", whatever is loaded under that name; only those of its
+// points that have the text, all for an empty one. Returns how many promises are broken. What a library does while the
+// process ends is examined when it does, and ends it with 1.
 using ExamineLibraryFunction = int (*)(const wchar_t* library, bool isQuick, const char* only);
 // As a second process that logs to a file: configures the logger, writes the line, shuts down. 0 on success.
 using WriteLineFunction = int (*)(const wchar_t* file, const wchar_t* line);

@@ -10,9 +10,8 @@
 #include "ExaminerProcess.h"
 #include "SuiteModules.h"
 
+namespace conformance {
 namespace {
-
-using namespace conformance;
 
 constexpr char kUsage[] =
     "usage: suite-conformance [FOLDER] [--library NAME] [--only TEXT] [--quick]\n"
@@ -126,10 +125,9 @@ int ExamineEach(const Arguments& arguments) {
 
 }  // namespace
 
-int wmain(int count, wchar_t** words) {
-    SetConsoleOutputCP(CP_UTF8);
+int Run(const std::vector<std::wstring>& words) {
     Arguments arguments;
-    if (!Read(std::vector<std::wstring>(words + 1, words + count), arguments)) {
+    if (!Read(words, arguments)) {
         std::fputs(kUsage, stderr);
         return kNotExamined;
     }
@@ -141,4 +139,11 @@ int wmain(int count, wchar_t** words) {
         std::fflush(stdout);
         return kNotExamined;
     }
+}
+
+}  // namespace conformance
+
+int wmain(int count, wchar_t** words) {
+    SetConsoleOutputCP(CP_UTF8);
+    return conformance::Run(std::vector<std::wstring>(words + 1, words + count));
 }
