@@ -20,6 +20,7 @@ build_reference() {
 
 # check_links FOLDER: prints the links of the documents' pages to files that are not there.
 check_links() {
-  (cd "$1" && grep -oHE 'href="[^"#:]+' -- *.html | sed -E 's/:href="/\t/' | sort -u | awk -F '\t' '
-    { if (system("test -e \"" $2 "\"") != 0) { print $1 ": " $2; found = 1 } } END { exit found }')
+  (cd "$1" && grep -oHE 'href="[^"#:]+["#]' -- *.html | sed -E 's/:href="/ /; s/.$//' | sort -u |
+    while read -r page target; do [ -e "$target" ] || printf '%s: %s\n' "$page" "$target"; done | grep .) || return 0
+  return 1
 }
