@@ -92,6 +92,11 @@ int Examine(const Arguments& arguments) {
     return examine(arguments.library.c_str(), arguments.isQuick, only.c_str()) == 0 ? kAllHold : kOneFails;
 }
 
+std::wstring Options(const Arguments& arguments) {
+    const std::wstring only = arguments.only.empty() ? L"" : L" --only \"" + arguments.only + L"\"";
+    return (arguments.isQuick ? L" --quick" : L"") + only + L" \"" + arguments.folder.wstring() + L"\"";
+}
+
 // One process a library: what one does to its process harms no other.
 int ExamineEach(const Arguments& arguments) {
     int result = kAllHold;
@@ -109,9 +114,7 @@ int ExamineEach(const Arguments& arguments) {
         ++examined;
         std::printf("%s\n", file.u8string().c_str());
         std::fflush(stdout);
-        const unsigned long code =
-            RunAgain(L"--examine --library " + std::wstring(library) + (arguments.isQuick ? L" --quick" : L"") +
-                     L" \"" + arguments.folder.wstring() + L"\"");
+        const unsigned long code = RunAgain(L"--examine --library " + std::wstring(library) + Options(arguments));
         if (code > kNotExamined) {
             std::printf("\n  the process ended with code 0x%08lX in the point above\n", code);
         }

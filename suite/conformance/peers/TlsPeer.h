@@ -63,6 +63,7 @@ struct TlsPeer {
     explicit TlsPeer(const TestIdentity& identity) : server(identity.certificate.get(), identity.key.get()) {
         server.Get("/",
                    [](const httplib::Request&, httplib::Response& reply) { reply.set_content("ok", "text/plain"); });
+        server.set_read_timeout(60);  // of the handshake too: a busy machine takes its time
         thread = std::thread([this] { server.listen_after_bind(); });
         while (!server.is_running()) {
             std::this_thread::yield();

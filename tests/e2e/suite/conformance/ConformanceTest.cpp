@@ -47,7 +47,8 @@ TEST(Conformance, NamesExactlyWhatASpoiltLibraryBreaks) {
         {"HTTP library that follows every redirect",
          L"--library HttpLib --only \"a redirect: \"",
          {"a redirect: 302 turns a POST into a GET", "a redirect: a body to another host",
-          "a redirect: a relative one, with blanks", "a redirect: from https to http",
+          "a redirect: a relative one, with blanks", "a redirect: from https to http", "a redirect: to a file",
+          "a redirect: to another scheme",
           "a redirect: to another host no header goes along that says something of the user"}},
     };
     for (const auto& row : rows) {
