@@ -37,7 +37,8 @@ export async function call(method, path, order) {
   }
 }
 
-// listeners: what to do with each event. onConnection hears whether the stream is up. It comes back by itself.
+// listeners: what to do with each event. onConnection hears whether the stream is up. It comes back by itself, until a
+// listener returns true: then it is closed.
 export function listen(path, listeners, onConnection) {
   const stream = new EventSource(`${path}${path.includes('?') ? '&' : '?'}token=${token}`);
   stream.onopen = () => onConnection(true);
@@ -46,7 +47,7 @@ export function listen(path, listeners, onConnection) {
     if (stream.readyState === EventSource.CLOSED) setTimeout(() => again(path, listeners, onConnection), 2000);
   };
   for (const [name, listener] of Object.entries(listeners)) {
-    stream.addEventListener(name, (event) => listener(JSON.parse(event.data)));
+    stream.addEventListener(name, (event) => { if (listener(JSON.parse(event.data)) === true) stream.close(); });
   }
 }
 

@@ -31,11 +31,10 @@ byId('cancel').addEventListener('click', () => answer({}, 'Cancelled', 'Nobody w
 // The open stream also tells the platform that this page is there.
 listen(`/sandbox/sign-in-events?request=${encodeURIComponent(request)}`, {
   'sign-in': (state) => {
-    if (over) return;
-    if (!state.waiting) {
+    if (!over && !state.waiting) {
       end('Too late', 'No program waits for this sign-in any more. You can close this page.');
-      return;
     }
+    if (over) return !state.waiting;
     accounts = state.accounts;
     chosen ??= state.current;
     showAccounts(accounts, chosen, (account) => { chosen = account.userId; });
@@ -43,6 +42,7 @@ listen(`/sandbox/sign-in-events?request=${encodeURIComponent(request)}`, {
       byId('form').hidden = false;
       document.querySelector('input:checked')?.focus();
     }
+    return false;
   },
 }, (connected) => { if (!over) showProblem(connected ? '' : 'The platform does not answer. Trying again.'); });
 
