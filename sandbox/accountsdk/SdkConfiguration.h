@@ -11,14 +11,14 @@ namespace accountsdk {
 enum class SignInMode {
     kAtOnce,    // the platform's current account, without a person
     kOpenPage,  // a person chooses on the platform's sign-in page, which the SDK opens in the system's browser
-    kAwaitPage  // likewise, but somebody else opens the page: a test, or a person who follows the link on the platform's
-                // own page. No browser is started
+    kAwaitPage  // likewise, but no browser is started: a test opens the page, or a person follows the link on the
+                // platform's own page
 };
 
 // What the SDK is told. Two sources: environment variables of the process, ZVACCOUNTSDK_PLATFORM_URL and
-// ZVACCOUNTSDK_INTERACTIVE, and ZMSCoreConfig.json beside this library. The variables are the sandbox's alone, so that a
-// program can send the SDK to a platform without touching a file that other programs read; the platform's real SDK knows
-// nothing of them.
+// ZVACCOUNTSDK_INTERACTIVE, and ZMSCoreConfig.json beside this library. The variables are the sandbox's alone, so that
+// a program can send the SDK to a platform without touching a file that other programs read; the platform's real SDK
+// knows nothing of them.
 struct SdkConfiguration {
     // "client_id" of the file: nine decimal digits. Empty when there is no file: any client may sign in then, as far as
     // the SDK is concerned; the platform has its own idea of who may.

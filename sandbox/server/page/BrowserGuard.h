@@ -6,7 +6,8 @@
 
 namespace sandbox {
 
-// Who may send what. Everything here is on loopback, but a browser of this machine sends requests for sites of anywhere:
+// Who may send what. Everything here is on loopback, but a browser of this machine sends requests for sites from
+// anywhere:
 // - the page and everything under /sandbox answer only to 127.0.0.1, localhost and [::1] as Host, with any port. A
 //   foreign site whose name was bound to 127.0.0.1 is refused so.
 // - no path answers to an Origin other than the address it was asked under.

@@ -4,7 +4,7 @@ import { byId, call, element, listen, showAccounts } from './platform.js';
 
 const timeFormat = new Intl.DateTimeFormat(undefined, { hour: '2-digit', minute: '2-digit', second: '2-digit', hour12: false });
 const rows = new Map(); // by number: the row, and its details when they are open
-const parts = [['requestHead', 'Request'], ['requestBody', 'Request body'], ['replyHead', 'Reply'], ['replyBody', 'Reply body']];
+const sides = [[['requestHead', 'Request'], ['requestBody', 'Request body']], [['replyHead', 'Reply'], ['replyBody', 'Reply body']]];
 
 const failed = (exchange) => exchange.refusal !== '' || exchange.fault !== '' || exchange.status >= 400;
 
@@ -32,8 +32,8 @@ async function toggleDetails(exchange, row, button) {
   }
   const texts = await call('GET', `/sandbox/exchange?number=${exchange.number}`);
   if (!texts || rows.get(exchange.number)?.details) return;
-  const shown = parts.filter(([name]) => texts[name] !== '').map(([name, title]) =>
-    element('section', {}, element('h3', {}, title), element('pre', { tabIndex: 0 }, texts[name].trimEnd())));
+  const shown = sides.map((parts) => element('div', {}, ...parts.filter(([name]) => texts[name] !== '').map(([name, title]) =>
+    element('section', {}, element('h3', {}, title), element('pre', { tabIndex: 0, ariaLabel: title }, texts[name].trimEnd())))));
   const details = element('tr', { role: 'row', className: 'details', id: `details-${exchange.number}` },
     element('td', { role: 'cell', colSpan: 5 }, element('div', { className: 'parts' }, ...shown)));
   row.after(details);
@@ -41,14 +41,19 @@ async function toggleDetails(exchange, row, button) {
   button.setAttribute('aria-expanded', 'true');
 }
 
+// A long path breaks at its slashes.
+function breakable(path) {
+  return path.split(/(?<=.\/)/).flatMap((part) => [part, element('wbr')]);
+}
+
 function addRow(exchange) {
   const button = element('button', { type: 'button', className: 'operation', 'aria-expanded': 'false',
     'aria-controls': `details-${exchange.number}`, onclick: () => toggleDetails(exchange, row, button) },
-    element('span', {}, exchange.operation), element('small', {}, `${exchange.method} ${exchange.path}`));
+    element('span', {}, exchange.operation), element('small', {}, `${exchange.method} `, ...breakable(exchange.path)));
   const row = element('tr', { role: 'row', className: failed(exchange) ? 'failed' : '' },
     cell('Time', element('time', {}, timeFormat.format(exchange.time))),
     cell('Operation', button),
-    cell('Trace id', element('code', {}, exchange.traceId || '–')),
+    cell('Trace id', element('code', {}, exchange.traceId)),
     cell('Status', element('span', { className: `status s${Math.floor(exchange.status / 100)}` }, String(exchange.status))),
     cell('Checks', ...checks(exchange)));
   byId('rows').prepend(row);

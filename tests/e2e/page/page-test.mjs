@@ -63,7 +63,7 @@ try {
   await signIn.keyboard.press('Enter');
   await signIn.getByRole('heading', { name: 'Signed in' }).waitFor();
   await row('Code exchange').getByText('fault: a late reply (3000)').waitFor();
-  await page.getByRole('button', { name: 'Revoke access tokens' }).click();
+  await page.getByRole('button', { name: 'Revoke access' }).click();
   const { code, text } = await signingIn;
   assert.equal(code, 1, text);
   assert.match(text, /401/, 'the host met the refusal');
