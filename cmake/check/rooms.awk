@@ -21,7 +21,7 @@ BEGIN {
   # Wing -> its rooms from the ground up, one floor a number. A room sees those of the floors beneath it.
   floors("src", "core 1, request 2, token 3, profile 3, sysconf 3, accountsdk 3, synckey 3, contacts 3")
   floors("host", "system 1, text 1, platform 2, commandline 2, session 3, steps 4")
-  floors("sandbox/server", "crypto 1, http 2, state 2, checks 3, token 4, profile 4, sysconf 4, synckey 4, contacts 4")
+  floors("sandbox/server", "crypto 1, http 2, state 2, checks 3, token 4, profile 4, sysconf 4, synckey 4, contacts 4, page 5")
 
   # Area, or a room of its own rule -> libraries whose headers it may not include, as the start of a header's name in
   # small letters.

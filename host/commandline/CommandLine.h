@@ -26,6 +26,7 @@ struct Options {
     std::string contactsUrl;                     // empty: a sandbox at the platform's URL tells it
     std::map<std::wstring, std::wstring> cookies;
     bool https = false;
+    bool interactive = false;
     bool json = false;
     bool verbose = false;
 };

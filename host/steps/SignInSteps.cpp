@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "steps/Steps.h"
+#include "system/Interruption.h"
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
 
@@ -15,9 +16,13 @@ namespace host {
 namespace {
 
 constexpr std::chrono::seconds kLongestSignIn{15};
+constexpr std::chrono::seconds kLongestPersonSignIn{330};  // longer than the sandbox waits for a person
+constexpr std::chrono::milliseconds kInterruptionCheck{200};
 // Environment variable with the platform's URL. The sandbox's SDK reads it when it is initialised, before its file.
 // Another SDK does not know it.
 constexpr wchar_t kPlatformVariable[] = L"ZVACCOUNTSDK_PLATFORM_URL";
+// Likewise: "browser" lets a person sign in on the sandbox's page, "wait" too, without a browser being started.
+constexpr wchar_t kInteractiveVariable[] = L"ZVACCOUNTSDK_INTERACTIVE";
 
 // Codes of the sandbox's SDK. Another SDK has codes of its own.
 constexpr int kSdkConfigurationMissing = 101;
@@ -62,11 +67,14 @@ void OnAccountNotification(MessageType type, char* first, char* second) {
     mailbox.arrived.notify_all();
 }
 
-// Waits for an outcome and takes it out of the mailbox; nothing when the time ran out.
+// Waits for an outcome and takes it out of the mailbox; nothing when the time ran out or Ctrl-C came.
 std::optional<SignInOutcome> WaitForSignInOutcome(std::chrono::milliseconds longest) {
     Mailbox& mailbox = TheMailbox();
     std::unique_lock<std::mutex> lock(mailbox.mutex);
-    mailbox.arrived.wait_for(lock, longest, [&mailbox] { return mailbox.outcome.has_value(); });
+    const auto end = std::chrono::steady_clock::now() + longest;
+    while (!mailbox.outcome && !Interrupted() && std::chrono::steady_clock::now() < end) {
+        mailbox.arrived.wait_for(lock, kInterruptionCheck);
+    }
     return std::exchange(mailbox.outcome, std::nullopt);
 }
 
@@ -99,6 +107,10 @@ std::string SdkPlatformUrl(const SessionState& state) {
 }
 
 StepResult ConfigureSdk(SessionState& state) {
+    // A value that is there stays: it may say that the browser is somebody else's business.
+    if (state.options.interactive && GetEnvironmentVariableW(kInteractiveVariable, nullptr, 0) == 0) {
+        SetEnvironmentVariableW(kInteractiveVariable, L"browser");
+    }
     const std::string url = SdkPlatformUrl(state);
     // The sandbox's SDK speaks http only. Another SDK is configured by its own file.
     if (state.options.sdkPlatformUrl.empty() && AsciiLower(url).rfind("https://", 0) == 0) {
@@ -121,13 +133,19 @@ StepResult InitialiseSdk(SessionState& state) {
 
 StepResult StartSignIn(SessionState& state) {
     WaitForSignInOutcome({});  // an earlier one goes
-    return SdkResult("ZmsSignIn", static_cast<int>(state.service->ZmsSignIn()));
+    StepResult result = SdkResult("ZmsSignIn", static_cast<int>(state.service->ZmsSignIn()));
+    if (result.ok && state.options.interactive) {
+        result.detail += "; a person has 5 minutes to sign in on the page that opens in the browser, or that " +
+                         SdkPlatformUrl(state) + "/ links to";
+    }
+    return result;
 }
 
 StepResult AwaitCode(SessionState& state) {
-    const std::optional<SignInOutcome> outcome = WaitForSignInOutcome(kLongestSignIn);
+    const std::chrono::seconds longest = state.options.interactive ? kLongestPersonSignIn : kLongestSignIn;
+    const std::optional<SignInOutcome> outcome = WaitForSignInOutcome(longest);
     if (!outcome) {
-        return {false, "the account SDK did not call back within 15 s"};
+        return {false, "the account SDK did not call back within " + std::to_string(longest.count()) + " s"};
     }
     if (!outcome->succeeded) {
         return {false, outcome->reason};

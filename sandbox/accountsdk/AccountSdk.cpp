@@ -79,7 +79,7 @@ Code AccountSdk::SignIn(const char* applicationId, const char* scopes, const cha
     if (!m_callback) {
         return kNoCallback;
     }
-    return m_signIns.Start(m_configuration->platform, std::move(arguments), m_callback) ? kOk : kThreadNotStarted;
+    return m_signIns.Start(*m_configuration, std::move(arguments), m_callback) ? kOk : kThreadNotStarted;
 }
 
 Code AccountSdk::HasAccountChanged(const char* userId) {

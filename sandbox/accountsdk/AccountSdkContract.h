@@ -26,6 +26,8 @@ enum Code : int {
     kLogoutEntryInvalid = 113,    // not a JSON object with the texts "name" and "description"
     kSignInRefused = 114,         // the platform refuses the sign-in; only in the callback
     kUninitTimedOut = 115,        // a sign-in still runs; it will not call back any more
+    kSignInCancelled = 116,       // the person cancelled, closed the page or let the time pass; only in the callback
+    kBrowserNotStarted = 117,     // the system opens no sign-in page; only in the callback
     kInternalError = 199,         // out of memory, or anything that has no code of its own
 };
 

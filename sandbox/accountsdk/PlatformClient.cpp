@@ -10,6 +10,9 @@ namespace {
 constexpr time_t kConnectSeconds = 5;
 constexpr time_t kReadSeconds = 10;
 constexpr std::size_t kLongestReply = 64 * 1024;
+constexpr const char* kSignInPath = "/sandbox/sign-in";
+constexpr int kTooManyWait = 503;
+constexpr std::size_t kRequestIdDigits = 32;
 
 // Instead of a status: no reply, or one beyond kLongestReply.
 constexpr int kNone = 0;
@@ -33,6 +36,26 @@ Reply Send(httplib::Client& http, httplib::Request request) {
     return result ? Reply{result->status, std::move(body)} : Reply{kNone, httplib::to_string(result.error())};
 }
 
+// What a reply is that is not the agreed one.
+SignInReply OutcomeOf(const Reply& reply, const std::string& platform) {
+    if (reply.status == kNone) {
+        return {kNoAnswer, "", "no account platform answers at " + platform + " (" + reply.text + ")"};
+    }
+    const std::string what = reply.status == kTooLong ? "too long" : "HTTP " + std::to_string(reply.status);
+    return {kBadAnswer, "", "the account platform's reply is not a sign-in reply (" + what + ")"};
+}
+
+// How a person's sign-in ends without a code.
+constexpr struct {
+    const char* state;
+    const char* reason;
+} kEndings[] = {
+    {"cancelled", "the person cancelled the sign-in"},
+    {"closed", "the sign-in page was closed"},
+    {"expired", "nobody answered on the sign-in page in time"},
+    {"unknown", "the account platform no longer knows the sign-in"},
+};
+
 }  // namespace
 
 struct PlatformClient::Http {
@@ -49,32 +72,73 @@ struct PlatformClient::Http {
 PlatformClient::PlatformClient(const PlatformUrl& platform) : m_http(std::make_unique<Http>(platform)) {}
 PlatformClient::~PlatformClient() = default;
 
-SignInReply PlatformClient::SignIn(const SignInArguments& arguments) {
+// The reply, when it has that text, and outcome kOk; else why it does not.
+Json::Value PlatformClient::PostSignIn(const SignInArguments& arguments, bool interactive, const char* member,
+                                       SignInReply& outcome) {
     Json::Value body;
     body["applicationId"] = arguments.applicationId;
     body["scopes"] = arguments.scopes;
     body["location"] = arguments.location;
+    if (interactive) {
+        body["interactive"] = true;
+    }
     httplib::Request request;
     request.method = "POST";
-    request.path = m_http->url.path + "/sandbox/sign-in";
+    request.path = m_http->url.path + kSignInPath;
     request.set_header("Content-Type", "application/json");
     request.body = CompactText(body);
 
     const Reply reply = Send(m_http->client, std::move(request));
-    if (reply.status == kNone) {
-        return {kNoAnswer, "", "no account platform answers at " + m_http->url.text + " (" + reply.text + ")"};
+    Json::Value root = ParseObject(reply.text);
+    outcome = OutcomeOf(reply, m_http->url.text);
+    if (reply.status == 200 && !TextMember(root, member).empty()) {
+        outcome = {kOk, "", ""};
+    } else if (const std::string error = TextMember(root, "error");
+               (reply.status == 400 || reply.status == kTooManyWait) && !error.empty()) {
+        outcome = {kSignInRefused, "", error};
     }
+    return root;
+}
+
+SignInReply PlatformClient::SignIn(const SignInArguments& arguments) {
+    SignInReply outcome;
+    const Json::Value root = PostSignIn(arguments, false, "code", outcome);
+    outcome.authorizationCode = outcome.code == kOk ? TextMember(root, "code") : "";
+    return outcome;
+}
+
+SignInRequest PlatformClient::OpenSignIn(const SignInArguments& arguments) {
+    SignInRequest opened;
+    opened.id = TextMember(PostSignIn(arguments, true, "request", opened.refusal), "request");
+    opened.pageUrl = m_http->url.text + "/sign-in?request=" + opened.id;
+    // It goes to the system's shell.
+    const bool digitsOnly = opened.id.find_first_not_of("0123456789abcdef") == std::string::npos;
+    if (opened.refusal.code == kOk && (!digitsOnly || opened.id.size() != kRequestIdDigits)) {
+        opened.refusal = {kBadAnswer, "", "the account platform's request id is not 32 hexadecimal digits"};
+    }
+    return opened;
+}
+
+std::optional<SignInReply> PlatformClient::AskSignIn(const std::string& id) {
+    httplib::Request request;
+    request.method = "GET";
+    request.path = m_http->url.path + kSignInPath + "?request=" + id;
+    const Reply reply = Send(m_http->client, std::move(request));
     const Json::Value root = ParseObject(reply.text);
+    const std::string state = reply.status == 200 ? TextMember(root, "state") : "";
     const std::string code = TextMember(root, "code");
-    if (reply.status == 200 && !code.empty()) {
-        return {kOk, code, ""};
+    if (state == "waiting") {
+        return std::nullopt;
     }
-    const std::string error = TextMember(root, "error");
-    if (reply.status == 400 && !error.empty()) {
-        return {kSignInRefused, "", error};
+    if (state == "granted" && !code.empty()) {
+        return SignInReply{kOk, code, ""};
     }
-    const std::string what = reply.status == kTooLong ? "too long" : "HTTP " + std::to_string(reply.status);
-    return {kBadAnswer, "", "the account platform's reply is not a sign-in reply (" + what + ")"};
+    for (const auto& ending : kEndings) {
+        if (state == ending.state) {
+            return SignInReply{kSignInCancelled, "", ending.reason};
+        }
+    }
+    return OutcomeOf(reply, m_http->url.text);
 }
 
 SessionReply PlatformClient::CurrentSession() {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <json/value.h>
+
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "AccountSdkContract.h"
@@ -17,9 +20,16 @@ struct SignInArguments {
 
 // Outcome of a sign-in at the platform.
 struct SignInReply {
-    Code code = kInternalError;  // kOk, kNoAnswer, kBadAnswer or kSignInRefused
+    Code code = kInternalError;  // kOk, kNoAnswer, kBadAnswer, kSignInRefused, kSignInCancelled or kBrowserNotStarted
     std::string authorizationCode;
     std::string reason;  // in words, for people; empty with kOk
+};
+
+// A sign-in that a person completes on the platform's page.
+struct SignInRequest {
+    SignInReply refusal;  // kOk when there is a request
+    std::string id;       // 32 hexadecimal digits
+    std::string pageUrl;  // where the person goes
 };
 
 // Who is signed in at the platform.
@@ -38,9 +48,15 @@ public:
     PlatformClient& operator=(const PlatformClient&) = delete;
 
     SignInReply SignIn(const SignInArguments& arguments);
+    SignInRequest OpenSignIn(const SignInArguments& arguments);
+    // How the request stands; nothing while the person has not answered.
+    std::optional<SignInReply> AskSignIn(const std::string& id);
     SessionReply CurrentSession();
 
 private:
+    Json::Value PostSignIn(const SignInArguments& arguments, bool interactive, const char* member,
+                           SignInReply& outcome);
+
     struct Http;
     std::unique_ptr<Http> m_http;
 };

@@ -22,11 +22,10 @@ bool IsClientId(const std::string& text) {
 
 // The system is asked, not the C runtime, which keeps a copy from the start of the process: programs set the variable
 // while they run. Empty when it is not set.
-std::string PlatformUrlOfProcess() {
+std::string VariableOfProcess(const wchar_t* name) {
     constexpr std::size_t kLongestVariable = 32767;  // with the terminating zero
     std::wstring wide(kLongestVariable, L'\0');
-    const DWORD length =
-        GetEnvironmentVariableW(L"ZVACCOUNTSDK_PLATFORM_URL", wide.data(), static_cast<DWORD>(wide.size()));
+    const DWORD length = GetEnvironmentVariableW(name, wide.data(), static_cast<DWORD>(wide.size()));
     wide.resize(length < wide.size() ? length : 0);
     const int size = static_cast<int>(wide.size());
     std::string text(
@@ -36,17 +35,28 @@ std::string PlatformUrlOfProcess() {
     return text;
 }
 
+SignInMode ModeOf(const std::string& variable, bool interactive) {
+    if (variable.empty()) {
+        return interactive ? SignInMode::kOpenPage : SignInMode::kAtOnce;
+    }
+    return variable == "browser" ? SignInMode::kOpenPage
+           : variable == "wait"  ? SignInMode::kAwaitPage
+                                 : SignInMode::kAtOnce;
+}
+
 }  // namespace
 
 Code LoadSdkConfiguration(SdkConfiguration& configuration) {
-    std::string url = PlatformUrlOfProcess();
+    std::string url = VariableOfProcess(L"ZVACCOUNTSDK_PLATFORM_URL");
     std::string clientId;
+    bool interactive = false;
     std::ifstream file(OwnModuleFolder() / "ZMSCoreConfig.json", std::ios::binary);
     if (file) {
         const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
         const Json::Value root = ParseObject(text);
         clientId = TextMember(root, "client_id");
         url = url.empty() ? TextMember(root, "platform_url") : url;
+        interactive = root.isObject() && root["interactive"] == true;
         if (!IsClientId(clientId)) {
             return kConfigurationInvalid;
         }
@@ -57,7 +67,8 @@ Code LoadSdkConfiguration(SdkConfiguration& configuration) {
     if (!platform) {
         return kConfigurationInvalid;
     }
-    configuration = {std::move(clientId), *std::move(platform)};
+    configuration = {std::move(clientId), *std::move(platform),
+                     ModeOf(VariableOfProcess(L"ZVACCOUNTSDK_INTERACTIVE"), interactive)};
     return kOk;
 }
 

@@ -8,6 +8,7 @@
 #include <chrono>
 
 #include "OwnModule.h"
+#include "SignInWithPerson.h"
 
 namespace accountsdk {
 namespace {
@@ -17,11 +18,17 @@ constexpr std::chrono::seconds kLongestWait{20};
 }  // namespace
 
 struct SignInThreads::SignIn {
-    SignIn(SignInThreads& owner, const PlatformUrl& platform, SignInArguments signInArguments, NotifyCallback notify)
-        : threads(owner), client(platform), arguments(std::move(signInArguments)), callback(notify) {}
+    SignIn(SignInThreads& owner, const SdkConfiguration& configuration, SignInArguments signInArguments,
+           NotifyCallback notify)
+        : threads(owner),
+          client(configuration.platform),
+          mode(configuration.signIn),
+          arguments(std::move(signInArguments)),
+          callback(notify) {}
 
     SignInThreads& threads;
     PlatformClient client;
+    const SignInMode mode;
     const SignInArguments arguments;
     const NotifyCallback callback;
     HMODULE module = nullptr;
@@ -29,8 +36,8 @@ struct SignInThreads::SignIn {
     bool cancelled = false;  // likewise
 };
 
-bool SignInThreads::Start(const PlatformUrl& platform, SignInArguments arguments, NotifyCallback callback) {
-    auto signIn = std::make_shared<SignIn>(*this, platform, std::move(arguments), callback);
+bool SignInThreads::Start(const SdkConfiguration& configuration, SignInArguments arguments, NotifyCallback callback) {
+    auto signIn = std::make_shared<SignIn>(*this, configuration, std::move(arguments), callback);
     auto parameter = std::make_unique<std::shared_ptr<SignIn>>(signIn);
     signIn->module = ReferenceOwnModule();
     if (!signIn->module) {
@@ -77,7 +84,11 @@ unsigned __stdcall SignInThreads::ThreadMain(void* parameter) {
 }
 
 void SignInThreads::Run(const std::shared_ptr<SignIn>& signIn) try {
-    const SignInReply reply = signIn->client.SignIn(signIn->arguments);
+    const SignInReply reply =
+        signIn->mode == SignInMode::kAtOnce
+            ? signIn->client.SignIn(signIn->arguments)
+            : SignInWithPerson(signIn->client, signIn->arguments, signIn->mode == SignInMode::kOpenPage,
+                               [&] { return signIn->threads.MayDeliver(*signIn); });
     // Writable copies: the callback takes char*.
     std::string first = reply.code == kOk ? reply.authorizationCode : std::to_string(static_cast<int>(reply.code));
     std::string second = reply.reason;

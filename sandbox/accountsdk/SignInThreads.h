@@ -8,6 +8,7 @@
 
 #include "AccountSdkContract.h"
 #include "PlatformClient.h"
+#include "SdkConfiguration.h"
 
 namespace accountsdk {
 
@@ -16,7 +17,7 @@ namespace accountsdk {
 class SignInThreads {
 public:
     // Returns at once; the callback comes later, on the new thread. False when there is no thread.
-    bool Start(const PlatformUrl& platform, SignInArguments arguments, NotifyCallback callback);
+    bool Start(const SdkConfiguration& configuration, SignInArguments arguments, NotifyCallback callback);
 
     // Takes their callback from the running sign-ins and waits for their end, at most 20 s: no callback starts after
     // the return. False when the time ran out, as it does while a callback runs on, or with a platform whose reply

@@ -23,10 +23,50 @@ void Expect(const Json::Value& body, const char* member, std::string_view value)
     }
 }
 
-PlatformReply SignIn(const Json::Value& body, PlatformState& state) {
+// With "interactive" the reply names a request, which a person answers at /sign-in?request=ID.
+PlatformReply OpenSignIn(SignInRequests& signIns) {
+    constexpr int kServiceUnavailable = 503;
+    const auto id = signIns.Open();
+    return id.empty() ? ErrorReply(kServiceUnavailable, "too many sign-ins wait for a person")
+                      : JsonReply(JsonObject({{"request", id}}));
+}
+
+const char* NameOf(SignInState state) {
+    switch (state) {
+        case SignInState::kWaiting:
+            return "waiting";
+        case SignInState::kGranted:
+            return "granted";
+        case SignInState::kCancelled:
+            return "cancelled";
+        case SignInState::kClosed:
+            return "closed";
+        case SignInState::kExpired:
+            return "expired";
+        default:
+            return "unknown";
+    }
+}
+
+// {"state": ...}, and with "granted" what a sign-in without a person is answered at once.
+PlatformReply AskSignIn(const PlatformRequest& request, SignInRequests& signIns) {
+    const auto id = request.parameters.find("request");
+    const auto answer = signIns.Ask(id == request.parameters.end() ? std::string() : id->second);
+    auto reply = JsonObject({{"state", NameOf(answer.state)}});
+    if (answer.state == SignInState::kGranted) {
+        reply["code"] = answer.code;
+        reply["userId"] = answer.userId;
+    }
+    return JsonReply(reply);
+}
+
+PlatformReply SignIn(const Json::Value& body, PlatformState& state, SignInRequests& signIns) {
     Expect(body, "applicationId", kApplicationId);
     Expect(body, "scopes", kSignInScopes);
     Expect(body, "location", kSignInLocation);
+    if (body["interactive"] == true) {
+        return OpenSignIn(signIns);
+    }
     const auto grant = state.SignIn();
     return JsonReply(JsonObject({{"code", grant.code}, {"userId", grant.userId}}));
 }
@@ -67,6 +107,17 @@ PlatformReply PutFault(const Json::Value& body, const EndpointTable& endpoints, 
     return EmptyReply();
 }
 
+// That of one endpoint, or all.
+PlatformReply RemoveFaults(const PlatformRequest& request, FaultTable& faults) {
+    const auto endpoint = request.parameters.find("endpoint");
+    if (endpoint == request.parameters.end()) {
+        faults.Clear();
+    } else {
+        faults.Remove(endpoint->second);
+    }
+    return EmptyReply();
+}
+
 Json::Value CountsOf(const std::map<std::string, std::uint64_t>& counts) {
     Json::Value object(Json::objectValue);
     for (const auto& [name, count] : counts) {
@@ -93,9 +144,12 @@ PlatformReply LastRequest(const PlatformRequest& request, const TrafficLog& traf
 
 }  // namespace
 
-void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, FaultTable& faults,
+void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, SignInRequests& signIns, FaultTable& faults,
                          const TrafficLog& traffic) {
-    endpoints.Add("POST", "/sandbox/sign-in", WithObject([&](const Json::Value& body) { return SignIn(body, state); }));
+    endpoints.Add("POST", "/sandbox/sign-in",
+                  WithObject([&](const Json::Value& body) { return SignIn(body, state, signIns); }));
+    endpoints.Add("GET", "/sandbox/sign-in",
+                  [&](const PlatformRequest& request) { return AskSignIn(request, signIns); });
     endpoints.Add("POST", "/sandbox/sign-out", [&](const PlatformRequest&) {
         state.SignOut();
         return SessionReply(state.CurrentSession());
@@ -109,10 +163,7 @@ void AddSandboxEndpoints(EndpointTable& endpoints, PlatformState& state, FaultTa
     endpoints.Add("POST", "/sandbox/revoke", WithObject([&](const Json::Value& body) { return Revoke(body, state); }));
     endpoints.Add("POST", kPathFaults,
                   WithObject([&](const Json::Value& body) { return PutFault(body, endpoints, faults); }));
-    endpoints.Add("DELETE", kPathFaults, [&](const PlatformRequest&) {
-        faults.Clear();
-        return EmptyReply();
-    });
+    endpoints.Add("DELETE", kPathFaults, [&](const PlatformRequest& request) { return RemoveFaults(request, faults); });
     endpoints.Add("GET", "/sandbox/statistics", [&](const PlatformRequest&) { return Statistics(traffic); });
     endpoints.Add("GET", "/sandbox/last-request",
                   [&](const PlatformRequest& request) { return LastRequest(request, traffic); });

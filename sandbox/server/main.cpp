@@ -15,6 +15,8 @@
 #include "http/HttpFrontEnd.h"
 #include "http/JsonText.h"
 #include "http/RecordingServer.h"
+#include "page/BrowserGuard.h"
+#include "page/Endpoints.h"
 #include "profile/Endpoints.h"
 #include "synckey/Endpoints.h"
 #include "sysconf/Endpoints.h"
@@ -127,7 +129,12 @@ void WaitForEnd(bool ofInput) {
 struct Platform {
     Platform();
 
+    // Everything as at start, but for the counts of connections and requests.
+    void Reset();
+
+    const BrowserGuard guard;
     PlatformState state;
+    SignInRequests signIns;
     FaultTable faults;
     TrafficLog traffic;
     UserKeyPlatform userKeys{state.Accounts()};
@@ -151,10 +158,35 @@ Platform::Platform() {
     AddLoginDevicesEndpoint(endpoints, state, records);
     AddContactsEndpoint(endpoints, contacts);
 
-    AddSandboxEndpoints(endpoints, state, faults, traffic);
+    AddSandboxEndpoints(endpoints, state, signIns, faults, traffic);
     AddUserKeyControl(endpoints, state, userKeys);
     AddBasicServiceControl(endpoints, state, settings, records);
     AddContactsControl(endpoints, state, contacts);
+    endpoints.Add("POST", "/sandbox/reset", [this](const PlatformRequest&) {
+        Reset();
+        return JsonReply(Json::Value(Json::objectValue));
+    });
+
+    AddPageFileEndpoints(endpoints, guard);
+    AddPageEndpoints(endpoints, {state, settings, faults, traffic, signIns});
+    AddSignInPageEndpoints(endpoints, state, signIns);
+}
+
+void Platform::Reset() {
+    faults.Clear();
+    state.Reset();
+    signIns.Clear();
+    userKeys.lists.Reset();
+    userKeys.exchange.Replace({});
+    settings.Reset();
+    records.Clear();
+    contacts.Clear();
+    traffic.ForgetShown();
+}
+
+// Of what is under /sandbox only a sign-in is a client's own doing.
+bool IsShown(const PlatformRequest& request) {
+    return !IsOfSandbox(request.path) || (request.method == "POST" && request.path == "/sandbox/sign-in");
 }
 
 // Serves until it is told to end. False when a listener failed meanwhile, which has been reported.
@@ -162,7 +194,9 @@ bool Serve(const Options& options) {
     const auto identity = MakeServerIdentity(options.tlsName);
     Platform platform;
     auto& traffic = platform.traffic;
-    HttpFrontEnd frontEnd(platform.endpoints, platform.faults, traffic);
+    HttpFrontEnd frontEnd(
+        platform.endpoints, platform.faults, traffic,
+        {[&platform](const PlatformRequest& request) { return platform.guard.Refusal(request); }, IsShown});
     traffic.AddListener("http");
     traffic.AddListener("https");
     RecordingHttpServer http([&] { traffic.CountConnection("http"); });

@@ -45,6 +45,7 @@ EndpointHandler PortalEndpoint(EndpointHandler answer) {
         } catch (const Refusal& refusal) {
             auto reply = JsonReply(JsonObject({{"result", PortalResult(CodeOf(refusal.Part()), refusal.what())}}));
             reply.status = refusal.Status();
+            reply.refusal = refusal.what();
             return reply;
         }
     };

@@ -58,4 +58,10 @@ PlatformReply ContactExports::ExportOf(const std::string& userId) const {
     return found == m_exports.end() ? m_default : found->second;
 }
 
+void ContactExports::Clear() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_exports.clear();
+    m_logins.clear();
+}
+
 }  // namespace sandbox

@@ -28,6 +28,8 @@ public:
     void Put(const std::string& userId, PlatformReply reply);
     // What was put for the account; three plain cards when nothing was.
     PlatformReply ExportOf(const std::string& userId) const;
+    // Forgets what was put, and ends all logins.
+    void Clear();
 
 private:
     const PlatformReply m_default;

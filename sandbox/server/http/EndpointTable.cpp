@@ -40,7 +40,9 @@ PlatformReply JsonReply(const Json::Value& value) {
 }
 
 PlatformReply ErrorReply(int status, const std::string& reason) {
-    return {status, JsonLine(JsonObject({{"error", reason}})), {}};
+    PlatformReply reply{status, JsonLine(JsonObject({{"error", reason}})), {}};
+    reply.refusal = reason;
+    return reply;
 }
 
 EndpointHandler WithObject(std::function<PlatformReply(const Json::Value&)> handler) {

@@ -49,6 +49,10 @@ struct PlatformReply {
     std::string contentType = kContentTypeJson;
     std::optional<StreamedBody> stream = std::nullopt;  // instead of body
     bool chunked = false;                               // sent in chunks, without Content-Length
+    std::string refusal = {};                           // why the request was refused; empty: it was not
+    // Instead of body: asked again and again for what is new, empty text when nothing is. The reply ends with the
+    // connection. Faults do not touch it.
+    std::function<std::string()> live = nullptr;
 };
 
 inline std::size_t BodySize(const PlatformReply& reply) {

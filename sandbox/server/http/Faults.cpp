@@ -52,6 +52,7 @@ Fault ReadFault(const Json::Value& description) {
     fault.unframed = order.Switch("unframed").value_or(false);
     fault.times = order.Number("times", 1, kMostTimes);
     order.RefuseOthers();
+    fault.order = description;
     if (const char* reason = Contradiction(fault)) {
         throw Refusal(Wrong::kBody, reason);
     }
@@ -64,9 +65,23 @@ void FaultTable::Put(Fault fault) {
     m_faults.insert_or_assign(std::move(endpoint), std::move(fault));
 }
 
+void FaultTable::Remove(const std::string& endpoint) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_faults.erase(endpoint);
+}
+
 void FaultTable::Clear() {
     const std::lock_guard<std::mutex> guard(m_lock);
     m_faults.clear();
+}
+
+std::vector<Fault> FaultTable::All() const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    std::vector<Fault> faults;
+    for (const auto& [endpoint, fault] : m_faults) {
+        faults.push_back(fault);
+    }
+    return faults;
 }
 
 std::optional<Fault> FaultTable::Take(const std::string& endpoint) {

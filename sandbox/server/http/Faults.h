@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <json/value.h>
 
@@ -26,6 +27,7 @@ struct Fault {
     bool garbage = false;                      // random bytes that are no JSON instead of the body
     bool wrongTypes = false;                   // every member of the reply has another JSON type
     std::optional<unsigned> times;             // how many requests are hit; all of them without it
+    Json::Value order;                         // what it was read from
 };
 
 // Reads a fault from {"endpoint": PATH} with at least one member more. The members are called as those of Fault, but
@@ -37,12 +39,14 @@ class FaultTable {
 public:
     // Replaces the fault of that endpoint.
     void Put(Fault fault);
+    void Remove(const std::string& endpoint);
     void Clear();
+    std::vector<Fault> All() const;
     // The fault that hits a request of that endpoint, if there is one; counts the request.
     std::optional<Fault> Take(const std::string& endpoint);
 
 private:
-    std::mutex m_lock;
+    mutable std::mutex m_lock;
     std::map<std::string, Fault> m_faults;  // guarded by m_lock
 };
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "http/ConnectionThreads.h"
+#include "http/JsonText.h"
 #include "http/RecordingServer.h"
 
 namespace sandbox {
@@ -47,6 +48,15 @@ StreamedBody ToStream(PlatformReply reply) {
     return reply.stream ? *std::move(reply.stream) : SharedBody(std::move(reply.body));
 }
 
+// Without what the library adds to it.
+std::string HeadOf(const PlatformReply& reply) {
+    auto head = "HTTP/1.1 " + std::to_string(reply.status) + "\nContent-Type: " + reply.contentType + "\n";
+    for (const auto& [name, value] : reply.headers) {
+        head += name + ": " + value + "\n";
+    }
+    return head;
+}
+
 // The library matches paths by regular expressions, whose depth of recursion grows with the path.
 httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request, httplib::Response& response) {
     if (request.path.size() <= kLongestPath) {
@@ -65,8 +75,8 @@ void TakePortExclusively(socket_t socket) {
 
 }  // namespace
 
-HttpFrontEnd::HttpFrontEnd(const EndpointTable& endpoints, FaultTable& faults, TrafficLog& traffic)
-    : m_endpoints(endpoints), m_faults(faults), m_traffic(traffic) {}
+HttpFrontEnd::HttpFrontEnd(const EndpointTable& endpoints, FaultTable& faults, TrafficLog& traffic, Reception reception)
+    : m_endpoints(endpoints), m_faults(faults), m_traffic(traffic), m_reception(std::move(reception)) {}
 
 void HttpFrontEnd::Attach(httplib::Server& server) {
     constexpr const char* kEveryPath = "[\\s\\S]*";
@@ -99,22 +109,67 @@ void HttpFrontEnd::Handle(const httplib::Request& request, httplib::Response& re
     const auto& path = platformRequest.path;
     m_traffic.RecordRequest(m_endpoints.Knows(path) ? path : kUnknownPaths, platformRequest.head.Text(),
                             platformRequest.body);
-    auto reply = m_endpoints.Answer(platformRequest);
-    const auto fault = m_faults.Take(path);
+    auto reply = Answer(platformRequest);
+    const auto fault = reply.live ? std::nullopt : m_faults.Take(path);
     if (fault) {
         SpoilReply(*fault, reply);
+    }
+    Show(platformRequest, reply, fault);
+    if (fault) {
         Pause(fault->delay, [] { return true; });
     }
     response.status = reply.status;
     for (const auto& [name, value] : reply.headers) {
         response.set_header(name, value);
     }
-    if ((fault && ShapesDelivery(*fault)) || reply.stream || reply.chunked) {
+    if (reply.live) {
+        KeepSending(std::move(reply), response);
+    } else if ((fault && ShapesDelivery(*fault)) || reply.stream || reply.chunked) {
         const auto delivery = PlanDelivery(fault.value_or(Fault()), BodySize(reply));
         Deliver(std::move(reply), delivery, response);
     } else {
         response.set_content(reply.body, reply.contentType);
     }
+}
+
+PlatformReply HttpFrontEnd::Answer(const PlatformRequest& request) const {
+    constexpr int kForbidden = 403;
+    const auto refusal = m_reception.refusal(request);
+    return refusal.empty() ? m_endpoints.Answer(request) : ErrorReply(kForbidden, refusal);
+}
+
+void HttpFrontEnd::Show(const PlatformRequest& request, const PlatformReply& reply, const std::optional<Fault>& fault) {
+    using std::chrono::milliseconds;
+    using std::chrono::system_clock;
+    if (!m_reception.isShown(request)) {
+        return;
+    }
+    ShownExchange shown;
+    shown.time = std::chrono::duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+    shown.method = request.method;
+    shown.path = request.path;
+    shown.status = reply.status;
+    shown.refusal = reply.refusal;
+    shown.fault = fault ? JsonLine(fault->order) : std::string();
+    shown.requestHead = request.head.Text();
+    shown.requestBody = request.body;
+    shown.replyHead = HeadOf(reply);
+    shown.replyBody = reply.contentType == kContentTypeJson && !reply.stream
+                          ? reply.body
+                          : "[" + std::to_string(BodySize(reply)) + " bytes of " + reply.contentType + "]";
+    m_traffic.Show(std::move(shown));
+}
+
+void HttpFrontEnd::KeepSending(PlatformReply reply, httplib::Response& response) {
+    response.set_chunked_content_provider(
+        reply.contentType, [this, live = std::move(reply.live), first = true](size_t, httplib::DataSink& sink) mutable {
+            if (!std::exchange(first, false) && !Pause(kPeerCheckInterval, sink.is_writable)) {
+                return false;
+            }
+            // The library takes a write of nothing for the end.
+            const auto news = live();
+            return news.empty() || sink.write(news.data(), news.size());
+        });
 }
 
 void HttpFrontEnd::Deliver(PlatformReply reply, const Delivery& delivery, httplib::Response& response) {

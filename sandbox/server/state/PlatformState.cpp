@@ -24,10 +24,13 @@ void EraseExpired(Entries& entries, Time before) {
 SignInGrant PlatformState::SignIn() {
     auto code = RandomCode();
     const std::lock_guard<std::mutex> guard(m_lock);
-    ForgetOldEntries();
-    m_codes[code] = {m_current, Now() + kCodeLifetime, false};
-    m_signedIn = true;
-    return {std::move(code), m_accounts[m_current].userId};
+    return SignInCurrent(std::move(code));
+}
+
+std::optional<SignInGrant> PlatformState::SignIn(const std::string& userId) {
+    auto code = RandomCode();
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return Select(userId) ? std::optional(SignInCurrent(std::move(code))) : std::nullopt;
 }
 
 void PlatformState::SignOut() {
@@ -37,10 +40,7 @@ void PlatformState::SignOut() {
 
 Session PlatformState::CurrentSession() const {
     const std::lock_guard<std::mutex> guard(m_lock);
-    if (!m_signedIn) {
-        return {};
-    }
-    return {true, m_accounts[m_current].userId, m_accounts[m_current].displayName};
+    return SessionNow();
 }
 
 Account PlatformState::CurrentAccount() const {
@@ -50,13 +50,7 @@ Account PlatformState::CurrentAccount() const {
 
 bool PlatformState::SelectAccount(const std::string& userId) {
     const std::lock_guard<std::mutex> guard(m_lock);
-    const auto found = std::find_if(m_accounts.begin(), m_accounts.end(),
-                                    [&](const Account& account) { return account.userId == userId; });
-    if (found == m_accounts.end()) {
-        return false;
-    }
-    m_current = static_cast<std::size_t>(found - m_accounts.begin());
-    return true;
+    return Select(userId);
 }
 
 CodeExchange PlatformState::ExchangeCode(const std::string& code, const std::string& deviceId) {
@@ -123,8 +117,51 @@ bool PlatformState::AdvanceClock(std::chrono::seconds by) {
     return true;
 }
 
+PlatformOverview PlatformState::Overview() const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return {SessionNow(), m_accounts[m_current].userId, m_clockOffset, CountValid(m_accessTokens),
+            CountValid(m_refreshTokens)};
+}
+
+void PlatformState::Reset() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_current = 0;
+    m_signedIn = false;
+    m_codes.clear();
+    m_accessTokens.clear();
+    m_refreshTokens.clear();
+    m_clockOffset = {};
+}
+
 PlatformState::Time PlatformState::Now() const {
     return std::chrono::steady_clock::now() + m_clockOffset;
+}
+
+SignInGrant PlatformState::SignInCurrent(std::string code) {
+    ForgetOldEntries();
+    m_codes[code] = {m_current, Now() + kCodeLifetime, false};
+    m_signedIn = true;
+    return {std::move(code), m_accounts[m_current].userId};
+}
+
+Session PlatformState::SessionNow() const {
+    return m_signedIn ? Session{true, m_accounts[m_current].userId, m_accounts[m_current].displayName} : Session();
+}
+
+bool PlatformState::Select(const std::string& userId) {
+    const auto found = std::find_if(m_accounts.begin(), m_accounts.end(),
+                                    [&](const Account& account) { return account.userId == userId; });
+    if (found == m_accounts.end()) {
+        return false;
+    }
+    m_current = static_cast<std::size_t>(found - m_accounts.begin());
+    return true;
+}
+
+std::size_t PlatformState::CountValid(const Tokens& tokens) const {
+    return static_cast<std::size_t>(std::count_if(tokens.begin(), tokens.end(), [this](const auto& token) {
+        return token.second.account == m_current && Now() < token.second.expiry;
+    }));
 }
 
 void PlatformState::ForgetOldEntries() {

@@ -55,6 +55,14 @@ struct Session {
     std::string displayName;
 };
 
+struct PlatformOverview {
+    Session session;
+    std::string currentUserId;
+    std::chrono::seconds clockAhead{};
+    std::size_t accessTokens = 0;  // of the current account, and valid
+    std::size_t refreshTokens = 0;
+};
+
 enum class TokenKind { kAccess, kRefresh };
 
 inline constexpr std::chrono::hours kLongestAdvance{24 * 3650};
@@ -64,6 +72,8 @@ class PlatformState {
 public:
     // Signs the current account in on the device and issues a code for it, good for one exchange within five minutes.
     SignInGrant SignIn();
+    // Makes that account the current one and signs it in; nothing when no account has that user id.
+    std::optional<SignInGrant> SignIn(const std::string& userId);
     void SignOut();
     Session CurrentSession() const;
     // The account that signs in next, whether or not somebody is signed in now.
@@ -84,6 +94,10 @@ public:
     // when it would be more than kLongestAdvance ahead in all.
     bool AdvanceClock(std::chrono::seconds by);
 
+    PlatformOverview Overview() const;
+    // Everything as at start: every code and token is unknown from now on.
+    void Reset();
+
 private:
     using Time = std::chrono::steady_clock::time_point;
     struct Code {
@@ -100,6 +114,10 @@ private:
 
     // The following expect the lock to be held.
     Time Now() const;
+    SignInGrant SignInCurrent(std::string code);
+    Session SessionNow() const;
+    bool Select(const std::string& userId);
+    std::size_t CountValid(const Tokens& tokens) const;
     void ForgetOldEntries();
     std::string IssueAccessToken(std::size_t account);
     // Why the token is not valid; empty when it is, and then it is one of tokens.

@@ -161,6 +161,11 @@ std::string KeyListVariantNames() {
 }
 
 KeyListChoice::KeyListChoice() {
+    Reset();
+}
+
+void KeyListChoice::Reset() {
+    const std::lock_guard<std::mutex> guard(m_lock);
     for (const auto dataType : kUserKeyDataTypes) {
         m_variants[dataType] = FindKeyListVariant(kPlainKeyList);
     }

@@ -38,6 +38,8 @@ public:
     // Both throw std::out_of_range for another data type than those of user keys.
     void Choose(std::string_view dataType, const KeyListVariant& variant);
     Json::Value Make(std::string_view dataType, const KeyListOrder& order) const;
+    // Plain again, for all data types.
+    void Reset();
 
 private:
     mutable std::mutex m_lock;

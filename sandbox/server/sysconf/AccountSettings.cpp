@@ -48,13 +48,18 @@ AccountSettings SettingsAtStart(const Account& account) {
     return settings;
 }
 
+std::map<std::string, AccountSettings> AllAtStart(const std::vector<Account>& accounts) {
+    std::map<std::string, AccountSettings> settings;
+    for (const auto& account : accounts) {
+        settings.emplace(account.userId, SettingsAtStart(account));
+    }
+    return settings;
+}
+
 }  // namespace
 
-SettingsTable::SettingsTable(const std::vector<Account>& accounts) {
-    for (const auto& account : accounts) {
-        m_settings.emplace(account.userId, SettingsAtStart(account));
-    }
-}
+SettingsTable::SettingsTable(const std::vector<Account>& accounts)
+    : m_atStart(AllAtStart(accounts)), m_settings(m_atStart) {}
 
 AccountSettings SettingsTable::Of(const std::string& userId) const {
     const std::lock_guard<std::mutex> guard(m_lock);
@@ -66,6 +71,11 @@ AccountSettings SettingsTable::Change(const std::string& userId, const std::func
     auto& settings = m_settings.at(userId);
     change(settings);
     return settings;
+}
+
+void SettingsTable::Reset() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_settings = m_atStart;
 }
 
 }  // namespace sandbox

@@ -34,8 +34,10 @@ public:
     AccountSettings Of(const std::string& userId) const;
     // change runs under the table's lock; returns what it leaves.
     AccountSettings Change(const std::string& userId, const std::function<void(AccountSettings&)>& change);
+    void Reset();
 
 private:
+    const std::map<std::string, AccountSettings> m_atStart;
     mutable std::mutex m_lock;
     std::map<std::string, AccountSettings> m_settings;  // guarded by m_lock
 };

@@ -37,4 +37,9 @@ std::deque<OperationRecord> OperationRecords::Of(const std::string& userId) cons
     return found == m_records.end() ? std::deque<OperationRecord>() : found->second;
 }
 
+void OperationRecords::Clear() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_records.clear();
+}
+
 }  // namespace sandbox

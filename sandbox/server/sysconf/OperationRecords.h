@@ -19,6 +19,7 @@ public:
     void Add(const std::string& userId, std::string description);
     // Oldest first.
     std::deque<OperationRecord> Of(const std::string& userId) const;
+    void Clear();
 
 private:
     mutable std::mutex m_lock;

@@ -39,7 +39,9 @@ PlatformReply ExchangeCode(const PlatformRequest& request, PlatformState& state)
     CheckTraceQuery(request);
     const auto code = TracedMember(request, "authorizationCode");
     const auto exchange = state.ExchangeCode(code, request.head.OnlyValue("x-zv-device-id"));
-    return JsonReply(exchange.grant ? GrantedReply(*exchange.grant) : RefusedCodeReply(exchange.refusal));
+    auto reply = JsonReply(exchange.grant ? GrantedReply(*exchange.grant) : RefusedCodeReply(exchange.refusal));
+    reply.refusal = exchange.refusal;
+    return reply;
 }
 
 }  // namespace

@@ -42,10 +42,12 @@ PlatformReply Refresh(const PlatformRequest& request, PlatformState& state) {
         throw Refusal(Wrong::kHeader, exchange.wrongClaim + (": " + exchange.refusal));
     }
     // The portal answers a refused token with status 200 as well. Its reply only lacks the new token.
-    return JsonReply(
+    auto reply = JsonReply(
         exchange.accessToken
             ? JsonObject({{"token", *exchange.accessToken}, {"result", PortalResult(kResultSuccess, "success")}})
             : JsonObject({{"result", PortalResult(kResultRefreshRefused, exchange.refusal)}}));
+    reply.refusal = exchange.refusal;
+    return reply;
 }
 
 }  // namespace
