@@ -20,6 +20,21 @@ Run g_run = nullptr;
 
 FuzzTarget::FuzzTarget(const char* name, Run run) { Targets().emplace(name, run); }
 
+std::size_t FuzzInput::Choice(std::size_t count) {
+    const auto byte = static_cast<unsigned char>(text.empty() ? 0 : text.front() - '0');
+    text.erase(0, 1);
+    return byte % count;
+}
+
+std::vector<std::string> FuzzInput::Parts() const {
+    std::vector<std::string> parts(1);
+    for (const char c : text) {
+        c == '~' ? parts.emplace_back() : parts.back().append(1, c);
+    }
+    parts.emplace_back();
+    return parts;
+}
+
 void Require(bool holds, const char* text) {
     if (!holds) {
         std::fprintf(stderr, "finding: %s\n", text);
@@ -28,37 +43,31 @@ void Require(bool holds, const char* text) {
 }
 
 std::string Expanded(const std::string& text, const std::string& mark, const std::string& replacement) {
-    std::string expanded;
-    std::size_t from = 0;
-    for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, from)) {
-        expanded.append(text, from, at - from).append(replacement);
-        from = at + mark.size();
-    }
-    return expanded.append(text, from, std::string::npos);
+    const std::size_t at = text.find(mark);
+    return at == std::string::npos
+               ? text
+               : text.substr(0, at) + replacement + Expanded(text.substr(at + mark.size()), mark, replacement);
 }
 
 // "--list" prints the program's targets, "--target=NAME" selects one; libFuzzer passes over words that begin so.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    const std::string option = "--target=";
-    for (int index = 1; index < *argc; ++index) {
-        const std::string word = (*argv)[index];
-        if (word == "--list") {
-            for (const auto& [name, run] : Targets()) {
+    for (const auto& [name, run] : Targets()) {
+        for (int index = 1; index < *argc; ++index) {
+            const std::string word = (*argv)[index];
+            g_run = word == "--target=" + name ? run : g_run;
+            if (word == "--list") {
                 std::puts(name.c_str());
             }
-            std::exit(0);
         }
-        const auto found = word.rfind(option, 0) == 0 ? Targets().find(word.substr(option.size())) : Targets().end();
-        g_run = found == Targets().end() ? g_run : found->second;
     }
     if (g_run == nullptr) {
-        std::fputs("say which target: --target=NAME; --list prints the names\n", stderr);
-        std::exit(2);
+        const bool listed = *argc == 2 && std::string((*argv)[1]) == "--list";
+        std::exit(listed ? 0 : 2);
     }
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    g_run(FuzzInput({reinterpret_cast<const char*>(data), size}));
+    g_run({{reinterpret_cast<const char*>(data), size}});
     return 0;
 }

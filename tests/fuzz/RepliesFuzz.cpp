@@ -1,10 +1,9 @@
-// Replies through the real operations. An operation that fails leaves the account state and the store as they were,
-// whatever came. One that left the state's lock held would be found by the fuzzer's time limit.
+// Replies through the real operations: one that fails leaves the account state and the store as they were. One that left
+// the state's lock held would be found by the fuzzer's time limit.
 
 #include <HttpLib.h>
 
 #include <atomic>
-#include <thread>
 
 #include "AccountFields.h"
 #include "FuzzTarget.h"
@@ -20,18 +19,13 @@ UserAuthService& g_service = []() -> UserAuthService& {
     return Singleton();
 }();
 
-struct Operation {
-    bool (*run)(UserAuthService& service);  // false as well for what never changes the state
-    bool storesInParts = false;             // a 200 is stored as far as it goes, whatever the result
-};
-
 std::atomic<int> g_windowAsked = 0;
 
 bool RequestUserInfo(UserAuthService& service) {
     g_windowAsked = 0;
     const bool done = service.RequestUserInfo();
     while (done && g_windowAsked == 0) {  // the last thing that a portrait download does
-        std::this_thread::yield();
+        Sleep(0);
     }
     return done;
 }
@@ -43,100 +37,75 @@ bool GetLoginDevicesHistory(UserAuthService& service) {
     return false;
 }
 
-bool ExportContracts(UserAuthService& service) {
-    service.ExportContracts(L"https://contacts.example.com/export", L"/dev/null", {{L"name", L"value"}});
-    return false;
-}
-
 bool GetRtqRemoteInfo(UserAuthService& service) {
     std::map<std::string, std::string> headers;
-    service.GetRtqRemoteInfo(L"https://routing.example.com", headers);
-    return false;
+    return service.GetRtqRemoteInfo(L"https://routing.example.com", headers), false;
 }
 
-// The state in which every input finds the service: nothing in it is empty or false.
-UserAuthService& Prepared() {
+using S = UserAuthService;
+constexpr struct {
+    bool (*run)(S& service);     // false as well for what never changes the state
+    bool storesInParts = false;  // a 200 is stored as far as it goes, whatever the result
+} kOperations[] = {
+    {[](S& s) { return s.RequestAT("", "code"); }, true},
+    {[](S& s) { return s.GetAccessTokenByRefrshToken(); }},
+    {[](S& s) { return s.RequestApplicationAT(); }},
+    {[](S& s) { return !s.GetOldVersionUserId().empty(); }, true},
+    {[](S& s) { return s.RequestUserID(); }},
+    {[](S& s) { return s.RequestUserIdFromSyncServer(); }},
+    {RequestUserInfo},
+    {[](S& s) { return s.UpdateRegistInfo(); }},
+    {[](S& s) { return s.InitSysConf(); }},
+    {[](S& s) { return s.ActiveUser(); }},
+    {[](S& s) { return s.RequestClientLogReport(); }},
+    {[](S& s) { return s.ReportLoginTime("business"), false; }},
+    {GetLoginDevicesHistory},
+    {[](S& s) {
+        return s.ExportContracts(L"https://a.example.com", L"/dev/null", {{L"name", L"value"}}), false;
+    }},
+    {GetRtqRemoteInfo},
+    {[](S&) { return UserSyncKeyService().InitUserSyncKey(), false; }},
+};
+
+// The state in which every input finds the service; nothing in it is empty or false.
+const Fields& Prepare() {
     static Fields prepared;
-    UserAuthService& service = g_service;
-    if (!prepared.empty() && AccountFields(service) == prepared) {
-        return service;
+    if (!prepared.empty() && AccountFields(g_service) == prepared) {
+        return prepared;
     }
-    UserAuthServiceAccess::Country(service) = L"TH";
-    service.SetCurrentAT(L"at");
-    service.SetCurrentRT(L"rt");
-    service.SetCurrentUserInfo(L"me", L"name", L"https://photo.example.com", 1);
-    service.SetCurrentUserHeadImageLocalPath(L"path");
+    UserAuthServiceAccess::Country(g_service) = L"TH";
+    g_service.SetCurrentAT(L"at");
+    g_service.SetCurrentRT(L"rt");
+    g_service.SetCurrentUserInfo(L"me", L"name", L"https://photo.example.com", 1);
+    g_service.SetCurrentUserHeadImageLocalPath(L"path");
     Recording().replies = {
         {200, R"({"result":{"code":"0"},"languageType":"th","privilege":true,"clientLogReport":true})", {}},
         {200, R"({"result":0,"userStatus":1,"params":{"funcfg_pc_available":true,"funcfg_notes":true}})", {}}};
-    Require(service.UpdateRegistInfo() && service.InitSysConf(), "the state cannot be prepared");
-    prepared = AccountFields(service);
-    return service;
+    Require(g_service.UpdateRegistInfo() && g_service.InitSysConf(), "the state cannot be prepared");
+    return prepared = AccountFields(g_service);
 }
 
 // The text of the input are the replies; the status is that of the last one.
-template <std::size_t Count>
-void RunOneOf(const Operation (&operations)[Count], FuzzInput input) {
+void Replies(FuzzInput input) {
     static constexpr int kStatuses[] = {200, 201, 204, 401, 500, kHttpConnectionBroken, 200, 200};
-    static const std::string legacyItem = LegacyItem("legacy" + kLegacyTimeStamp);
-    const Operation& operation = operations[input.Choice(Count)];
+    static const std::wstring legacyItem = Wide(LegacyItem("legacy" + kLegacyTimeStamp));
+    const auto& operation = kOperations[input.Choice(std::size(kOperations))];
     const int status = kStatuses[input.Choice(std::size(kStatuses))];
-    UserAuthService& service = Prepared();
-    const Fields before = AccountFields(service);
+    const Fields& before = Prepare();
     Recording() = SuiteRecording();
     Recording().appDataFolder = L"/dev/null/folder";
-    Recording().legacyItem = Wide(legacyItem);
+    Recording().legacyItem = legacyItem;
     Recording().onMainWindowAsked = [] { ++g_windowAsked; };
     for (const std::string& body : input.Parts()) {
         Recording().replies.push_back({200, body, {{"name", body}}});
     }
-    Recording().replies.back().code = status;
-    const bool done = operation.run(service);
-    if (!done && !operation.storesInParts) {
-        Require(AccountFields(service) == before, "a failed operation changed the state");
+    Recording().replies.rbegin()[1].code = status;
+    if (!operation.run(g_service) && !operation.storesInParts) {
+        Require(AccountFields(g_service) == before, "a failed operation changed the state");
         Require(Recording().Lines("store").empty(), "a failed operation told the store");
     }
 }
 
-void Token(FuzzInput input) {
-    static constexpr Operation kOperations[] = {
-        {[](UserAuthService& service) { return service.RequestAT("", "code"); }, true},
-        {[](UserAuthService& service) { return service.GetAccessTokenByRefrshToken(); }},
-        {[](UserAuthService& service) { return service.RequestApplicationAT(); }},
-        {[](UserAuthService& service) { return !service.GetOldVersionUserId().empty(); }, true}};
-    RunOneOf(kOperations, std::move(input));
-}
-
-void Profile(FuzzInput input) {
-    static constexpr Operation kOperations[] = {
-        {[](UserAuthService& service) { return service.RequestUserID(); }},
-        {[](UserAuthService& service) { return service.RequestUserIdFromSyncServer(); }},
-        {RequestUserInfo},
-        {[](UserAuthService& service) { return service.UpdateRegistInfo(); }}};
-    RunOneOf(kOperations, std::move(input));
-}
-
-void SysConf(FuzzInput input) {
-    static constexpr Operation kOperations[] = {
-        {[](UserAuthService& service) { return service.InitSysConf(); }},
-        {[](UserAuthService& service) { return service.ActiveUser(); }},
-        {[](UserAuthService& service) { return service.RequestClientLogReport(); }},
-        {[](UserAuthService& service) { return service.ReportLoginTime("business"), false; }},
-        {GetLoginDevicesHistory}};
-    RunOneOf(kOperations, std::move(input));
-}
-
-void Others(FuzzInput input) {
-    static constexpr Operation kOperations[] = {
-        {ExportContracts},
-        {GetRtqRemoteInfo},
-        {[](UserAuthService&) { return UserSyncKeyService().InitUserSyncKey(), false; }}};
-    RunOneOf(kOperations, std::move(input));
-}
-
-const FuzzTarget kTargets[] = {{"replies-token", Token},
-                               {"replies-profile", Profile},
-                               {"replies-sysconf", SysConf},
-                               {"replies-others", Others}};
+const FuzzTarget kTarget("replies", Replies);
 
 }  // namespace
