@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# run-fuzzers.sh SECONDS [TARGET...]: builds the fuzzers and gives each target, or each of the named ones, so many seconds.
+# run-fuzzers.sh [SECONDS [TARGET...]]: builds the fuzzers and gives each target, or each of the named ones, so many seconds
+# (USERAUTH_FUZZ_SECONDS, else one).
 # What they learn stays in build/fuzz/corpus; an input that ends a fuzzer lies in build/fuzz/findings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # shellcheck source=/dev/null
 . "$root/cmake/setup/common.sh"
 
+# What was freed is remembered for a while, not for hundreds of megabytes.
+export ASAN_OPTIONS=quarantine_size_mb=64
 folder=$root/build/fuzz
 tests=$root/tests/fuzz
 programs=(fuzz_service fuzz_suite)
@@ -22,7 +25,8 @@ write_seeds() {
   local target=$1 corpus=$2 number=0 seed
   [ -f "$tests/seeds/$target" ] || return 0
   while IFS= read -r seed; do
-    printf '%b' "$seed" > "$corpus/seed-$((++number))"
+    number=$((number + 1))
+    printf '%b' "$seed" > "$corpus/seed-$number"
   done < "$tests/seeds/$target"
 }
 
@@ -44,9 +48,9 @@ run_target() {
     "$((SECONDS - start))" "$(statistic peak_rss_mb "$log")"
 }
 
-[[ ${1:-} =~ ^[1-9][0-9]*$ ]] || die "run-fuzzers.sh takes a number of seconds"
-seconds=$1
-shift
+seconds=${1:-${USERAUTH_FUZZ_SECONDS:-1}}
+[[ $seconds =~ ^[1-9][0-9]*$ ]] || die "fuzz takes a number of seconds, then targets"
+[ $# -eq 0 ] || shift
 build_fuzzers
 failed=0
 known=
