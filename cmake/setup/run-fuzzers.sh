@@ -9,6 +9,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
 # What was freed is remembered for a while, not for hundreds of megabytes.
 export ASAN_OPTIONS=quarantine_size_mb=64
+export LC_ALL=C.UTF-8
 folder=$root/build/fuzz
 tests=$root/tests/fuzz
 programs=(fuzz_service fuzz_suite)

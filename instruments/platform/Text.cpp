@@ -151,6 +151,11 @@ std::codecvt_base::result std::codecvt<wchar_t, char, std::mbstate_t>::do_out(st
     return ok;
 }
 
+// Bytes of a character, by which the library measures its buffer.
+int std::codecvt<wchar_t, char, std::mbstate_t>::do_max_length() const throw() {
+    return 4;
+}
+
 UINT GetACP() {
     return 1252;
 }

@@ -125,10 +125,11 @@ void Coded(FuzzInput input) {
     Require(!received || received == input.text, "a reply arrives changed");
 }
 
-// What stands behind "//", without user information, up to the path.
+// What stands behind "//", without user information, up to the path; in small letters.
 std::string Authority(const std::string& url) {
     const std::size_t begin = url.find("//") + 2;
-    const std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
+    std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
+    std::transform(authority.begin(), authority.end(), authority.begin(), [](char c) { return std::tolower(c); });
     return authority.substr(authority.rfind('@') + 1);
 }
 
