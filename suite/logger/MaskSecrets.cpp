@@ -25,7 +25,7 @@ class SecretScan {
 public:
     explicit SecretScan(std::string_view text) : m_original(text), m_unwrapped(text), m_plain(m_unwrapped.Text()) {}
 
-    std::string Masked() const;
+    std::string Masked();
 
 private:
     std::size_t OriginalAt(std::size_t at) const { return m_unwrapped.OriginalAt(at); }
@@ -37,6 +37,7 @@ private:
     std::string_view m_original;
     UnwrappedText m_unwrapped;
     std::string_view m_plain;
+    std::size_t m_copied = 0;  // of the original, as it was or as a mask
 };
 
 // A number of up to five digits, as in "code=404".
@@ -80,8 +81,12 @@ Span SecretScan::ValueSpan(const NamedValue& value) const {
     return {OriginalAt(value.begin), EndOfUnquoted(value)};
 }
 
+// A name inside a masked value counts when its own value comes behind that: what looked like a value may have been none.
 Span SecretScan::SecretAt(std::size_t at) const {
     const NamedValue value = NamedValueAt(m_plain, at);
+    if (value.begin != kNone && OriginalAt(value.begin) < m_copied) {
+        return kNoSecret;
+    }
     if (value.begin != kNone) {
         const Span span = ValueSpan(value);
         const bool status = value.mayBeStatus && IsStatus(m_original.substr(span.begin, span.end - span.begin));
@@ -90,25 +95,19 @@ Span SecretScan::SecretAt(std::size_t at) const {
     const bool startsWord = Lower(m_plain[at]) == 'b' && (at == 0 || !IsWordCharacter(m_plain[at - 1]));
     const std::size_t bearer = startsWord ? AfterBearer(m_plain, at) : kNone;
     const std::size_t begin = bearer == kNone ? 0 : OriginalAt(bearer);
-    return bearer == kNone ? kNoSecret : Span{begin, EndOfRun(m_original, begin, "&<>,;")};
+    return bearer == kNone || begin < m_copied ? kNoSecret : Span{begin, EndOfRun(m_original, begin, "&<>,;")};
 }
 
-std::string SecretScan::Masked() const {
+std::string SecretScan::Masked() {
     std::string masked;
-    std::size_t copied = 0;
-    for (std::size_t i = 0; (i = m_plain.find_first_of(kFirstLetters, i)) != kNone;) {
+    for (std::size_t i = 0; (i = m_plain.find_first_of(kFirstLetters, i)) != kNone; ++i) {
         const Span secret = SecretAt(i);
-        ++i;
-        if (secret.begin >= secret.end) {
-            continue;
-        }
-        masked.append(m_original, copied, secret.begin - copied).append("***");
-        copied = secret.end;
-        while (i < m_plain.size() && OriginalAt(i) < copied) {
-            ++i;
+        if (secret.begin < secret.end) {
+            masked.append(m_original, m_copied, secret.begin - m_copied).append("***");
+            m_copied = secret.end;
         }
     }
-    return masked.append(m_original.substr(copied));
+    return masked.append(m_original.substr(m_copied));
 }
 
 }  // namespace

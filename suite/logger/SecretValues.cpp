@@ -69,10 +69,11 @@ SecretValues::SecretValues(const std::map<std::string, std::string>& values)
 std::string SecretValues::Masked(std::string_view text, std::size_t limit) const {
     std::vector<PatternSearch::Match> matches = m_search.FindAll(text);
     if (UnwrappedText::IsWrapped(text)) {
-        const UnwrappedText unwrapped(text);
-        for (const PatternSearch::Match& match : m_search.FindAll(unwrapped.Text())) {
-            matches.push_back({unwrapped.OriginalAt(match.begin), unwrapped.OriginalAt(match.end)});
-        }
+        const UnwrappedText unwrapped(text, [this, &matches](const UnwrappedText& soFar) {
+            for (const PatternSearch::Match& match : m_search.FindAll(soFar.Text())) {
+                matches.push_back({soFar.OriginalAt(match.begin), soFar.OriginalAt(match.end)});
+            }
+        });
     }
     limit = std::min(limit, text.size());
     if (matches.empty()) {

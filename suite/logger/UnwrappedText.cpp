@@ -81,11 +81,14 @@ Decoded DecodeAt(std::string_view text, std::size_t at, bool escaped) {
 
 }  // namespace
 
-UnwrappedText::UnwrappedText(std::string_view original) : m_text(original) {
+UnwrappedText::UnwrappedText(std::string_view original, const LevelFunction& onLevel) : m_text(original) {
     std::size_t before = m_text.size() + 1;
     for (int level = 0; level < kMaxWrappings && m_text.size() < before && IsWrapped(m_text); ++level) {
         before = m_text.size();
         TakeOneLevelOff();
+        if (onLevel) {
+            onLevel(*this);
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,7 +12,11 @@ namespace suite {
 // linear in the text. Only ASCII characters are unescaped from JSON and XML.
 class UnwrappedText {
 public:
-    explicit UnwrappedText(std::string_view original);
+    using LevelFunction = std::function<void(const UnwrappedText& soFar)>;
+
+    // onLevel: called after each wrapping. One too many may take a part of the text for an encoding: "%25ab" is "%ab",
+    // and then a byte.
+    explicit UnwrappedText(std::string_view original, const LevelFunction& onLevel = {});
 
     // False: the constructor would find nothing to take off.
     static bool IsWrapped(std::string_view text);

@@ -15,17 +15,19 @@ constexpr std::size_t kMaxFileBytes = 1024 * 1024;
 // The text is two levels deep. The library's own limit of 1000 would cost stack for nothing.
 constexpr int kMaxNesting = 16;
 constexpr std::size_t kMaxPrintedKey = 64;
+constexpr std::size_t kMaxPrintedReason = 128;
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 
-// A key as an error text may show it: short and on one line, whatever the text's author wrote.
-std::string PrintableKey(const std::string& key) {
-    std::string printable = key.substr(0, kMaxPrintedKey);
+// A part of the text as an error may show it: short and on one line, whatever the text's author wrote.
+std::string Printable(const std::string& part, std::size_t limit) {
+    std::string printable = part.substr(0, limit);
     std::replace_if(
         printable.begin(), printable.end(), [](char c) { return c < 0x20 || c > 0x7E; }, '?');
     return printable;
 }
 
-// The parser words its first error as "* Line 3, Column 5\n  reason\n": ":3: not valid JSON: reason".
+// The parser words its first error as "* Line 3, Column 5\n  reason\n": ":3: not valid JSON: reason". The reason may quote
+// the text.
 std::string ParserError(const std::string& text) {
     const std::string start = "* Line ";
     const std::size_t comma = text.find(',');
@@ -35,7 +37,8 @@ std::string ParserError(const std::string& text) {
     }
     std::string reason = text.substr(lineFeed + 1, text.find('\n', lineFeed + 1) - lineFeed - 1);
     reason.erase(0, reason.find_first_not_of(' '));
-    return ":" + text.substr(start.size(), comma - start.size()) + ": not valid JSON: " + reason;
+    return ":" + text.substr(start.size(), comma - start.size()) +
+           ": not valid JSON: " + Printable(reason, kMaxPrintedReason);
 }
 
 }  // namespace
@@ -114,7 +117,7 @@ std::string ConfigurationText::Parse() {
 
 std::string ConfigurationText::MemberError(const Json::Value& value, const std::string& key,
                                            const std::string& reason) const {
-    return m_name + LinePrefix(value.getOffsetStart()) + PrintableKey(key) + ": " + reason;
+    return m_name + LinePrefix(value.getOffsetStart()) + Printable(key, kMaxPrintedKey) + ": " + reason;
 }
 
 std::string ConfigurationText::LinePrefix(std::ptrdiff_t offset) const {

@@ -111,6 +111,7 @@ TEST_F(LoggerTest, NoSecretReachesASink) {
         L"control=kept\r\nCookie: a=CANARY; b=CANARY",
         L"control=kept\r\nSet-Cookie: a=CANARY; Path=/CANARY",
         L"Bearer\r\n CANARY control=kept",
+        L"Bearer \n<access_token>CANARY</access_token> control=kept",
         L"https://h/p?code=CANARY&authCode=CANARY&authorizationCode=CANARY&bearerToken=CANARY&control=kept",
         L"id_token=CANARY&temp_token=CANARY&access_token[0]=CANARY&control=kept",
         L"access\\u005ftoken=CANARY&access%5Ftoken=CANARY&access_token&#61;CANARY&control=kept",
@@ -167,6 +168,7 @@ TEST_F(LoggerTest, KnownSecretReachesNoSinkInAnyForm) {
         "\\u0043ANARY\\u007e~/?\\u002B3\\u0022==",
         "<a b=\"CANARY~~/?+3&quot;&#61;&#x3D;\"/>",
         "c:\\" + secret + secret,
+        "100%25%43ANARY%7E~/?+3%22==",
         "Q0FOQVJZfn4vPyszIj09Pw==",  // base64 with 0, 1 and 2 bytes in front, then with the other alphabet
         "P0NBTkFSWX5+Lz8rMyI9PT8=",
         "Pz9DQU5BUll+fi8/KzMiPT0/",

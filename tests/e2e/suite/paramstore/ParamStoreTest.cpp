@@ -70,6 +70,8 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
         {"NUL ends nothing", std::string("{}\n\0{", 5), ":2: not valid JSON: NUL character"},
         {"syntax", "{\n\"clientMode\": \"2\",\n}", ":3: not valid JSON: "},
         {"duplicate key", "{\"clientMode\":\"2\",\n\"clientMode\":\"3\"}", ":2: not valid JSON: Duplicate key"},
+        {"duplicate key with control characters", "{\"a\x1b\":\"2\",\"a\x1b\":\"3\"}",
+         ":1: not valid JSON: Duplicate key: 'a?'"},
         {"huge", std::string(1024 * 1024, ' ') + "{}", ": larger than 1 MiB"},
         {"not UTF-8", "{\"clientMode\":\"\xFF\"}", ": not valid UTF-8"},
         {"mistyped key", "{\"clientMode\":\"2\",\n\n\"portalURL\":\"https://b\"}",
