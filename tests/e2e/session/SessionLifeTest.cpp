@@ -5,8 +5,6 @@
 
 namespace {
 
-const char kPhoto[] = "/photos/260086000100000001.png";
-
 // Signed in as the default account, with a window for the portrait message.
 class SessionLife : public SandboxSession {
 protected:
@@ -111,45 +109,3 @@ TEST_F(SessionLife, AnExpiredAccessTokenIsRefreshed) {
     EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
     EXPECT_TRUE(m_service->RequestUserID());
 }
-
-#if defined(__MINGW32__)  // the program finds the service's entry points by this compiler's names
-
-// What a host does around a running download; see support/LeavingHost.cpp.
-TEST_F(SessionLife, HostsLeaveDuringADownload) {
-    constexpr int kExits = 200;
-    constexpr int kAtOnce = 8;
-    m_sandbox.Control("/sandbox/faults",
-                      std::string(R"({"stallAfter":10,"stallMs":600000,"endpoint":")") + kPhoto + "\"}");
-    const std::wstring token = m_service->GetCurrentAT();
-    const auto arguments = [&](const std::wstring& way) {
-        return way + L" \"" + (m_folder / "client.json").wstring() + L"\" " + token + L" \"" +
-               (m_folder / "authority.pem").wstring() + L"\"";
-    };
-    for (int started = 0; started < kExits; started += kAtOnce) {
-        if (started == kExits / 2 / kAtOnce * kAtOnce) {
-            UsePlatform(m_sandbox.m_https);  // the other half leaves TLS connections behind
-        }
-        std::vector<std::unique_ptr<ChildProcess>> hosts;
-        hosts.reserve(kAtOnce);
-        for (int index = 0; index < kAtOnce; ++index) {
-            hosts.push_back(std::make_unique<ChildProcess>(L"leaving-host.exe",
-                                                           arguments(index % 2 == 0 ? L"return" : L"exit-process")));
-        }
-        for (const auto& host : hosts) {
-            EXPECT_EQ(host->ReadLine(), "leaving");
-        }
-        const ULONGLONG start = GetTickCount64();
-        for (const auto& host : hosts) {
-            EXPECT_EQ(host->Finish(), 42) << host->m_error;
-        }
-        EXPECT_LT(GetTickCount64() - start, 5000U);
-    }
-    UsePlatform(m_sandbox.m_http);
-    EXPECT_GT(m_sandbox.Requests(kPhoto), kExits / 4) << "hosts left during the download, not before it";
-
-    m_sandbox.Fault(kPhoto, R"({"stallAfter":10,"stallMs":1500})");
-    ChildProcess unloading(L"leaving-host.exe", arguments(L"unload"));
-    EXPECT_EQ(unloading.Finish(), 42) << unloading.m_output << unloading.m_error;
-}
-
-#endif
