@@ -95,6 +95,7 @@ void PrintLevels() {
     const Resources now = Resources::Now();
     std::printf("%llu %lu %llu\n", static_cast<unsigned long long>(now.handles), now.threads,
                 static_cast<unsigned long long>(now.memory / 1024));
+    std::fflush(stdout);
 }
 
 int Reload(int rounds, const std::wstring& accessToken) {

@@ -86,24 +86,30 @@ TEST_F(Exits, HostsEndWhileEverythingRuns) {
 TEST_F(Exits, TheLibraryGoesAfterWhatRunsInIt) {
     Stall(kPhoto, 120);
     Stall(kUserId, 90);
-    const auto host = Start(L"unload", Rounds());
-    EXPECT_EQ(host->Finish(), 42) << host->m_output;
-    EXPECT_EQ(host->m_error, "");
+    constexpr int kRoundsOfOne = 10;
+    for (int round = 0; round < Rounds(); round += kRoundsOfOne) {
+        const auto host = Start(L"unload", kRoundsOfOne);
+        EXPECT_EQ(host->Finish(), 42) << host->m_output;
+        EXPECT_EQ(host->m_error, "");
+    }
     EXPECT_GE(m_sandbox.Requests(kPhoto), Rounds());
 }
 
 TEST_F(Exits, LoadingAndUnloadingLeavesNothingBehind) {
     const auto host = Start(L"reload", Rounds() * 5);
-    EXPECT_EQ(host->Finish(), 42) << host->m_output;
+    const std::string before = host->ReadLine();
+    const std::string after = host->ReadLine();
+    EXPECT_EQ(host->Finish(), 42);
     EXPECT_EQ(host->m_error, "");
     unsigned long long handles[2] = {};
     unsigned long long threads[2] = {};
     unsigned long long kilobytes[2] = {};
-    std::istringstream levels(host->m_output);
+    std::istringstream levels(before + " " + after);
     for (const int when : {0, 1}) {
         levels >> handles[when] >> threads[when] >> kilobytes[when];
     }
-    std::printf("%d rounds; handles, threads, KiB before and after:\n%s", Rounds() * 5, host->m_output.c_str());
+    std::printf("%d rounds; handles, threads, KiB before and after: %s, %s\n", Rounds() * 5, before.c_str(),
+                after.c_str());
     EXPECT_GT(handles[0] * threads[0], 0U);
     EXPECT_LE(handles[1], handles[0] + 2);
     EXPECT_LE(threads[1], threads[0]);
