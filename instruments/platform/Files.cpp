@@ -1,6 +1,6 @@
-// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION,
-// and an open file, a stream's too, cannot be deleted or replaced unless its opener shared that. Unlike it: streams
-// open what a handle keeps to itself, letter case counts, and a backslash is a character of a name.
+// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION, and
+// an open file, a stream's too, cannot be deleted, moved or replaced unless its opener shared that. Unlike it: streams
+// open what a handle keeps to itself, the C++ library renames and removes open files, and letter case counts.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <mutex>
@@ -38,16 +39,13 @@ DWORD ErrorOf(int error) {
                               : ERROR_ACCESS_DENIED;
 }
 
-BOOL Done(int result) {
-    if (result != 0) {
-        SetLastError(ErrorOf(errno));
-    }
-    return result == 0;
+BOOL Done(bool done) {
+    return done || Refuse(ErrorOf(errno));
 }
 
 DWORD SharingNeededFor(DWORD access) {
     return ((access & GENERIC_READ) != 0 ? FILE_SHARE_READ : 0U) |
-           ((access & GENERIC_WRITE) != 0 ? FILE_SHARE_WRITE : 0U);
+           ((access & GENERIC_WRITE) != 0 ? FILE_SHARE_WRITE : 0U) | ((access & DELETE) != 0 ? FILE_SHARE_DELETE : 0U);
 }
 
 // With the lock held: whether no descriptor of this process keeps the file from being used so.
@@ -64,8 +62,7 @@ bool MayShare(const std::string& path, DWORD neededOfThem, DWORD offeredToThem) 
         }
         const Mode mode = Modes().count(native) != 0 ? Modes()[native] : Mode();
         if ((neededOfThem & ~mode.share) != 0 || (SharingNeededFor(mode.access) & ~offeredToThem) != 0) {
-            SetLastError(ERROR_SHARING_VIOLATION);
-            return false;
+            return Refuse(ERROR_SHARING_VIOLATION) != FALSE;
         }
     }
     return true;
@@ -79,8 +76,12 @@ struct FileHandle : KernelObject {
         const std::lock_guard<std::mutex> hold(g_lock);
         Modes().erase(native);
         close(native);
+        if (!goes.empty()) {
+            unlink(goes.c_str());
+        }
     }
     int native;
+    std::string goes;  // the path of a file that goes with its handle
 };
 
 int FlagsOf(DWORD access, DWORD disposition) {
@@ -92,29 +93,67 @@ int FlagsOf(DWORD access, DWORD disposition) {
     return direction | creation | O_CLOEXEC;
 }
 
+// Of a ReadFile or WriteFile. count: what read or write answered.
+BOOL Moved(ssize_t result, DWORD* count) {
+    *count = result < 0 ? 0 : static_cast<DWORD>(result);
+    return Done(result >= 0);
+}
+
 }  // namespace
 
-HANDLE CreateFileW(LPCWSTR wide, DWORD access, DWORD share, void*, DWORD disposition, DWORD, HANDLE) {
-    const std::string path = NarrowText(wide);
+HANDLE CreateFileW(LPCWSTR wide, DWORD access, DWORD share, void*, DWORD disposition, DWORD flags, HANDLE) {
+    const std::string path = NarrowPath(wide);
     const std::lock_guard<std::mutex> hold(g_lock);
     if (!MayShare(path, SharingNeededFor(access), share)) {
         return INVALID_HANDLE_VALUE;
     }
-    const int native = open(path.c_str(), FlagsOf(access, disposition), 0600);
+    const int native = std::filesystem::is_directory(path) ? (errno = EISDIR, -1)
+                                                           : open(path.c_str(), FlagsOf(access, disposition), 0600);
     if (native < 0) {
         SetLastError(ErrorOf(errno));
         return INVALID_HANDLE_VALUE;
     }
     Modes()[native] = {access, share};
-    return static_cast<KernelObject*>(new FileHandle(native));
+    auto* const file = new FileHandle(native);
+    file->goes = (flags & FILE_FLAG_DELETE_ON_CLOSE) != 0 ? path : "";
+    return static_cast<KernelObject*>(file);
+}
+
+BOOL ReadFile(HANDLE handle, void* buffer, DWORD bytes, DWORD* count, void*) {
+    auto* const file = ObjectOf<FileHandle>(handle);
+    return file == nullptr ? Refuse(ERROR_INVALID_HANDLE) : Moved(read(file->native, buffer, bytes), count);
+}
+
+BOOL WriteFile(HANDLE handle, const void* buffer, DWORD bytes, DWORD* count, void*) {
+    auto* const file = ObjectOf<FileHandle>(handle);
+    return file == nullptr ? Refuse(ERROR_INVALID_HANDLE) : Moved(write(file->native, buffer, bytes), count);
+}
+
+BOOL FlushFileBuffers(HANDLE handle) {
+    auto* const file = ObjectOf<FileHandle>(handle);
+    return file == nullptr ? Refuse(ERROR_INVALID_HANDLE) : Done(fsync(file->native) == 0);
+}
+
+// A file that is to be replaced must not be open at all.
+BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
+    const std::string target = NarrowPath(to);
+    const std::lock_guard<std::mutex> hold(g_lock);
+    if (access(target.c_str(), F_OK) == 0 && (flags & MOVEFILE_REPLACE_EXISTING) == 0) {
+        return Refuse(ERROR_ALREADY_EXISTS);
+    }
+    if (!MayShare(target, ~0U, 0)) {
+        return Refuse(ERROR_ACCESS_DENIED);
+    }
+    const std::string source = NarrowPath(from);
+    return MayShare(source, FILE_SHARE_DELETE, kEverything) && Done(rename(source.c_str(), target.c_str()) == 0);
 }
 
 BOOL DeleteFileW(LPCWSTR wide) {
-    const std::string path = NarrowText(wide);
+    const std::string path = NarrowPath(wide);
     const std::lock_guard<std::mutex> hold(g_lock);
-    return MayShare(path, FILE_SHARE_DELETE, kEverything) && Done(unlink(path.c_str()));
+    return MayShare(path, FILE_SHARE_DELETE, kEverything) && Done(unlink(path.c_str()) == 0);
 }
 
 BOOL CreateHardLinkW(LPCWSTR linkPath, LPCWSTR existing, void*) {
-    return Done(link(NarrowText(existing).c_str(), NarrowText(linkPath).c_str()));
+    return Done(link(NarrowPath(existing).c_str(), NarrowPath(linkPath).c_str()) == 0);
 }

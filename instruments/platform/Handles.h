@@ -2,11 +2,23 @@
 
 #include <windows.h>
 
-#include <chrono>
-
 // What a HANDLE stands for. CloseHandle destroys it.
 struct KernelObject {
     virtual ~KernelObject() = default;
-    // WAIT_OBJECT_0, WAIT_ABANDONED, WAIT_TIMEOUT or, for what cannot be waited for, WAIT_FAILED.
-    virtual DWORD Wait(std::chrono::milliseconds) { return WAIT_FAILED; }
+    // One look, with the lock of all waiting held: WAIT_OBJECT_0 or WAIT_ABANDONED, and it is taken; WAIT_TIMEOUT: not
+    // signalled; WAIT_FAILED: cannot be waited for.
+    virtual DWORD Take() { return WAIT_FAILED; }
 };
+
+// The object behind a handle; null for a pseudo handle, an invalid one and another kind.
+template <typename Object = KernelObject>
+Object* ObjectOf(HANDLE handle) {
+    const auto number = reinterpret_cast<std::intptr_t>(handle);
+    return number >= -2 && number <= 0 ? nullptr : dynamic_cast<Object*>(static_cast<KernelObject*>(handle));
+}
+
+// Sets the thread's last error.
+inline BOOL Refuse(DWORD error) {
+    SetLastError(error);
+    return FALSE;
+}

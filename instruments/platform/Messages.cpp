@@ -11,6 +11,8 @@
 #include <mutex>
 #include <string>
 
+#include "Handles.h"
+
 namespace {
 
 struct Window {
@@ -42,11 +44,6 @@ HWND Find(HWND parent, LPCWSTR className, LPCWSTR caption) {
     return nullptr;
 }
 
-bool InvalidWindow() {
-    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-    return false;
-}
-
 }  // namespace
 
 HWND CreateWindowExW(DWORD, LPCWSTR className, LPCWSTR caption, DWORD, int, int, int, int, HWND parent, void*, HMODULE,
@@ -61,7 +58,7 @@ HWND CreateWindowExW(DWORD, LPCWSTR className, LPCWSTR caption, DWORD, int, int,
 BOOL DestroyWindow(HWND window) {
     const std::lock_guard<std::mutex> hold(g_lock);
     if (Windows().erase(window) == 0) {
-        return InvalidWindow();
+        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
     }
     g_destroyed.notify_all();
     return TRUE;
@@ -77,34 +74,25 @@ HWND FindWindowExW(HWND parent, HWND, LPCWSTR className, LPCWSTR caption) {
     return Find(parent, className, caption);
 }
 
-int GetWindowTextLengthW(HWND window) {
-    const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Windows().find(window);
-    return found == Windows().end() ? 0 : static_cast<int>(found->second.caption.size());
-}
-
-int GetWindowTextW(HWND window, wchar_t* text, int capacity) {
-    const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Windows().find(window);
-    if (found == Windows().end() || capacity <= 0) {
-        return 0;
-    }
-    const std::size_t length = found->second.caption.copy(text, static_cast<std::size_t>(capacity) - 1);
-    text[length] = L'\0';
-    return static_cast<int>(length);
-}
-
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-        case WM_GETTEXTLENGTH:
-            return GetWindowTextLengthW(window);
-        case WM_GETTEXT:
-            return GetWindowTextW(window, reinterpret_cast<wchar_t*>(lParam), static_cast<int>(wParam));
-        case WM_CLOSE:
-            return DestroyWindow(window);
-        default:
-            return 0;
+    if (message == WM_CLOSE) {
+        return DestroyWindow(window);
     }
+    const std::lock_guard<std::mutex> hold(g_lock);
+    const auto found = Windows().find(window);
+    if (found == Windows().end() || message != WM_GETTEXT || wParam == 0) {
+        return found != Windows().end() && message == WM_GETTEXTLENGTH
+                   ? static_cast<LRESULT>(found->second.caption.size())
+                   : 0;
+    }
+    auto* const text = reinterpret_cast<wchar_t*>(lParam);
+    const std::size_t length = found->second.caption.copy(text, wParam - 1);
+    text[length] = L'\0';
+    return static_cast<LRESULT>(length);
+}
+
+int GetWindowTextLengthW(HWND window) {
+    return static_cast<int>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
 }
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -114,7 +102,7 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const std::lock_guard<std::mutex> hold(g_lock);
     const auto found = Windows().find(window);
     if (found == Windows().end()) {
-        return InvalidWindow();
+        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
     }
     found->second.messages.push_back({window, message, wParam, lParam});
     return TRUE;
@@ -124,7 +112,7 @@ BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove)
     const std::lock_guard<std::mutex> hold(g_lock);
     const auto found = Windows().find(window);
     if (found == Windows().end()) {
-        return InvalidWindow();
+        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
     }
     auto& queue = found->second.messages;
     for (auto at = queue.begin(); at != queue.end(); ++at) {

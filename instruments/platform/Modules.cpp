@@ -38,7 +38,7 @@ std::string LowerCase(std::string text) {
 }
 
 std::string BaseName(const std::string& path) {
-    return LowerCase(path.substr(path.find_last_of("/\\") + 1));
+    return LowerCase(path.substr(path.rfind('/') + 1));
 }
 
 // The platform's own modules are this address; their names do not matter to those who ask.
@@ -79,7 +79,7 @@ HMODULE ByName(const std::string& name) {
 }  // namespace
 
 HMODULE LoadLibraryW(LPCWSTR wide) {
-    const std::string path = NarrowText(wide);
+    const std::string path = NarrowPath(wide);
     if (IsSystemName(BaseName(path))) {
         return SystemModule();
     }
@@ -129,7 +129,7 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
     if (name == nullptr) {
         return ProgramModule();
     }
-    const std::string base = BaseName(NarrowText(name));
+    const std::string base = BaseName(NarrowPath(name));
     const std::lock_guard<std::mutex> hold(g_lock);
     return IsSystemName(base) ? SystemModule() : ByName(base);
 }

@@ -2,6 +2,7 @@
 // provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: the
 // blob is disguised, not encrypted, and belongs to every user.
 
+#include <bcrypt.h>
 #include <dpapi.h>
 #include <sys/random.h>
 
@@ -11,6 +12,8 @@
 #include <numeric>
 #include <set>
 #include <string>
+
+#include "Handles.h"
 
 namespace {
 
@@ -40,11 +43,6 @@ char SumOf(const std::string& bytes) {
         std::accumulate(bytes.begin(), bytes.end(), 17, [](int sum, char byte) { return (sum * 31 + byte) & 0xFF; }));
 }
 
-BOOL Refuse(DWORD error) {
-    SetLastError(error);
-    return FALSE;
-}
-
 }  // namespace
 
 BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR container, LPCWSTR, DWORD, DWORD flags) {
@@ -62,6 +60,12 @@ BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR container, LPCWSTR, DWOR
 
 BOOL CryptGenRandom(HCRYPTPROV provider, DWORD bytes, BYTE* buffer) {
     return provider == kProvider ? Draw(buffer, bytes) : Refuse(ERROR_INVALID_PARAMETER);
+}
+
+NTSTATUS BCryptGenRandom(void* algorithm, BYTE* buffer, ULONG bytes, ULONG flags) {
+    constexpr auto kInvalidParameter = static_cast<NTSTATUS>(0xC000000D);
+    const bool system = algorithm == nullptr && flags == BCRYPT_USE_SYSTEM_PREFERRED_RNG;
+    return system && Draw(buffer, bytes) ? 0 : kInvalidParameter;
 }
 
 BOOL CryptReleaseContext(HCRYPTPROV provider, DWORD) {

@@ -1,9 +1,9 @@
-// The machine, the process and the shell. The numbers are those of a workstation with version 10.0 behind a version
+// The machine, the process and its environment, whose names have no letter case. The numbers are those of a workstation with version 10.0 behind a version
 // record that says 6.2. The firmware has a table only when USERAUTH_INSTRUMENT_SMBIOS names a file with one.
 
-#include <shlwapi.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <windows.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -11,8 +11,10 @@
 #include <cwchar>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <string>
 
+#include "Handles.h"
 #include "SystemEntryPoints.h"
 #include "WideText.h"
 
@@ -22,6 +24,11 @@ void RtlGetNtVersionNumbers(DWORD* major, DWORD* minor, DWORD* build) {
     *major = 10;
     *minor = 0;
     *build = 0xF0000000 | 19045;
+}
+
+// The process's other threads run until it is gone.
+BOOLEAN RtlDllShutdownInProgress() {
+    return FALSE;
 }
 
 // A length that fits: the text and its length; else the room that it needs.
@@ -35,6 +42,17 @@ DWORD HandOut(const std::wstring& text, wchar_t* buffer, DWORD capacity) {
 
 std::atomic<_invalid_parameter_handler> g_handler{nullptr};
 
+// The variable as it stands, "name=value"; null when there is none.
+const char* EnvironmentEntry(const std::string& name) {
+    char** entry = environ;
+    while (*entry != nullptr && (strncasecmp(*entry, name.c_str(), name.size()) != 0 || (*entry)[name.size()] != '=')) {
+        ++entry;
+    }
+    return *entry;
+}
+
+std::mutex g_environmentLock;
+
 }  // namespace
 
 FARPROC SystemEntryPoint(const char* name) {
@@ -42,6 +60,7 @@ FARPROC SystemEntryPoint(const char* name) {
         const char* name;
         FARPROC entry;
     } entries[] = {
+        {"RtlDllShutdownInProgress", reinterpret_cast<FARPROC>(&RtlDllShutdownInProgress)},
         {"RtlGetNtVersionNumbers", reinterpret_cast<FARPROC>(&RtlGetNtVersionNumbers)},
         {"GetSystemFirmwareTable", reinterpret_cast<FARPROC>(&GetSystemFirmwareTable)},
     };
@@ -55,8 +74,7 @@ FARPROC SystemEntryPoint(const char* name) {
 
 BOOL GetVersionExW(OSVERSIONINFOW* version) {
     if (version->dwOSVersionInfoSize != sizeof(OSVERSIONINFOEXW)) {
-        SetLastError(ERROR_INSUFFICIENT_BUFFER);
-        return FALSE;
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
     OSVERSIONINFOEXW record{};
     record.dwOSVersionInfoSize = sizeof(record);
@@ -91,6 +109,26 @@ UINT GetSystemFirmwareTable(DWORD, DWORD, void* buffer, DWORD bytes) {
     return static_cast<UINT>(table.size());
 }
 
+DWORD GetEnvironmentVariableW(LPCWSTR wide, wchar_t* value, DWORD capacity) {
+    const std::string name = NarrowText(wide);
+    const std::lock_guard<std::mutex> hold(g_environmentLock);
+    const char* const entry = EnvironmentEntry(name);
+    return entry == nullptr ? static_cast<DWORD>(Refuse(ERROR_ENVVAR_NOT_FOUND))
+                            : HandOut(WideText(entry + name.size() + 1), value, capacity);
+}
+
+BOOL SetEnvironmentVariableW(LPCWSTR wide, LPCWSTR value) {
+    const std::string name = NarrowText(wide);
+    const std::lock_guard<std::mutex> hold(g_environmentLock);
+    if (name.empty() || name.find('=') != std::string::npos) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    for (const char* entry = nullptr; (entry = EnvironmentEntry(name)) != nullptr;) {
+        unsetenv(std::string(entry, name.size()).c_str());
+    }
+    return value == nullptr || setenv(name.c_str(), NarrowText(value).c_str(), 1) == 0;
+}
+
 void OutputDebugStringW(LPCWSTR) {}
 
 BOOL TerminateProcess(HANDLE, UINT exitCode) {
@@ -100,6 +138,10 @@ BOOL TerminateProcess(HANDLE, UINT exitCode) {
 HANDLE LocalFree(void* memory) {
     std::free(memory);
     return nullptr;
+}
+
+void SecureZeroMemory(void* memory, SIZE_T bytes) {
+    explicit_bzero(memory, bytes);
 }
 
 void* VirtualAlloc(void* address, SIZE_T bytes, DWORD type, DWORD) {
@@ -116,13 +158,4 @@ _invalid_parameter_handler _get_invalid_parameter_handler() {
 
 _invalid_parameter_handler _set_invalid_parameter_handler(_invalid_parameter_handler handler) {
     return g_handler.exchange(handler);
-}
-
-BOOL PathAppendW(wchar_t* path, LPCWSTR more) {
-    const std::wstring whole = std::wstring(path) + L"\\" + more;
-    if (whole.size() >= MAX_PATH) {
-        return FALSE;
-    }
-    std::wmemcpy(path, whole.c_str(), whole.size() + 1);
-    return TRUE;
 }

@@ -5,17 +5,13 @@
 
 #include <windows.h>
 
-#include <cstring>
+#include <algorithm>
 #include <cwchar>
+#include <cwctype>
 #include <locale>
 #include <string>
 
 #include "WideText.h"
-
-// The C++ library turns wide paths into bytes by this facet of the classic locale, which knows ASCII alone. On the
-// platform every wide path is good; defined here, the facet does the same in UTF-8.
-std::codecvt<wchar_t, char, std::mbstate_t>::codecvt(std::size_t references)
-    : __codecvt_abstract_base(references), _M_c_locale_codecvt(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {}
 
 namespace {
 
@@ -139,6 +135,22 @@ int HandOut(const Text& result, Character* buffer, int capacity) {
 
 }  // namespace
 
+// The C++ library turns wide paths into bytes by this facet of the classic locale, which knows ASCII alone. On the
+// platform every wide path is good and a backslash separates folders; defined here, the facet does the same in UTF-8.
+std::codecvt_base::result std::codecvt<wchar_t, char, std::mbstate_t>::do_out(std::mbstate_t&, const wchar_t* from,
+                                                                              const wchar_t* fromEnd,
+                                                                              const wchar_t*& fromNext, char* to,
+                                                                              char* toEnd, char*& toNext) const {
+    for (fromNext = from, toNext = to; fromNext != fromEnd; ++fromNext) {
+        const std::string bytes = *fromNext == L'\\' ? "/" : Encoded(CP_UTF8, fromNext, 1);
+        if (static_cast<std::size_t>(toEnd - toNext) < bytes.size()) {
+            return partial;
+        }
+        toNext += bytes.copy(toNext, bytes.size());
+    }
+    return ok;
+}
+
 UINT GetACP() {
     return 1252;
 }
@@ -147,7 +159,7 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int bytes,
     if ((!IsWestern(codePage) && codePage != CP_UTF8) || text == nullptr || bytes == 0 || capacity < 0) {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    const std::size_t length = bytes < 0 ? std::strlen(text) + 1 : static_cast<std::size_t>(bytes);
+    const std::size_t length = bytes < 0 ? std::char_traits<char>::length(text) + 1 : static_cast<std::size_t>(bytes);
     bool valid = true;
     const std::u32string decoded = Decoded(codePage, reinterpret_cast<const unsigned char*>(text), length, valid);
     if (!valid && (flags & MB_ERR_INVALID_CHARS) != 0) {
@@ -165,8 +177,27 @@ int WideCharToMultiByte(UINT codePage, DWORD, const wchar_t* wide, int character
     return HandOut(Encoded(codePage, wide, length), text, capacity);
 }
 
+int CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int rightLength, BOOL ignoreCase) {
+    static const locale_t everyLetter = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const auto text = [ignoreCase](LPCWSTR from, int length) {
+        std::wstring copy = length < 0 ? std::wstring(from) : std::wstring(from, static_cast<std::size_t>(length));
+        for (wchar_t& c : copy) {
+            c = ignoreCase != FALSE ? static_cast<wchar_t>(towupper_l(static_cast<wint_t>(c), everyLetter)) : c;
+        }
+        return copy;
+    };
+    const int order = text(left, leftLength).compare(text(right, rightLength));
+    return order < 0 ? CSTR_LESS_THAN : order > 0 ? CSTR_GREATER_THAN : CSTR_EQUAL;
+}
+
 std::string NarrowText(const wchar_t* wide) {
     return wide == nullptr ? std::string() : Encoded(CP_UTF8, wide, std::wcslen(wide));
+}
+
+std::string NarrowPath(const wchar_t* wide) {
+    std::string path = NarrowText(wide);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
 }
 
 std::wstring WideText(const std::string& narrow) {

@@ -1,13 +1,17 @@
-// Threads' handles and the thread pool. Like the platform: a thread's handle is signalled when the thread has run out,
-// and the pool keeps a callback's library loaded until it has returned. Unlike it: the pool starts a thread a
-// callback.
+// Threads' handles, mutexes and the thread pool. Like the platform: a thread's handle is signalled when the thread has
+// run out, one name is one mutex, a mutex is its owner's alone and abandoned by an owner that ended, and the pool keeps a
+// callback's library loaded until it has returned. Unlike it: names count inside this process only, and the pool
+// starts a thread a callback.
 
 #include <unistd.h>
 #include <windows.h>
 
+#include <chrono>
 #include <condition_variable>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include "Handles.h"
@@ -16,49 +20,55 @@ namespace {
 
 thread_local DWORD g_lastError = 0;
 
-std::chrono::steady_clock::time_point After(std::chrono::milliseconds limit) {
-    constexpr auto kForever = std::chrono::hours(24);
-    return std::chrono::steady_clock::now() + (limit.count() == INFINITE ? kForever : limit);
-}
-
-struct Event {
+// One lock and one signal for everything that can be waited for. Never destroyed: threads outlive main.
+struct Waiting {
     std::mutex lock;
     std::condition_variable changed;
-    bool set = false;
-
-    void Set() {
-        const std::lock_guard<std::mutex> hold(lock);
-        set = true;
-        changed.notify_all();
-    }
 };
+Waiting& AllWaiting() {
+    static auto* const waiting = new Waiting;
+    return *waiting;
+}
 
-// Set by the thread's last act.
+using Flag = std::shared_ptr<bool>;
+
+// Raised by the thread's last act.
 struct ThreadEnd {
-    std::shared_ptr<Event> event = std::make_shared<Event>();
-    ~ThreadEnd() { event->Set(); }
+    Flag ended = std::make_shared<bool>(false);
+    ~ThreadEnd() {
+        const std::lock_guard<std::mutex> hold(AllWaiting().lock);
+        *ended = true;
+        AllWaiting().changed.notify_all();
+    }
 };
 thread_local ThreadEnd g_threadEnd;
 
 struct ThreadHandle : KernelObject {
-    std::shared_ptr<Event> ended = g_threadEnd.event;
-    DWORD Wait(std::chrono::milliseconds limit) override {
-        std::unique_lock<std::mutex> hold(ended->lock);
-        return ended->changed.wait_until(hold, After(limit), [this] { return ended->set; }) ? WAIT_OBJECT_0
-                                                                                            : WAIT_TIMEOUT;
+    Flag ended = g_threadEnd.ended;
+    DWORD Take() override { return *ended ? WAIT_OBJECT_0 : WAIT_TIMEOUT; }
+};
+
+struct Mutex {
+    Flag ownerEnded;  // null: free
+    int depth = 0;
+};
+
+struct MutexHandle : KernelObject {
+    std::shared_ptr<Mutex> mutex;
+    bool IsMine() const { return mutex->ownerEnded == g_threadEnd.ended; }
+    DWORD Take() override {
+        const bool abandoned = mutex->ownerEnded != nullptr && *mutex->ownerEnded;
+        if (mutex->ownerEnded != nullptr && !IsMine() && !abandoned) {
+            return WAIT_TIMEOUT;
+        }
+        mutex->depth = IsMine() ? mutex->depth + 1 : 1;
+        mutex->ownerEnded = g_threadEnd.ended;
+        return abandoned ? WAIT_ABANDONED : WAIT_OBJECT_0;
     }
 };
 
-KernelObject* ObjectOf(HANDLE handle) {
-    return static_cast<KernelObject*>(handle);
-}
-
 #define CURRENT_PROCESS (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
 #define CURRENT_THREAD (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2)))
-
-bool IsPseudo(HANDLE handle) {
-    return handle == nullptr || handle == CURRENT_PROCESS || handle == CURRENT_THREAD;
-}
 
 }  // namespace
 
@@ -82,24 +92,62 @@ DWORD GetCurrentProcessId() {
 // Of the current thread only: nobody duplicates anything else here.
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD, BOOL, DWORD) {
     if (source != CURRENT_THREAD) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
+        return Refuse(ERROR_INVALID_HANDLE);
     }
     *target = static_cast<KernelObject*>(new ThreadHandle);
     return TRUE;
 }
 
 BOOL CloseHandle(HANDLE handle) {
-    if (IsPseudo(handle)) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    delete ObjectOf(handle);
-    return TRUE;
+    KernelObject* const object = ObjectOf(handle);
+    delete object;
+    return object != nullptr || Refuse(ERROR_INVALID_HANDLE);
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    return IsPseudo(handle) ? WAIT_FAILED : ObjectOf(handle)->Wait(std::chrono::milliseconds(milliseconds));
+    KernelObject* const object = ObjectOf(handle);
+    if (object == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return WAIT_FAILED;
+    }
+    constexpr auto kForever = std::chrono::hours(24);
+    const auto end = std::chrono::steady_clock::now() +
+                     (milliseconds == INFINITE ? kForever : std::chrono::milliseconds(milliseconds));
+    DWORD result = WAIT_TIMEOUT;
+    std::unique_lock<std::mutex> hold(AllWaiting().lock);
+    AllWaiting().changed.wait_until(hold, end, [&] { return (result = object->Take()) != WAIT_TIMEOUT; });
+    return result;
+}
+
+HANDLE CreateMutexW(void*, BOOL owned, LPCWSTR name) {
+    static auto* const named = new std::map<std::wstring, std::weak_ptr<Mutex>>;
+    const std::lock_guard<std::mutex> hold(AllWaiting().lock);
+    auto* const handle = new MutexHandle;
+    handle->mutex = name == nullptr ? nullptr : (*named)[name].lock();
+    SetLastError(handle->mutex == nullptr ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS);
+    if (handle->mutex == nullptr) {
+        handle->mutex = std::make_shared<Mutex>();
+        if (name != nullptr) {
+            (*named)[name] = handle->mutex;
+        }
+        if (owned != FALSE) {
+            handle->Take();
+        }
+    }
+    return static_cast<KernelObject*>(handle);
+}
+
+BOOL ReleaseMutex(HANDLE handle) {
+    auto* const mutex = ObjectOf<MutexHandle>(handle);
+    const std::lock_guard<std::mutex> hold(AllWaiting().lock);
+    if (mutex == nullptr || !mutex->IsMine()) {
+        return Refuse(mutex == nullptr ? ERROR_INVALID_HANDLE : ERROR_NOT_OWNER);
+    }
+    if (--mutex->mutex->depth == 0) {
+        mutex->mutex->ownerEnded = nullptr;
+        AllWaiting().changed.notify_all();
+    }
+    return TRUE;
 }
 
 void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment) {

@@ -1,9 +1,9 @@
 #pragma once
 
-// What the service calls of Windows, for a build on the build machine: the sanitizers run there. Declared here as the
-// platform's own header declares it; each source beside this one says what it imitates and where it stops. Wide
-// characters have 32 bits here, so one character is a whole code point and surrogates do not occur. Instruments alone
-// include this; nothing of it ships.
+// What the service and its suite call of Windows, for a build on the build machine: the sanitizers run there. Declared
+// here as the platform's own header declares it; each source beside this one says what it imitates and where it stops.
+// Wide characters have 32 bits here, so one character is a whole code point and surrogates do not occur. Instruments
+// alone include this; nothing of it ships.
 
 #include <cstdarg>
 #include <cstddef>
@@ -17,6 +17,7 @@
 #define MAX_PATH 260
 #define INFINITE 0xFFFFFFFFU
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+#define SUCCEEDED(result) ((result) >= 0)
 
 using BOOL = int;
 using BOOLEAN = unsigned char;
@@ -37,22 +38,18 @@ using HANDLE = void*;
 using HWND = struct HWND__*;
 using HMODULE = struct HINSTANCE__*;
 using HINSTANCE = HMODULE;
+using LPSTR = char*;
+using LPWSTR = wchar_t*;
 using LPCWSTR = const wchar_t*;
 using FARPROC = std::intptr_t (*)();
 
 // ---- Errors: the calling thread's last one.
-constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
-constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
-constexpr DWORD ERROR_ACCESS_DENIED = 5;
-constexpr DWORD ERROR_INVALID_HANDLE = 6;
-constexpr DWORD ERROR_SHARING_VIOLATION = 32;
-constexpr DWORD ERROR_INVALID_PARAMETER = 87;
-constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
-constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
-constexpr DWORD ERROR_ALREADY_EXISTS = 183;
-constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
-constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
+constexpr HRESULT S_OK = 0, E_FAIL = static_cast<HRESULT>(0x80004005);
+constexpr DWORD ERROR_SUCCESS = 0, ERROR_FILE_NOT_FOUND = 2, ERROR_PATH_NOT_FOUND = 3, ERROR_ACCESS_DENIED = 5,
+                ERROR_INVALID_HANDLE = 6, ERROR_SHARING_VIOLATION = 32, ERROR_LOCK_VIOLATION = 33,
+                ERROR_INVALID_PARAMETER = 87, ERROR_INSUFFICIENT_BUFFER = 122, ERROR_MOD_NOT_FOUND = 126,
+                ERROR_ALREADY_EXISTS = 183, ERROR_ENVVAR_NOT_FOUND = 203, ERROR_NOT_OWNER = 288,
+                ERROR_NO_UNICODE_TRANSLATION = 1113, ERROR_INVALID_WINDOW_HANDLE = 1400;
 DWORD GetLastError();
 void SetLastError(DWORD error);
 
@@ -69,18 +66,18 @@ void AcquireSRWLockExclusive(SRWLOCK* lock);
 void ReleaseSRWLockExclusive(SRWLOCK* lock);
 
 // ---- Text (Text.cpp)
-constexpr UINT CP_ACP = 0;
-constexpr UINT CP_UTF8 = 65001;
+constexpr UINT CP_ACP = 0, CP_UTF8 = 65001;
 constexpr DWORD MB_ERR_INVALID_CHARS = 8;
+constexpr int CSTR_LESS_THAN = 1, CSTR_EQUAL = 2, CSTR_GREATER_THAN = 3;
 UINT GetACP();
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int bytes, wchar_t* wide, int capacity);
 int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* wide, int characters, char* text, int capacity,
                         const char* defaultCharacter, BOOL* usedDefault);
+int CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int rightLength, BOOL ignoreCase);
 
 // ---- Modules (Modules.cpp)
-constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_PIN = 1;
-constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT = 2;
-constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
+constexpr DWORD GET_MODULE_HANDLE_EX_FLAG_PIN = 1, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT = 2,
+                GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS = 4;
 struct MEMORY_BASIC_INFORMATION {
     void* AllocationBase;
 };
@@ -95,9 +92,7 @@ void* AddDllDirectory(LPCWSTR folder);
 
 // ---- Threads, waiting, the thread pool (Threads.cpp)
 constexpr DWORD SYNCHRONIZE = 0x00100000;
-constexpr DWORD WAIT_OBJECT_0 = 0;
-constexpr DWORD WAIT_TIMEOUT = 258;
-constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+constexpr DWORD WAIT_OBJECT_0 = 0, WAIT_ABANDONED = 0x80, WAIT_TIMEOUT = 258, WAIT_FAILED = 0xFFFFFFFF;
 using PTP_CALLBACK_INSTANCE = struct TP_CALLBACK_INSTANCE*;
 struct TP_CALLBACK_ENVIRON {
     HMODULE library;
@@ -108,6 +103,8 @@ DWORD GetCurrentProcessId();
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD access, BOOL inherit, DWORD options);
 BOOL CloseHandle(HANDLE handle);
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+HANDLE CreateMutexW(void* security, BOOL owned, LPCWSTR name);
+BOOL ReleaseMutex(HANDLE mutex);
 void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
 void SetThreadpoolCallbackLibrary(TP_CALLBACK_ENVIRON* environment, HMODULE library);
 void DestroyThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
@@ -117,28 +114,23 @@ void Sleep(DWORD milliseconds);
 ULONGLONG GetTickCount64();
 
 // ---- Files (Files.cpp)
-constexpr DWORD GENERIC_READ = 0x80000000;
-constexpr DWORD GENERIC_WRITE = 0x40000000;
-constexpr DWORD FILE_SHARE_READ = 1;
-constexpr DWORD FILE_SHARE_WRITE = 2;
-constexpr DWORD FILE_SHARE_DELETE = 4;
-constexpr DWORD CREATE_NEW = 1;
-constexpr DWORD CREATE_ALWAYS = 2;
-constexpr DWORD OPEN_EXISTING = 3;
-constexpr DWORD OPEN_ALWAYS = 4;
-constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD GENERIC_READ = 0x80000000, GENERIC_WRITE = 0x40000000, DELETE = 0x00010000;
+constexpr DWORD FILE_SHARE_READ = 1, FILE_SHARE_WRITE = 2, FILE_SHARE_DELETE = 4;
+constexpr DWORD CREATE_NEW = 1, CREATE_ALWAYS = 2, OPEN_EXISTING = 3, OPEN_ALWAYS = 4;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80, FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
+constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1, MOVEFILE_WRITE_THROUGH = 8;
 HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, void* security, DWORD disposition, DWORD flags,
                    HANDLE pattern);
+BOOL ReadFile(HANDLE file, void* buffer, DWORD bytes, DWORD* count, void* overlapped);
+BOOL WriteFile(HANDLE file, const void* buffer, DWORD bytes, DWORD* count, void* overlapped);
+BOOL FlushFileBuffers(HANDLE file);
+BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags);
 BOOL DeleteFileW(LPCWSTR path);
 BOOL CreateHardLinkW(LPCWSTR link, LPCWSTR existing, void* security);
 
 // ---- Windows and their messages (Messages.cpp)
-constexpr UINT WM_CLOSE = 0x0010;
-constexpr UINT WM_GETTEXT = 0x000D;
-constexpr UINT WM_GETTEXTLENGTH = 0x000E;
-constexpr UINT PM_REMOVE = 1;
-constexpr UINT MB_OK = 0;
-constexpr UINT MB_ICONERROR = 16;
+constexpr UINT WM_CLOSE = 0x0010, WM_GETTEXT = 0x000D, WM_GETTEXTLENGTH = 0x000E;
+constexpr UINT PM_REMOVE = 1, MB_OK = 0, MB_ICONERROR = 16;
 #define HWND_MESSAGE (reinterpret_cast<HWND>(static_cast<std::intptr_t>(-3)))
 struct MSG {
     HWND hwnd;
@@ -152,18 +144,14 @@ BOOL DestroyWindow(HWND window);
 HWND FindWindowW(LPCWSTR className, LPCWSTR caption);
 HWND FindWindowExW(HWND parent, HWND after, LPCWSTR className, LPCWSTR caption);
 int GetWindowTextLengthW(HWND window);
-int GetWindowTextW(HWND window, wchar_t* text, int capacity);
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove);
 UINT RegisterWindowMessageW(LPCWSTR name);
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style);
 
-// ---- The machine and the process (System.cpp)
-constexpr DWORD MEM_COMMIT = 0x1000;
-constexpr DWORD MEM_RESERVE = 0x2000;
-constexpr DWORD PAGE_NOACCESS = 1;
-constexpr DWORD PAGE_READWRITE = 4;
+// ---- The machine, the process and its environment (System.cpp)
+constexpr DWORD MEM_COMMIT = 0x1000, MEM_RESERVE = 0x2000, PAGE_NOACCESS = 1, PAGE_READWRITE = 4;
 struct OSVERSIONINFOW {
     DWORD dwOSVersionInfoSize, dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
     wchar_t szCSDVersion[128];
@@ -180,9 +168,13 @@ void GetSystemInfo(SYSTEM_INFO* system);
 int GetSystemMetrics(int metric);
 UINT GetSystemDirectoryW(wchar_t* path, UINT capacity);
 UINT GetSystemFirmwareTable(DWORD provider, DWORD table, void* buffer, DWORD bytes);
+DWORD GetEnvironmentVariableW(LPCWSTR name, wchar_t* value, DWORD capacity);
+BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
 void OutputDebugStringW(LPCWSTR text);
 BOOL TerminateProcess(HANDLE process, UINT exitCode);
 HANDLE LocalFree(void* memory);
+HANDLE GlobalFree(void* memory);
+void SecureZeroMemory(void* memory, SIZE_T bytes);
 void* VirtualAlloc(void* address, SIZE_T bytes, DWORD type, DWORD protection);
 
 // The C runtime's condition for broken arguments.

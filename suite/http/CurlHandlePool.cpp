@@ -24,7 +24,7 @@ constexpr std::size_t kMaxIdleHandles = 16;
 constexpr std::chrono::seconds kMaxIdleTime(120);
 
 // Not every system tells the reader: Wine reads a reset as an orderly end. Sending nothing asks again.
-bool WasReset(curl_socket_t socket) {
+bool WasReset([[maybe_unused]] curl_socket_t socket) {
 #if defined(_WIN32)
     return send(socket, "", 0, 0) < 0;
 #else

@@ -2,15 +2,14 @@
 
 #include <spdlog/sinks/rotating_file_sink.h>
 
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
 namespace suite {
 
-RotatingFile::RotatingFile(std::wstring path, std::size_t maxBytes, std::size_t maxFiles)
+RotatingFile::RotatingFile(std::filesystem::path path, std::size_t maxBytes, std::size_t maxFiles)
     : m_path(std::move(path)), m_maxBytes(maxBytes), m_maxFiles(maxFiles), m_limit(maxBytes) {
-    m_file.open(m_path);
+    m_file.open(m_path.native());
     m_bytes = m_file.size();
 }
 
@@ -49,8 +48,8 @@ bool RotatingFile::MoveAway() const {
     return !error;
 }
 
-std::wstring RotatingFile::NameOf(std::size_t age) const {
-    return spdlog::sinks::rotating_file_sink_st::calc_filename(m_path, age);
+std::filesystem::path RotatingFile::NameOf(std::size_t age) const {
+    return spdlog::sinks::rotating_file_sink_st::calc_filename(m_path.native(), age);
 }
 
 }  // namespace suite

@@ -4,7 +4,7 @@
 #include <spdlog/details/null_mutex.h>
 #include <spdlog/sinks/base_sink.h>
 
-#include <string>
+#include <filesystem>
 
 namespace suite {
 
@@ -13,16 +13,16 @@ namespace suite {
 class RotatingFile final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
 public:
     // Throws when the file cannot be opened.
-    RotatingFile(std::wstring path, std::size_t maxBytes, std::size_t maxFiles);
+    RotatingFile(std::filesystem::path path, std::size_t maxBytes, std::size_t maxFiles);
 
 private:
     void sink_it_(const spdlog::details::log_msg& message) override;
     void flush_() override { m_file.flush(); }
     void Rotate();
     bool MoveAway() const;
-    std::wstring NameOf(std::size_t age) const;
+    std::filesystem::path NameOf(std::size_t age) const;
 
-    const std::wstring m_path;
+    const std::filesystem::path m_path;
     const std::size_t m_maxBytes;
     const std::size_t m_maxFiles;
     spdlog::details::file_helper m_file;
