@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "Resources.h"
+#include "ProcessResources.h"
 
 // A host that leaves while a request, a portrait download and a log flush run. It finds the service's entry points by
 // name, as a plug-in host would: leaving-host.exe WAY ROUNDS CONFIGURATION ACCESS-TOKEN AUTHORITY-FILE LOG-FILE

@@ -61,8 +61,10 @@ TEST_F(Exits, HostsEndWhileEverythingRuns) {
     Stall(kUserId, 600000);
     ULONGLONG longest = 0;
     for (int first = 0; first < hosts; first += kAtOnce) {
-        if (first >= hosts / 2) {
-            UsePlatform(m_sandbox.m_https);  // the other half leaves TLS connections behind
+        // The last leave TLS connections behind. Few of them: Wine's server keeps some of those connections for ever,
+        // and looks at each of them all the time.
+        if (first >= hosts - hosts / 10 - 1) {
+            UsePlatform(m_sandbox.m_https);
         }
         std::vector<std::unique_ptr<ChildProcess>> running;
         for (int host = first; host < std::min(first + kAtOnce, hosts); ++host) {

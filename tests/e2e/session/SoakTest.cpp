@@ -12,7 +12,7 @@
 #include <shared_mutex>
 #include <thread>
 
-#include "Resources.h"
+#include "ProcessResources.h"
 #include "SandboxSession.h"
 
 namespace {

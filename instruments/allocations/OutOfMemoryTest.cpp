@@ -93,11 +93,14 @@ protected:
         }
     }
 
-    std::string KeyList(const std::string& token) const {
-        const auto key = m_peer.UnwrapTemporaryKey(token);
+    std::string KeyList(const std::string& token) {
+        Bytes secret;
+        const auto key = m_peer.UnwrapTemporaryKey(token, &secret);
         if (!key) {
             return "{}";
         }
+        m_exchanged = {{"the temporary key", {key->begin(), key->end()}},
+                       {"the shared secret", {secret.begin(), secret.end()}}};
         std::string entries;
         for (const std::size_t bytes : {16, 32}) {
             const Bytes plain(bytes, 0x5A);
@@ -200,6 +203,7 @@ protected:
     const std::wstring m_legacyItem = Wide(LegacyItem("the legacy refresh token" + kLegacyTimeStamp));
     std::filesystem::path m_config;
     KeyServerPeer m_peer;
+    std::map<std::string, std::string> m_exchanged;  // by the last request for keys
     st_UserInfo& m_record = GlobalParamWrapper::GetInstance()->GetUserInfo();
 };
 
@@ -351,4 +355,22 @@ TEST_F(OutOfMemory, EveryAllocationOfEveryOperationMayFail) {
         std::printf("%-34s %5d failed allocations, %d of OpenSSL\n", row.name, failures[0], failures[1]);
     }
     EXPECT_GT(all, 300);
+}
+
+TEST_F(OutOfMemory, FreedMemoryHoldsNoKey) {
+    Prepare({"InitUserSyncKey", {}, {}});
+    FreedMemory freed;
+    EXPECT_TRUE(UserSyncKeyService().InitUserSyncKey());
+    m_service->SetRealUserKey(std::vector<std::uint8_t>(32, 0x77));
+    m_service->SetRealUserKey({});
+    { const std::string control = std::string(40, 'c') + "ontrol"; }
+    const Uncounted uncounted;
+    m_exchanged.insert({{"a key", std::string(16, 0x5A)}, {"the real key", std::string(32, 0x77)}});
+    EXPECT_EQ(m_exchanged.size(), 4U);
+    for (const auto& [name, bytes] : m_exchanged) {
+        EXPECT_FALSE(freed.Holds(bytes)) << name;
+    }
+#if !defined(_WIN32)
+    EXPECT_TRUE(freed.Holds("ccccontrol"));
+#endif
 }
