@@ -82,7 +82,12 @@ protected:
         return code;
     }
 
+    static int Findings() {
+        return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+    }
+
     void Try(const Row& row) {
+        const int found = Findings();
         row.restore();
         const std::string before = row.state();
         EXPECT_TRUE(row.call()) << row.name << ", control";
@@ -90,7 +95,7 @@ protected:
         int failures = 0;
         for (const bool lasting : {false, true}) {
             int failed = 1;
-            for (int number = 0; failed > 0 && !HasFailure(); ++number) {
+            for (int number = 0; failed > 0 && Findings() == found; ++number) {
                 SCOPED_TRACE(std::string(row.name) + ", allocation " + std::to_string(number) +
                              (lasting ? " and all that follow" : ""));
                 row.restore();

@@ -9,12 +9,11 @@
 
 namespace {
 
-std::string Hexadecimal(const std::string& bytes, const char* format) {
+// Two hexadecimal digits for each byte, with something in front of them.
+std::string Hexadecimal(const std::string& bytes, const std::string& front, const char* digits = "0123456789abcdef") {
     std::string text;
     for (const char byte : bytes) {
-        char digits[8] = {};
-        std::snprintf(digits, sizeof(digits), format, static_cast<unsigned>(static_cast<unsigned char>(byte)));
-        text += digits;
+        text += front + digits[static_cast<unsigned char>(byte) >> 4] + digits[static_cast<unsigned char>(byte) & 0xF];
     }
     return text;
 }
@@ -23,10 +22,10 @@ std::string Hexadecimal(const std::string& bytes, const char* format) {
 // depend on the neighbours, are left out.
 std::map<std::string, std::string> FormsOf(const std::string& secret) {
     std::map<std::string, std::string> forms = {{"plain", secret},
-                                                {"URL", Hexadecimal(secret, "%%%02X")},
-                                                {"hex", Hexadecimal(secret, "%02x")},
-                                                {"upper-case hex", Hexadecimal(secret, "%02X")},
-                                                {"JSON-escaped", Hexadecimal(secret, "\\u%04x")}};
+                                                {"URL", Hexadecimal(secret, "%", "0123456789ABCDEF")},
+                                                {"hex", Hexadecimal(secret, "")},
+                                                {"upper-case hex", Hexadecimal(secret, "", "0123456789ABCDEF")},
+                                                {"JSON-escaped", Hexadecimal(secret, "\\u00")}};
     for (const char c : secret) {
         forms["UTF-16"] += {c, '\0'};
     }
