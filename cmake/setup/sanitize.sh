@@ -18,8 +18,17 @@ run_sanitizer() {
   done
 }
 
+# run_allocations: every allocation of every operation, and of the suite's calls, fails once, under the address sanitizer.
+run_allocations() {
+  local program
+  for program in allocation_tests suite_allocation_tests; do
+    (cd "$root/build/sanitize-address" && "./$program" --gtest_brief=1) 9>&- || die "$program: a finding above"
+  done
+}
+
 run_sanitizers() {
   run_sanitizer address address,undefined
+  run_allocations
   run_sanitizer thread thread
   say "sanitizers: nothing found"
 }

@@ -32,7 +32,11 @@ void UserAuthService::UpdateAppIdConfig() try {
     }
     root["client_id"] = userauth::WideToMultiByte(userauth::kApplicationId, userauth::kUtf8CodePage);
     const std::string document = userauth::WriteStyledDocument(root);
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    // With a buffer of its own, because the stream would take one after the file has been emptied.
+    char buffer[4096];
+    std::ofstream file;
+    file.rdbuf()->pubsetbuf(buffer, sizeof(buffer));
+    file.open(path, std::ios::binary | std::ios::trunc);
     file << document;
 } catch (...) {
     return;  // nothing is reported; what throws does so before the file is opened for writing

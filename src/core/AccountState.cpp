@@ -6,14 +6,30 @@
 #include "core/AccountStateHold.h"
 #include "core/TextEncoding.h"
 
-using userauth::ExclusiveHold;
-using userauth::SharedHold;
-
 namespace userauth {
 
 std::string g_accountBrandText;
 
+namespace {
+
+// Stores a value and hands it to the parameter store. When either has no memory for it both keep the former one.
+template <typename Push>
+void StoreAndPush(std::wstring& field, std::wstring value, const Push& push) {
+    field.swap(value);
+    try {
+        push(field);
+    } catch (...) {
+        field.swap(value);
+        throw;
+    }
+}
+
+}  // namespace
 }  // namespace userauth
+
+using userauth::ExclusiveHold;
+using userauth::SharedHold;
+using userauth::StoreAndPush;
 
 void UserAuthService::Clear() {
     // These four are what the interface empties. Name, portrait URL, country, brand, flags, modules and key stay, and
@@ -70,20 +86,20 @@ int UserAuthService::GetCurrentUserAccountBrandID() {
 
 void UserAuthService::SetCurrentAT(const std::wstring& accessToken) {
     const ExclusiveHold hold(m_lock);
-    m_strCurrentAT = accessToken;
-    GlobalParamWrapper::GetInstance()->SetCurrentAt(accessToken);
+    StoreAndPush(m_strCurrentAT, accessToken,
+                 [](const std::wstring& value) { GlobalParamWrapper::GetInstance()->SetCurrentAt(value); });
 }
 
 void UserAuthService::SetCurrentRT(const std::wstring& refreshToken) {
     const ExclusiveHold hold(m_lock);
-    m_strCurrentRT = refreshToken;
-    GlobalParamWrapper::GetInstance()->SetCurrentRt(refreshToken);
+    StoreAndPush(m_strCurrentRT, refreshToken,
+                 [](const std::wstring& value) { GlobalParamWrapper::GetInstance()->SetCurrentRt(value); });
 }
 
 void UserAuthService::SetCurrrentUserID(const std::wstring& userId) {
     const ExclusiveHold hold(m_lock);
-    m_strCurrentUserID = userId;
-    GlobalParamWrapper::GetInstance()->SetUserID(userId);
+    StoreAndPush(m_strCurrentUserID, userId,
+                 [](const std::wstring& value) { GlobalParamWrapper::GetInstance()->SetUserID(value); });
 }
 
 void UserAuthService::SetCurrentUserHeadImageLocalPath(const std::wstring& path) {
@@ -93,13 +109,17 @@ void UserAuthService::SetCurrentUserHeadImageLocalPath(const std::wstring& path)
 
 void UserAuthService::SetCurrentUserInfo(const std::wstring& userId, const std::wstring& userName,
                                          const std::wstring& headImageUrl, int brandId) {
+    std::wstring name = userName;
+    std::wstring url = headImageUrl;
+    std::string brandText = std::to_string(brandId);
     const ExclusiveHold hold(m_lock);
-    m_strCurrentUserID = userId;
-    m_strCurrentUserName = userName;
-    m_strHeadImageUrl = headImageUrl;
+    StoreAndPush(m_strCurrentUserID, userId,
+                 [](const std::wstring& value) { GlobalParamWrapper::GetInstance()->SetUserID(value); });
+    // Nothing fails from here on: the record is the new one as a whole.
+    m_strCurrentUserName.swap(name);
+    m_strHeadImageUrl.swap(url);
     m_nAccountBrandID = brandId;
-    userauth::g_accountBrandText = std::to_string(brandId);
-    GlobalParamWrapper::GetInstance()->SetUserID(userId);
+    userauth::g_accountBrandText.swap(brandText);
 }
 
 #if defined(__GNUC__)

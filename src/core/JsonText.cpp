@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <utility>
 
 #include "UserAuthService.h"
@@ -88,6 +89,19 @@ Json::Value ParseLeniently(const std::string& text) {
     Json::Value value;
     ParseByDefaultRules(text, value);
     return value;
+}
+
+std::string WriteBy(const Json::StreamWriterBuilder& rules, const Json::Value& value) {
+    std::ostringstream text;
+    text.exceptions(std::ios::badbit);
+    const std::unique_ptr<Json::StreamWriter> writer(rules.newStreamWriter());
+    writer->write(value, &text);
+    return text.str();
+}
+
+std::string WriteStyledText(const Json::Value& value) {
+    const char* const front = value.hasComment(Json::commentBefore) ? "\n" : "";
+    return front + WriteBy(Json::StreamWriterBuilder(), value) + "\n";
 }
 
 // The older reader and the two writers are deprecated in favour of configurable ones. Those accept other texts, and

@@ -25,6 +25,11 @@ bool ParseDocument(const std::string& text, Json::Value& value);
 // One line, no indentation, ending in a line feed, everything outside ASCII escaped: a request body.
 std::string WriteCompactLine(const Json::Value& value);
 
+// The library's toStyledString and writeString, but for one thing: those write to a stream, which keeps want of memory
+// to itself, and give a text that is cut. Here that is std::bad_alloc.
+std::string WriteStyledText(const Json::Value& value);
+std::string WriteBy(const Json::StreamWriterBuilder& rules, const Json::Value& value);
+
 // The layout of a configuration file: indented, short arrays on one line, ending in a line feed.
 std::string WriteStyledDocument(const Json::Value& value);
 

@@ -50,6 +50,10 @@ bool UserAuthService::RequestUserInfo() try {
     }
     const userauth::Reply reply(result.szResponse);
     const std::string photoLink = reply.Text("profilePhotoLink");
+    // Everything that takes memory comes before the first change: no portrait of one account beside another's name.
+    const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);
+    const std::wstring userName = MultiByteToWide(reply.Text("displayName"), kUtf8CodePage);
+    const std::wstring wideLink = MultiByteToWide(photoLink, kUtf8CodePage);
     if (photoLink.empty()) {
         SetCurrentUserHeadImageLocalPath(L"");
         userauth::PostPortraitChanged();
@@ -59,9 +63,7 @@ bool UserAuthService::RequestUserInfo() try {
         // The download takes the link in the ANSI code page, the account state below in UTF-8: kept as it is.
         userauth::StartPortraitDownload({portraitPath, MultiByteToWide(photoLink, userauth::kAnsiCodePage), this});
     }
-    const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);
-    SetCurrentUserInfo(userId, MultiByteToWide(reply.Text("displayName"), kUtf8CodePage),
-                       MultiByteToWide(photoLink, kUtf8CodePage), reply.Integer("accountBrand"));
+    SetCurrentUserInfo(userId, userName, wideLink, reply.Integer("accountBrand"));
     SetCurrrentUserID(userId);
     WriteLog(kSeverityProgress, __LINE__, kTag, L"GetUserInfo successed!");
     return true;

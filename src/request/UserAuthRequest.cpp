@@ -77,7 +77,7 @@ void UserAuthRequest::SendWebRequest(WebRequestResult& result, ReplyHeaderMap& r
     FillResult(result, [this, &replyHeaders](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
         m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kReplyHeaderLogHook));
-        DescribeBody(m_headers, m_body.m_value.toStyledString());
+        DescribeBody(m_headers, WriteStyledText(m_body.m_value));
         return CurlHttpLibContext(&m_strategy).Request(response, replyHeaders);
     });
 }
@@ -86,7 +86,7 @@ void UserAuthRequest::SendWebRequest(WebRequestResult& result, const HeaderMap& 
     FillResult(result, [this, &headers](std::string& response) {
         m_strategy.SetUrl(m_strUrl);
         m_strategy.SetLogFunction(HttpLogHook(kSeveritySummary, kGivenHeaderLogHook));
-        DescribeBody(headers, m_body.m_value.toStyledString());
+        DescribeBody(headers, WriteStyledText(m_body.m_value));
         return CurlHttpLibContext(&m_strategy).Request(response, kDefaultTimeout);
     });
 }

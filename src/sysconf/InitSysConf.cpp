@@ -56,9 +56,18 @@ bool UserAuthService::InitSysConf() try {
     if (!userauth::ParseDocument(reply, root)) {
         return false;
     }
-    InitPcAvailable(root);
-    InitActiveAccount(root);
-    InitInvalidModules(root);
+    const bool availableCountry = m_bAvailableCountry;
+    const bool activeAccount = m_bActiveAccount;
+    try {
+        InitPcAvailable(root);
+        InitActiveAccount(root);
+        InitInvalidModules(root);
+    } catch (...) {
+        // Out of memory: the configuration is taken as a whole or not at all.
+        m_bAvailableCountry = availableCountry;
+        m_bActiveAccount = activeAccount;
+        return false;
+    }
     return true;
 } catch (...) {
     return false;

@@ -2,6 +2,7 @@
 #include <json/writer.h>
 
 #include "UserAuthService.h"
+#include "core/JsonText.h"
 #include "core/ServiceLog.h"
 #include "core/TextEncoding.h"
 #include "request/RequestLog.h"
@@ -24,7 +25,7 @@ std::wstring Body(const std::string& business) {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
     builder["emitUTF8"] = true;
-    return MultiByteToWide(Json::writeString(builder, record), kUtf8CodePage);
+    return MultiByteToWide(userauth::WriteBy(builder, record), kUtf8CodePage);
 }
 
 }  // namespace

@@ -90,11 +90,37 @@ CodeExchangeReply ReadReply(const char* text) {
     return read;
 }
 
-void LogSummary(const std::wstring& url, int httpCode, const std::string& resultCode) {
+// Both tokens, or neither when memory runs out between them: two of different sign-ins are of no use.
+void StoreTokens(UserAuthService& service, const CodeExchangeReply& reply) {
+    const std::wstring former = service.GetCurrentAT();
+    service.SetCurrentAT(reply.accessToken);
+    try {
+        service.SetCurrentRT(reply.refreshToken);
+    } catch (...) {
+        service.SetCurrentAT(former);
+        throw;
+    }
+}
+
+// The tokens are stored by now: for want of memory the line is lost, and the result stands.
+void LogCountry(const std::wstring& countryCode) try {
+    WriteLog(kSeverityProgress, __LINE__, kTag, L"Get registerCountryCode successed:" + countryCode);
+} catch (...) {
+    return;
+}
+
+void LogSummary(const std::wstring& url, int httpCode, AccountStateLock& lock, const std::string& resultCode) try {
+    std::string lastResultCode;
+    {
+        const userauth::SharedHold hold(lock);
+        lastResultCode = resultCode;
+    }
     // The line ends with the label of the description: kept as it is.
     WriteLog(kSeveritySummary, __LINE__, kTag,
              userauth::SummaryLine("RequestAT", url, httpCode) + L"\nResultCode:" +
-                 MultiByteToWide(resultCode, userauth::kUtf8CodePage) + L"\nDescription:");
+                 MultiByteToWide(lastResultCode, userauth::kUtf8CodePage) + L"\nDescription:");
+} catch (...) {
+    return;
 }
 
 }  // namespace
@@ -111,38 +137,33 @@ bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationC
     WriteLog(kSeverityProgress, __LINE__, kTag, L"RequestCountryCode httpcode:" + std::to_wstring(result.nHttpCode));
     bool succeeded = false;
     if (result.nHttpCode == userauth::kHttpOk) {
-        const CodeExchangeReply reply = ReadReply(result.szResponse);
-        SetCurrentAT(reply.accessToken);
-        SetCurrentRT(reply.refreshToken);
+        CodeExchangeReply reply = ReadReply(result.szResponse);
+        const std::wstring country = reply.countryCode;
+        StoreTokens(*this, reply);
         {
             const userauth::ExclusiveHold hold(m_lock);
-            m_strCountryCode = reply.countryCode;
+            m_strCountryCode.swap(reply.countryCode);
         }
-        if (reply.countryCode.empty() || reply.accessToken.empty()) {
+        if (country.empty() || reply.accessToken.empty()) {
             // This outcome has neither the summary nor the operation log: kept as it is.
             WriteLog(kSeverityFailure, __LINE__, kTag, L"Get registerCountryCode from portal fail");
             return false;
         }
-        WriteLog(kSeverityProgress, __LINE__, kTag, L"Get registerCountryCode successed:" + reply.countryCode);
+        LogCountry(country);
+        succeeded = reply.resultCode == "0";
         {
             const userauth::ExclusiveHold hold(m_lock);
             m_nAtExpires = reply.expires;
             m_nOauthHttpStatusCode = reply.oauthHttpStatusCode;
             m_nOauthSubErrorCode = reply.oauthSubErrorCode;
-            m_strResultCode = reply.resultCode;
-            m_strResultDesc = reply.resultDescription;
+            m_strResultCode.swap(reply.resultCode);
+            m_strResultDesc.swap(reply.resultDescription);
         }
-        succeeded = reply.resultCode == "0";
         // Written whatever the result code is: kept as it is.
         WriteLog(kSeverityProgress, __LINE__, kTag, L"Get AT successed!");
     }
 
-    std::string lastResultCode;
-    {
-        const userauth::SharedHold hold(m_lock);
-        lastResultCode = m_strResultCode;
-    }
-    LogSummary(url, result.nHttpCode, lastResultCode);
+    LogSummary(url, result.nHttpCode, m_lock, m_strResultCode);
     Logger::OutputOperationLog(kEventRequestAT[0], kEventRequestAT[1], kEventRequestAT[2]);
     return succeeded;
 } catch (...) {

@@ -13,6 +13,13 @@ using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::RequestApplicationAT";
 
+// Written on every call, after a success too: kept as it is. For want of memory the line is lost, and the result stands.
+void LogStatus(int httpCode) try {
+    WriteLog(kSeverityFailure, __LINE__, kTag, L"Get ApplyAT Failed! httpcode = " + std::to_wstring(httpCode));
+} catch (...) {
+    return;
+}
+
 }  // namespace
 
 bool UserAuthService::RequestApplicationAT() try {
@@ -27,20 +34,20 @@ bool UserAuthService::RequestApplicationAT() try {
     bool succeeded = false;
     if (result.nHttpCode == userauth::kHttpOk) {
         const userauth::Reply reply(result.szResponse);
-        store->SetAppAT(userauth::MultiByteToWide(reply.Text("accessToken"), userauth::kAnsiCodePage));
-        const std::string styledCode = reply.Member("result").StyledText("code");
-        {
-            const userauth::ExclusiveHold hold(m_lock);
-            m_nAppAtExpires = reply.Integer("expires");
-            m_strResultCode = styledCode;
-        }
+        std::string styledCode = reply.Member("result").StyledText("code");
         // The test is inverted and always true: a styled text ends with a line feed and never equals "0". Kept as it
         // is: every 200 is a success.
         succeeded = styledCode != "0";
+        store->SetAppAT(userauth::MultiByteToWide(reply.Text("accessToken"), userauth::kAnsiCodePage));
+        // Nothing fails from here on: token and result belong together.
+        {
+            const userauth::ExclusiveHold hold(m_lock);
+            m_nAppAtExpires = reply.Integer("expires");
+            m_strResultCode.swap(styledCode);
+        }
         WriteLog(kSeverityProgress, __LINE__, kTag, L"Get ApplyAT successed!");
     }
-    // Written on every call, after a success too: kept as it is.
-    WriteLog(kSeverityFailure, __LINE__, kTag, L"Get ApplyAT Failed! httpcode = " + std::to_wstring(result.nHttpCode));
+    LogStatus(result.nHttpCode);
     return succeeded;
 } catch (...) {
     return false;

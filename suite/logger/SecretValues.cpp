@@ -32,6 +32,16 @@ std::string Base64Core(std::string_view value, std::size_t skipped) {
     return digits;
 }
 
+std::string Hexadecimal(std::string_view value, const char* digits) {
+    std::string text;
+    text.reserve(2 * value.size());
+    for (const char c : value) {
+        text += digits[static_cast<unsigned char>(c) >> 4];
+        text += digits[static_cast<unsigned char>(c) & 0xF];
+    }
+    return text;
+}
+
 std::vector<std::string> FormsOf(const std::map<std::string, std::string>& values) {
     std::vector<std::string> forms;
     for (const auto& [name, value] : values) {
@@ -42,6 +52,8 @@ std::vector<std::string> FormsOf(const std::map<std::string, std::string>& value
         for (std::size_t skipped = 0; skipped < 3; ++skipped) {
             forms.push_back(Base64Core(value, skipped));
         }
+        forms.push_back(Hexadecimal(value, "0123456789abcdef"));
+        forms.push_back(Hexadecimal(value, "0123456789ABCDEF"));
         forms.push_back(value);
     }
     return forms;

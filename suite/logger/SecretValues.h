@@ -12,7 +12,8 @@
 namespace suite {
 
 // Masks values that are known to be secret, in whatever text they stand: as they are, in any encoding that
-// UnwrappedText takes off, and inside base64 of either alphabet, whatever precedes and follows them there.
+// UnwrappedText takes off, as hexadecimal digits, and inside base64 of either alphabet, whatever precedes and follows
+// them there.
 class SecretValues {
 public:
     // Texts in UTF-8, by name.

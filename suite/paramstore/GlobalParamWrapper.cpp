@@ -45,6 +45,13 @@ std::wstring Setting(std::wstring ClientConfiguration::*member) {
     return SettingsStore::Instance().Text(member);
 }
 
+// The logger knows a token before a line can hold it. Copied first, so that want of memory cannot come between the two
+// and leave the logger without the token that the store has kept.
+void SetToken(PushedValues& values, const char* name, std::wstring PushedValues::*field, std::wstring token) {
+    Logger::SetSecret(name, token);
+    values.Set(field, std::move(token));
+}
+
 }  // namespace
 }  // namespace suite
 
@@ -127,8 +134,7 @@ HWND__* GlobalParamWrapper::GetMainWnd() const {
 }
 
 void GlobalParamWrapper::SetCurrentAt(const std::wstring& accessToken) {
-    Logger::SetSecret("access token", accessToken);
-    m_state->Set(&State::currentAt, accessToken);
+    suite::SetToken(*m_state, "access token", &State::currentAt, accessToken);
 }
 
 std::wstring GlobalParamWrapper::GetCurrentAt() const {
@@ -136,8 +142,7 @@ std::wstring GlobalParamWrapper::GetCurrentAt() const {
 }
 
 void GlobalParamWrapper::SetCurrentRt(const std::wstring& refreshToken) {
-    Logger::SetSecret("refresh token", refreshToken);
-    m_state->Set(&State::currentRt, refreshToken);
+    suite::SetToken(*m_state, "refresh token", &State::currentRt, refreshToken);
 }
 
 std::wstring GlobalParamWrapper::GetCurrentRt() const {
@@ -153,8 +158,7 @@ std::wstring GlobalParamWrapper::GetUserID() const {
 }
 
 void GlobalParamWrapper::SetAppAT(const std::wstring& applicationAccessToken) {
-    Logger::SetSecret("application access token", applicationAccessToken);
-    m_state->Set(&State::appAt, applicationAccessToken);
+    suite::SetToken(*m_state, "application access token", &State::appAt, applicationAccessToken);
 }
 
 std::wstring GlobalParamWrapper::GetAppAT() const {

@@ -49,7 +49,8 @@ ChildProcess::ChildProcess(const std::wstring& program, const std::wstring& argu
     PROCESS_INFORMATION process{};
     if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process) ==
         FALSE) {
-        throw std::runtime_error("cannot start " + std::filesystem::path(program).string());
+        throw std::runtime_error("cannot start " + std::filesystem::path(program).string() + ", error " +
+                                 std::to_string(GetLastError()));
     }
     CloseHandle(process.hThread);
     m_process.reset(process.hProcess);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -17,6 +18,16 @@ void Record(const std::string& line) {
     static std::mutex mutex;
     const std::lock_guard<std::mutex> hold(mutex);
     Recording().journal.push_back(line);
+}
+
+// What the real libraries' contracts say throws nothing: their own want of memory is no exception of the call.
+template <typename Call>
+void WithoutBadAlloc(const Call& call) {
+    try {
+        call();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
 }
 
 void Push(const std::string& setter, const std::wstring& value) {
@@ -64,8 +75,10 @@ std::vector<std::string> SuiteRecording::TakeOutcome() {
 
 void Logger::Output(int moduleType, int severity, int, const std::string& functionTag, const std::wstring& message,
                     bool toFile) {
-    Record("log " + std::to_string(moduleType) + " " + std::to_string(severity) + " " + functionTag + " " +
-           Utf8(message) + (toFile ? "" : " (not to the file)"));
+    WithoutBadAlloc([&] {
+        Record("log " + std::to_string(moduleType) + " " + std::to_string(severity) + " " + functionTag + " " +
+               Utf8(message) + (toFile ? "" : " (not to the file)"));
+    });
 }
 
 void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType) {
@@ -74,12 +87,14 @@ void Logger::OutputOperationLog(int basicEventType, int operationType, int actio
 
 void Logger::OutputOperationLog(int basicEventType, int operationType, int actionType,
                                 const std::map<std::wstring, std::wstring>& extraInformation) {
-    std::string line = "event " + std::to_string(basicEventType) + " " + std::to_string(operationType) + " " +
-                       std::to_string(actionType);
-    for (const auto& [name, value] : extraInformation) {
-        line += " " + Utf8(name) + "=" + Utf8(value);
-    }
-    Record(line);
+    WithoutBadAlloc([&] {
+        std::string line = "event " + std::to_string(basicEventType) + " " + std::to_string(operationType) + " " +
+                           std::to_string(actionType);
+        for (const auto& [name, value] : extraInformation) {
+            line += " " + Utf8(name) + "=" + Utf8(value);
+        }
+        Record(line);
+    });
 }
 
 // ---- Event hub
@@ -93,8 +108,12 @@ EventAdminModule* EventAdminModule::GetInstance() {
     static EventAdminModule hub;
     return &hub;
 }
-void EventAdminModule::SyncDriveKeyOk() { Record("hub SyncDriveKeyOk"); }
-void EventAdminModule::CloudPhotoKeyOk() { Record("hub CloudPhotoKeyOk"); }
+void EventAdminModule::SyncDriveKeyOk() {
+    WithoutBadAlloc([] { Record("hub SyncDriveKeyOk"); });
+}
+void EventAdminModule::CloudPhotoKeyOk() {
+    WithoutBadAlloc([] { Record("hub CloudPhotoKeyOk"); });
+}
 
 // ---- Parameter store
 
@@ -242,20 +261,24 @@ ScriptedReply Exchange(const IHttpLibStrategy& strategy, const std::string& form
 CurlHttpLibContext::CurlHttpLibContext(IHttpLibStrategy* strategy) : m_strategy(strategy) {}
 CurlHttpLibContext::~CurlHttpLibContext() = default;
 
-int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) {
+int CurlHttpLibContext::Request(std::string& response, int timeoutSeconds) try {
     const ScriptedReply reply = Exchange(*m_strategy, std::to_string(timeoutSeconds));
     response = reply.body;
     return reply.code;
+} catch (const std::bad_alloc&) {
+    return kHttpInternalError;
 }
 
-int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) {
+int CurlHttpLibContext::Request(std::string& response, std::map<std::string, std::string>& replyHeaders) try {
     const ScriptedReply reply = Exchange(*m_strategy, "with reply headers");
     response = reply.body;
     replyHeaders = reply.headers;
     return reply.code;
+} catch (const std::bad_alloc&) {
+    return kHttpInternalError;
 }
 
-int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) {
+int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) try {
     const ScriptedReply reply = Exchange(*m_strategy, "download");
     if (reply.code / 100 == 2) {
         // In blocks that come to no round number.
@@ -267,4 +290,6 @@ int CurlHttpLibContext::Request(std::string&, void* fileTransferHandler) {
         static_cast<FileTransferHandler*>(fileTransferHandler)->WriteData(nullptr, 0, true);
     }
     return reply.code;
+} catch (const std::bad_alloc&) {
+    return kHttpInternalError;
 }

@@ -62,6 +62,41 @@ TEST(HostProgram, WhatItCannotDoIsSaidInOneLine) {
     EXPECT_EQ(Userauth(L"--help").m_code, 0);
 }
 
+// In the working folder and in one on PATH; support/PlantedModule.cpp.
+TEST(HostProgram, ModulesThatSomebodyPlantedAreNotLoaded) {
+    namespace fs = std::filesystem;
+    const fs::path before = fs::current_path();
+    const fs::path folder = fs::temp_directory_path() / ("planted-" + std::to_string(GetCurrentProcessId()));
+    const fs::path mark = folder / "mark";
+    const fs::path places[] = {folder / "working", folder / "on path"};
+    for (const fs::path& place : places) {
+        fs::create_directories(place);
+        for (const char* name : {"ZVAccountSdk.dll", "ntdll.dll", "libcrypto-3-x64.dll", "bcrypt.dll"}) {
+            fs::copy_file(ProgramFolder() / "planted-module.dll", place / name);
+        }
+    }
+    wchar_t path[32768] = {};
+    GetEnvironmentVariableW(L"PATH", path, std::size(path));
+    SetEnvironmentVariableW(L"PATH", (places[1].wstring() + L";" + path).c_str());
+    SetEnvironmentVariableW(L"PLANTED_MARK", mark.c_str());
+    fs::current_path(places[0]);
+    const Userauth run(L"demo --https");
+    EXPECT_EQ(run.m_code, 0) << run.m_output << run.m_error;
+    EXPECT_FALSE(fs::exists(mark)) << "one of them was loaded";
+    for (const fs::path& place : places) {
+        fs::remove(mark);
+        fs::copy_file(ProgramFolder() / "planted-module.dll", place / "control.dll");
+        FreeLibrary(LoadLibraryW(L"control.dll"));
+        EXPECT_TRUE(fs::exists(mark)) << "control: a bare name is found in " << place;
+        fs::remove(place / "control.dll");
+    }
+    fs::current_path(before);
+    SetEnvironmentVariableW(L"PATH", path);
+    SetEnvironmentVariableW(L"PLANTED_MARK", nullptr);
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+}
+
 TEST_F(HostProgramSession, TheHostSignsInOnARunningPlatformAndShowsLengthsOnly) {
     const Userauth run(L"--platform " + Wide(m_sandbox.m_http) + L" sign-in status");
     EXPECT_EQ(run.m_code, 0) << run.m_output << run.m_error;

@@ -1,0 +1,233 @@
+#include <EventAdminModule.h>
+#include <HttpLib.h>
+#include <Logger.h>
+#include <ParamStore.h>
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+#include <new>
+#include <thread>
+
+#include "FailingAllocations.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Answers every request, on kept connections, until the program ends; never stopped.
+int StartServer() {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof(address);
+    bind(listener, reinterpret_cast<sockaddr*>(&address), length);
+    listen(listener, 100);
+    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
+    std::thread([listener] {
+        for (;;) {
+            const int peer = accept(listener, nullptr, nullptr);
+            std::thread([peer] {
+                std::string received;
+                char block[4096];
+                for (ssize_t bytes = 0; (bytes = recv(peer, block, sizeof(block), 0)) > 0;) {
+                    received.append(block, static_cast<std::size_t>(bytes));
+                    if (received.find("\r\n\r\n") != std::string::npos) {
+                        received.clear();
+                        const std::string reply =
+                            "HTTP/1.1 200 OK\r\nContent-Length: 40\r\nX-A: b\r\n\r\n" + std::string(40, 'r');
+                        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
+                    }
+                }
+                close(peer);
+            }).detach();
+        }
+    }).detach();
+    return ntohs(address.sin_port);
+}
+
+const int g_port = StartServer();
+
+struct Row {
+    const char* name;
+    std::function<bool()> call;          // true: it says that it has done its work
+    std::function<std::string()> state;  // what a reader sees; "" where there is nothing to see
+    std::function<void()> restore = [] {};
+    bool throws = false;
+};
+
+class SuiteAllocations : public testing::Test {
+protected:
+    SuiteAllocations() { fs::create_directories(m_folder); }
+    ~SuiteAllocations() override {
+        Logger::Shutdown();
+        fs::remove_all(m_folder);
+    }
+
+    int Get(bool withHeaders) {
+        BasicHttpLibStrategy strategy;
+        strategy.SetUrl(L"http://127.0.0.1:" + std::to_wstring(g_port) + L"/a?query=long-enough-for-the-heap");
+        strategy.SetHeaders({{L"a-name", L"a value that is long enough for the heap"}});
+        strategy.SetLogFunction([](const std::wstring&) {});
+        std::string response;
+        std::map<std::string, std::string> headers;
+        const int code = withHeaders ? CurlHttpLibContext(&strategy).Request(response, headers)
+                                     : CurlHttpLibContext(&strategy).Request(response, 10);
+        const bool whole = response == std::string(40, 'r') && (!withHeaders || headers.size() == 2);
+        EXPECT_TRUE(whole ? code == 200 : code < 0 && response.empty()) << code << " " << response;
+        return code;
+    }
+
+    static int Findings() {
+        return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
+    }
+
+    void Try(const Row& row) {
+        const int found = Findings();
+        row.restore();
+        const std::string before = row.state();
+        EXPECT_TRUE(row.call()) << row.name << ", control";
+        const std::string after = row.state();
+        int failures = 0;
+        for (const bool lasting : {false, true}) {
+            int failed = 1;
+            for (int number = 0; failed > 0 && Findings() == found; ++number) {
+                SCOPED_TRACE(std::string(row.name) + ", allocation " + std::to_string(number) +
+                             (lasting ? " and all that follow" : ""));
+                row.restore();
+                bool done = false;
+                {
+                    const FailingAllocations failing(Allocator::kNew, number, lasting);
+                    try {
+                        done = row.call();
+                    } catch (const std::bad_alloc&) {
+                        EXPECT_TRUE(row.throws) << "an exception leaves it";
+                    }
+                    failed = failing.Failed();
+                }
+                failures += failed > 0 ? 1 : 0;
+                const std::string now = row.state();
+                EXPECT_TRUE(done ? now == after : now == before || now == after) << now;
+            }
+        }
+        std::printf("%-34s %5d failed allocations\n", row.name, failures);
+    }
+
+    const fs::path m_folder = fs::temp_directory_path() / ("suite-allocations-" + std::to_string(getpid()));
+};
+
+std::string Narrow(const std::wstring& text) {
+    return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+TEST_F(SuiteAllocations, MayFailInEveryCall) {
+    GlobalParamWrapper& store = *GlobalParamWrapper::GetInstance();
+    EventAdminModule& hub = *EventAdminModule::GetInstance();
+    const std::wstring value = L"a new value that takes memory of its own";
+    const std::wstring former = L"a former value that takes memory of its own";
+    const std::string configuration = R"({"portalUrl":"https://portal.example.com/a-long-path","countryCode":"TH",
+        "legacyItems":{"0":"an item that takes memory of its own"}})";
+    LoggerSettings settings;
+    settings.file = (m_folder / "client.log").wstring();
+    std::string error;
+    std::vector<EventAdminModule::SubscriptionId> subscribed;
+    int heard = 0;
+    const auto nothing = [] { return std::string(); };
+    const auto setter = [&](const char* name, void (GlobalParamWrapper::*set)(const std::wstring&),
+                            std::wstring (GlobalParamWrapper::*get)() const) {
+        return Row{name, [&store, &value, set] { return (store.*set)(value), true; },
+                   [&store, get] { return Narrow((store.*get)()); }, [&store, &former, set] { (store.*set)(former); },
+                   true};
+    };
+    const Row rows[] = {
+        setter("SetCurrentAt", &GlobalParamWrapper::SetCurrentAt, &GlobalParamWrapper::GetCurrentAt),
+        setter("SetCurrentRt", &GlobalParamWrapper::SetCurrentRt, &GlobalParamWrapper::GetCurrentRt),
+        setter("SetUserID", &GlobalParamWrapper::SetUserID, &GlobalParamWrapper::GetUserID),
+        setter("SetAppAT", &GlobalParamWrapper::SetAppAT, &GlobalParamWrapper::GetAppAT),
+        {"LoadConfigurationText", [&] { return store.LoadConfigurationText(configuration, error); },
+         [&] {
+             return Narrow(
+                 store.GetPortalUrl() + store.GetCountryCode() +
+                 ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken));
+         },
+         [&] { store.LoadConfigurationText(R"({"portalUrl":"https://p","countryCode":"","legacyItems":{}})", error); },
+         true},
+        {"LoadConfigurationText, refused",
+         [&] { return !store.LoadConfigurationText(R"({"portalUrl":"ftp://x"})", error); },
+         [&] { return Narrow(store.GetPortalUrl()); }, [] {}, true},
+        {"getters",
+         [&] { return !(store.GetPortalUrl() + store.GetSystemUUid() + store.GetAppDataLocalPath()).empty(); }, nothing,
+         [] {}, true},
+        {"Logger::Configure", [&] { return Logger::Configure(settings, error); }, nothing, [] { Logger::Shutdown(); }},
+        {"Logger::Configure, refused",
+         [&] {
+             LoggerSettings folder;
+             {
+                 const Uncounted uncounted;
+                 folder.file = m_folder.wstring();
+             }
+             return !Logger::Configure(folder, error);
+         },
+         nothing},
+        {"Logger::Output",
+         [&] {
+             std::wstring line;
+             {
+                 const Uncounted uncounted;
+                 Logger::Configure(settings, error);
+                 line = value + L" access_token=CANARY \\u0041";
+             }
+             static const std::string tag = "Class::Method, a long one";
+             return Logger::Output(1, kSeverityFailure, 1, tag, line, true), true;
+         },
+         nothing},
+        {"Logger::OutputOperationLog",
+         [&] {
+             static const std::map<std::wstring, std::wstring> extra = {{L"a long name of a value", value}};
+             return Logger::OutputOperationLog(1, 2, 3, extra), true;
+         },
+         nothing},
+        {"Logger::SetSecret",
+         [&] {
+             static const std::string name = "the long name of a secret of the test";
+             return Logger::SetSecret(name, value);
+         },
+         nothing, [] { Logger::SetSecret("the long name of a secret of the test", L""); }},
+        {"Logger::Flush", [] { return Logger::Flush(5000); }, nothing},
+        {"Logger::Shutdown", [] { return Logger::Shutdown(), true; }, nothing},
+        {"Subscribe",
+         [&] {
+             const auto id = hub.Subscribe(SuiteEvent::kSyncDriveKeyOk, [&heard](SuiteEvent) { ++heard; });
+             const Uncounted uncounted;
+             subscribed.assign(id == 0 ? 0 : 1, id);
+             return id != 0;
+         },
+         [&] { return heard = 0, hub.SyncDriveKeyOk(), std::to_string(heard); },
+         [&] {
+             for (const auto id : subscribed) {
+                 hub.Unsubscribe(id);
+             }
+             subscribed.clear();
+         }},
+        {"SyncDriveKeyOk", [&] { return hub.SyncDriveKeyOk(), true; }, nothing},
+        {"Request", [&] { return Get(false) == 200; }, nothing, [] {}, true},
+        {"Request with reply headers", [&] { return Get(true) == 200; }, nothing, [] {}, true},
+        {"SetDefaultCertPath", [&] { return CurlHttpLibContext::SetDefaultCertPath(value), true; }, nothing, [] {},
+         true},
+        {"SetExchangeObserver",
+         [&] { return CurlHttpLibContext::SetExchangeObserver([&heard](const HttpExchange&) { ++heard; }), true; },
+         nothing, [] {}, true},
+    };
+    Logger::Configure(settings, error);
+    for (const Row& row : rows) {
+        Try(row);
+    }
+    CurlHttpLibContext::SetExchangeObserver(nullptr);
+    EXPECT_EQ(Get(true), 200) << "after all that";
+}
