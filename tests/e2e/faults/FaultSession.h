@@ -1,0 +1,87 @@
+#pragma once
+
+#include <UserSyncKeyService.h>
+
+#include <atomic>
+#include <mutex>
+
+#include "AccountFields.h"
+#include "FaultRows.h"
+#include "KeyServerPeer.h"
+#include "PortraitWindow.h"
+#include "SandboxSession.h"
+
+// One operation that asks a server. In the texts "#" stands for a number that differs from row to row, "@" for true in
+// every second row and false else, "~" for the same as texts and "%" as 1 and 0, "<c>" for the code, "<o>" for another body. Fields are
+// written "name=value|name=value".
+struct FaultedOperation {
+    // kBasic: a POST of the basic service, which may answer 201 too.
+    enum class Form { kGet, kPost, kBasic, kDownload };
+
+    const char* name;
+    const char* endpoint;  // part of the request's first line
+    Form form;
+    std::string body;        // that the server is wanted to send
+    std::string changes;     // fields that such a reply changes
+    std::string line;        // of the log after a failure; empty: none but the HTTP library's own
+    bool showsCause = true;  // the log has the HTTP library's text of a transport error
+    std::function<bool()> run;
+    bool takesOther = false;     // a 200 with another body is a success
+    std::string otherChanges = {};    // fields that such a reply changes
+    std::string failureChanges = {};  // fields that a failure changes
+    bool comesSecond = false;    // another request goes before
+};
+
+// A service whose servers are one scripted server, with a state that every row finds alike.
+class FaultSession : public SandboxSession {
+protected:
+    FaultSession();
+    ~FaultSession() override;
+
+    std::vector<FaultedOperation> Operations();
+    // All that the operations fill.
+    Fields State();
+    // The row's fault on one request of the operation, then the same request without it. False when anything is not as
+    // it should be. The reply may be cut after so many bytes.
+    bool Survives(const FaultedOperation& operation, const Fault& fault, std::size_t cut = std::string::npos);
+    // A limit of texts is none of downloads, and a way that is broken fails the first request of an operation.
+    static bool IsMetBy(const FaultedOperation& operation, const Fault& fault) {
+        const bool isDownload = operation.form == FaultedOperation::Form::kDownload;
+        return !(isDownload && fault.downloadCode == 0) && !(operation.comesSecond && fault.IsOfTheWay());
+    }
+    // Size of the last reply with a fault when nothing of it is cut; an operation's replies have one size.
+    std::size_t ReplySize();
+
+private:
+    std::string Located(std::string text) const;
+    void Prepare(const FaultedOperation& operation, const std::string& base);
+    void Meet(const FaultedOperation& operation, const Fault& fault);
+    void Recover(const FaultedOperation& operation);
+    std::string Numbered(std::string text) const;
+    Fields Changed(Fields fields, const std::string& changes, const std::string& other = "") const;
+    std::string BodyFor(const FaultedOperation& operation) const;
+    std::string Filled(std::string reply, const std::string& body) const;
+    RawReply Answer(const std::string& request);
+
+    int m_number = 0;
+    int m_callbacks = 0;
+    std::atomic<int> m_code{0};  // of the last exchange
+    std::string m_text;          // of a download, or of the routing service
+    std::string m_link;          // of the portrait
+    std::string m_platform;
+    std::vector<DeviceTag> m_devices;
+    UserSyncKeyService m_keys;
+    const KeyServerPeer m_peer;
+    PortraitWindow m_window;
+    const std::vector<FaultedOperation> m_operations;
+
+    std::mutex m_lock;  // guards what the server's thread reads
+    const FaultedOperation* m_asked = nullptr;
+    const Fault* m_fault = nullptr;
+    std::size_t m_cut = std::string::npos;
+    std::size_t m_replySize = 0;
+    std::string m_temporaryKey;  // as the last request for a list carried it
+    const std::string m_nobody;
+    RawServer m_other;
+    RawServer m_server;
+};
