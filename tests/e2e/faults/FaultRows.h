@@ -23,8 +23,13 @@ struct Fault {
     Fault Brings(const std::string& body) const { return With(&Fault::other, std::optional<std::string>(body)); }
     Fault ForPosts(int of) const { return With(&Fault::postCode, of); }
     Fault ForDownloads(int of) const { return With(&Fault::downloadCode, of); }  // 0: they do not meet it
+    // Too long for the operations whose reply text has room for 40,959 bytes; only they meet it.
+    Fault ForShortTexts() const { return With(&Fault::isForShortTexts, true); }
     Fault At(const std::string& url) const { return With(&Fault::base, url); }
     Fault Through(const std::string& url) const { return With(&Fault::proxy, url); }
+
+    // To a platform of the scheme that only the server of the row, as the proxy, knows.
+    Fault By(const std::string& scheme) const { return At(scheme + "://platform.invalid").Through("<server>"); }
 
     // Not one server's reply, but the way to every server.
     bool IsOfTheWay() const { return base != "<server>" && (reply.bytes.empty() || base[4] == 's'); }
@@ -42,6 +47,7 @@ struct Fault {
     int postCode;
     int downloadCode;
     std::optional<std::string> other = {};
+    bool isForShortTexts = false;
     std::string base = "<server>";  // of the URLs that the operation asks
     std::string proxy = {};
 };
@@ -52,5 +58,5 @@ std::vector<Fault> FaultRows();
 // Good replies of which no part may count: one with a length; an interim one and then chunks under "deflate".
 std::vector<Fault> CutRows();
 
-// The reply up to each stage at which a server may fall silent.
+// The reply up to each stage at which a server may fall silent, and a head of which a byte comes now and then.
 std::vector<Fault> StallRows();

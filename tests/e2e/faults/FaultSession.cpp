@@ -55,6 +55,8 @@ std::string KeyList(const Bytes& temporaryKey, const std::string& uuid) {
 
 }  // namespace
 
+thread_local int FaultSession::t_code = 0;
+
 FaultSession::FaultSession()
     : m_operations(Operations()),
       m_nobody(BaseOf(RawServer(std::vector<RawReply>{{}}))),
@@ -65,7 +67,7 @@ FaultSession::FaultSession()
     EXPECT_TRUE(GlobalParamWrapper::GetInstance()->LoadConfigurationText(
         R"({"legacyItems":{"0":")" + LegacyItem("R" + kLegacyTimeStamp) + "\"}}", error))
         << error;
-    CurlHttpLibContext::SetExchangeObserver([this](const HttpExchange& exchange) { m_code = exchange.code; });
+    CurlHttpLibContext::SetExchangeObserver([this](const HttpExchange& exchange) { m_code = t_code = exchange.code; });
     m_service->SetAtExpireCallback([this] { ++m_callbacks; });
 }
 
@@ -80,7 +82,7 @@ std::vector<FaultedOperation> FaultSession::Operations() {
     const std::string refreshed = R"({"result":0,"token":"T#"})";
     const std::string refreshLine = "refresh AT error statusCode: <c>";
     const std::string noUser = "user id=|user name=|portrait URL=|account brand=";
-    const std::string portrait = "portrait path=" + Narrow((m_folder / "HeadPortrait").wstring());
+    const std::string portrait = "portrait path=its file";
     const auto refresh = [&s] { return s.GetAccessTokenByRefrshToken(); };
     const auto migrate = [&s] { return !s.GetOldVersionUserId().empty(); };
     return {
@@ -131,13 +133,15 @@ std::vector<FaultedOperation> FaultSession::Operations() {
          [this, &s] { return s.GetLoginDevicesHistory(m_devices); }, true},
         // Its outcome is in the log only.
         {"ReportLoginTime", "/postOpDesc", Form::kBasic, "{}", "", "ReportLoginTime httpcode:<c>", false,
-         [this, &s] { return s.ReportLoginTime("b"), m_code / 100 == 2; }, true},
+         [&s] { return s.ReportLoginTime("b"), t_code == 200 || t_code == 201; }, true},
         {"ExportContracts", "/contacts", Form::kDownload, "BEGIN:VCARD #", "text=BEGIN:VCARD #",
          "Error: ExportContracts failed!", false,
          [this, &s] {
              const std::filesystem::path file = m_folder / "contacts.vcf";
              const bool exported = s.ExportContracts(Wide(m_platform + "/contacts"), file.wstring(), {});
-             m_text = exported ? ReadFile(file) : m_text;
+             if (exported) {
+                 m_text = ReadFile(file);
+             }
              return exported;
          },
          true, "text=<o>"},
@@ -145,8 +149,10 @@ std::vector<FaultedOperation> FaultSession::Operations() {
         {"GetRtqRemoteInfo", "/routing", Form::kGet, "R#", "text=R#", "", false,
          [this, &s] {
              std::map<std::string, std::string> headers;
-             m_text = s.GetRtqRemoteInfo(Wide(m_platform + "/routing"), headers);
-             return m_code == 200;
+             const std::string text = s.GetRtqRemoteInfo(Wide(m_platform + "/routing"), headers);
+             const std::lock_guard<std::mutex> hold(m_lock);
+             m_text = text;
+             return t_code == 200;
          },
          true, "text=<o>", "text="},
         {"InitUserSyncKey, public key", "/publicKey", Form::kGet,
@@ -172,6 +178,9 @@ std::vector<FaultedOperation> FaultSession::Operations() {
 Fields FaultSession::State() {
     const st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     Fields state = AccountFields(*m_service);
+    if (state["portrait path"] == (m_folder / "HeadPortrait").wstring()) {
+        state["portrait path"] = L"its file";
+    }
     state["drive"] = state["modules"].empty() ? L"" : L"1";
     state["application token"] = GlobalParamWrapper::GetInstance()->GetAppAT();
     state["devices"] = m_devices.empty() ? L"" : m_devices.back().deviceId;

@@ -26,10 +26,10 @@ struct FaultedOperation {
     std::string line;        // of the log after a failure; empty: none but the HTTP library's own
     bool showsCause = true;  // the log has the HTTP library's text of a transport error
     std::function<bool()> run;
-    bool takesOther = false;     // a 200 with another body is a success
+    bool takesOther = false;          // a 200 with another body is a success
     std::string otherChanges = {};    // fields that such a reply changes
     std::string failureChanges = {};  // fields that a failure changes
-    bool comesSecond = false;    // another request goes before
+    bool comesSecond = false;         // another request goes before
 };
 
 // A service whose servers are one scripted server, with a state that every row finds alike.
@@ -47,12 +47,14 @@ protected:
     // A limit of texts is none of downloads, and a way that is broken fails the first request of an operation.
     static bool IsMetBy(const FaultedOperation& operation, const Fault& fault) {
         const bool isDownload = operation.form == FaultedOperation::Form::kDownload;
-        return !(isDownload && fault.downloadCode == 0) && !(operation.comesSecond && fault.IsOfTheWay());
+        const bool isShortText =
+            !isDownload && operation.form != FaultedOperation::Form::kBasic && operation.body[0] == '{';
+        return !(isDownload && fault.downloadCode == 0) && !(operation.comesSecond && fault.IsOfTheWay()) &&
+               (isShortText || !fault.isForShortTexts);
     }
     // Size of the last reply with a fault when nothing of it is cut; an operation's replies have one size.
     std::size_t ReplySize();
 
-private:
     std::string Located(std::string text) const;
     void Prepare(const FaultedOperation& operation, const std::string& base);
     void Meet(const FaultedOperation& operation, const Fault& fault);
@@ -65,9 +67,10 @@ private:
 
     int m_number = 0;
     int m_callbacks = 0;
-    std::atomic<int> m_code{0};  // of the last exchange
-    std::string m_text;          // of a download, or of the routing service
-    std::string m_link;          // of the portrait
+    std::atomic<int> m_code{0};      // of the last exchange
+    static thread_local int t_code;  // of the last one of this thread
+    std::string m_text;              // of a download, or of the routing service
+    std::string m_link;              // of the portrait
     std::string m_platform;
     std::vector<DeviceTag> m_devices;
     UserSyncKeyService m_keys;
