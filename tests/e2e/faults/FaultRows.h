@@ -6,33 +6,20 @@
 
 #include "RawServer.h"
 
-// One way in which a server, a proxy or the way to them fails. In a reply "<b>" stands for the body that the operation
-// wants, "<n>" for its length, "<x>" for the same in hexadecimal digits, "<d>" and "<m>" for the body under "deflate"
-// and its length, "<e>" and "<y>" for that but its first byte, and its length in hexadecimal digits. In URLs "<server>"
-// is the server of the row, "<other>" one that answers well, "<nobody>" a port where nobody listens.
+// One way in which a server, a proxy or the way to them fails an operation. In texts "|" is CRLF and, of the body that
+// the operation wants: "<b>" itself, "<n>" its length, "<l>" the header line of that, "<x>" the length in hexadecimal
+// digits, "<k>" it as a chunk; "<d>" and "<m>" the body under "deflate" and its length, "<e>" that without its first
+// byte, "<y>" the length of that in hexadecimal digits. "<ok>" is the status line of a 200, "<c>" the end of a head
+// before chunks. Of URLs "<server>" is the row's server, "<other>" one that answers well, "<nobody>" one that is gone.
 struct Fault {
-    Fault(std::string faultName, int exchangeCode, std::string replyBytes = "",
-          RawReply::Then afterwards = RawReply::Then::kKeep, std::string lastPart = "")
-        : name(std::move(faultName)),
-          code(exchangeCode),
-          reply{std::move(replyBytes), afterwards, std::move(lastPart)},
-          postCode(exchangeCode),
-          downloadCode(exchangeCode) {}
-
-    // A 200 that brings another body than the wanted one.
-    Fault Brings(const std::string& body) const { return With(&Fault::other, std::optional<std::string>(body)); }
-    Fault ForPosts(int of) const { return With(&Fault::postCode, of); }
-    Fault ForDownloads(int of) const { return With(&Fault::downloadCode, of); }  // 0: they do not meet it
-    // Too long for the operations whose reply text has room for 40,959 bytes; only they meet it.
-    Fault ForShortTexts() const { return With(&Fault::isForShortTexts, true); }
-    Fault At(const std::string& url) const { return With(&Fault::base, url); }
-    Fault Through(const std::string& url) const { return With(&Fault::proxy, url); }
-
-    // To a platform of the scheme that only the server of the row, as the proxy, knows.
-    Fault By(const std::string& scheme) const { return At(scheme + "://platform.invalid").Through("<server>"); }
-
-    // Not one server's reply, but the way to every server.
-    bool IsOfTheWay() const { return base != "<server>" && (reply.bytes.empty() || base[4] == 's'); }
+    Fault Brings(const char* body) const { return With(&Fault::other, std::optional<std::string>(body)); }
+    Fault ForPosts(int code) const { return With(&Fault::postCode, code); }
+    Fault ForDownloads(int code) const { return With(&Fault::downloadCode, code); }
+    Fault NotForDownloads() const { return With(&Fault::hasTextLimit, true); }
+    Fault At(const char* base, const char* by = "") const { return With(&Fault::url, base).With(&Fault::proxy, by); }
+    // To a platform that only the server of the row, as the proxy, knows.
+    Fault ToHttp() const { return At("http://platform.invalid", "<server>"); }
+    Fault ToHttps() const { return At("https://platform.invalid", "<server>"); }
 
     template <typename Member, typename Value>
     Fault With(Member member, const Value& value) const {
@@ -43,20 +30,21 @@ struct Fault {
 
     std::string name;
     int code;  // of the exchange: a status or a transport code
-    RawReply reply;
-    int postCode;
-    int downloadCode;
-    std::optional<std::string> other = {};
-    bool isForShortTexts = false;
-    std::string base = "<server>";  // of the URLs that the operation asks
+    std::string bytes = {};
+    RawReply::Then then = RawReply::Then::kKeep;
+    std::string last = {};
+    std::optional<std::string> other = {};  // body of a 200 that is not the wanted one
+    int postCode = 0;                       // 0: as the code
+    int downloadCode = 0;
+    bool hasTextLimit = false;  // of the 16 MiB of a text
+    bool hasRoomLimit = false;  // of the 40,959 bytes that most operations have room for
+    std::string url = "<server>";
     std::string proxy = {};
 };
 
 // All of them, the controls first.
 std::vector<Fault> FaultRows();
-
-// Good replies of which no part may count: one with a length; an interim one and then chunks under "deflate".
+// Good replies of which no part may count.
 std::vector<Fault> CutRows();
-
 // The reply up to each stage at which a server may fall silent, and a head of which a byte comes now and then.
 std::vector<Fault> StallRows();

@@ -11,12 +11,13 @@
 #include "PortraitWindow.h"
 #include "SandboxSession.h"
 
-// One operation that asks a server. In the texts "#" stands for a number that differs from row to row, "@" for true in
-// every second row and false else, "~" for the same as texts and "%" as 1 and 0, "<c>" for the code, "<o>" for another body. Fields are
-// written "name=value|name=value".
+// One operation that asks a server. In its texts "#" stands for a number that differs from row to row, "@" for true in
+// every second row and false else, "~" for the same as texts and "%" as 1 and 0, "<c>" for the code, "<o>" for another
+// body. Fields are written "name=value|name=value".
 struct FaultedOperation {
     // kBasic: a POST of the basic service, which may answer 201 too.
     enum class Form { kGet, kPost, kBasic, kDownload };
+    enum class Place { kOnly, kFirst, kSecond, kPortrait };
 
     const char* name;
     const char* endpoint;  // part of the request's first line
@@ -29,7 +30,7 @@ struct FaultedOperation {
     bool takesOther = false;          // a 200 with another body is a success
     std::string otherChanges = {};    // fields that such a reply changes
     std::string failureChanges = {};  // fields that a failure changes
-    bool comesSecond = false;         // another request goes before
+    Place place = Place::kOnly;       // of the request that meets the fault
 };
 
 // A service whose servers are one scripted server, with a state that every row finds alike.
@@ -44,25 +45,23 @@ protected:
     // The row's fault on one request of the operation, then the same request without it. False when anything is not as
     // it should be. The reply may be cut after so many bytes.
     bool Survives(const FaultedOperation& operation, const Fault& fault, std::size_t cut = std::string::npos);
-    // A limit of texts is none of downloads, and a way that is broken fails the first request of an operation.
-    static bool IsMetBy(const FaultedOperation& operation, const Fault& fault) {
-        const bool isDownload = operation.form == FaultedOperation::Form::kDownload;
-        const bool isShortText =
-            !isDownload && operation.form != FaultedOperation::Form::kBasic && operation.body[0] == '{';
-        return !(isDownload && fault.downloadCode == 0) && !(operation.comesSecond && fault.IsOfTheWay()) &&
-               (isShortText || !fault.isForShortTexts);
+    static bool IsMetBy(const FaultedOperation& operation, const Fault& fault);
+    RawReply SilentReply(const Fault& row) const {
+        return {Filled(row.bytes, "{wanted}"), row.then, Filled(row.last, "")};
     }
     // Size of the last reply with a fault when nothing of it is cut; an operation's replies have one size.
     std::size_t ReplySize();
 
+    bool Keep(const std::string& text);
     std::string Located(std::string text) const;
-    void Prepare(const FaultedOperation& operation, const std::string& base);
-    void Meet(const FaultedOperation& operation, const Fault& fault);
-    void Recover(const FaultedOperation& operation);
+    void Prepare(const FaultedOperation& operation, const Fault* fault, std::size_t cut = std::string::npos);
+    void Run(const FaultedOperation& operation, int code, bool succeeds, const std::string& changes,
+             const std::string& other = "");
     std::string Numbered(std::string text) const;
     Fields Changed(Fields fields, const std::string& changes, const std::string& other = "") const;
     std::string BodyFor(const FaultedOperation& operation) const;
-    std::string Filled(std::string reply, const std::string& body) const;
+    std::string Filled(std::string text, const std::string& body) const;
+    RawReply FaultyReply(const std::string& body);
     RawReply Answer(const std::string& request);
 
     int m_number = 0;
