@@ -48,15 +48,6 @@ std::string RawReplyBytes(const std::string& status, const std::string& headers,
            body;
 }
 
-std::vector<RawReply> CutAtEveryByte(const std::string& reply) {
-    std::vector<RawReply> script;
-    for (std::size_t size = 0; size < reply.size(); ++size) {
-        script.push_back({reply.substr(0, size), size % 2 == 0 ? RawReply::Then::kClose : RawReply::Then::kReset});
-    }
-    script.push_back({reply});
-    return script;
-}
-
 RawServer::RawServer(std::vector<RawReply> script) : RawServer(OneAfterTheOther(std::move(script))) {}
 
 RawServer::RawServer(Answer answer) : m_answer(std::move(answer)) {

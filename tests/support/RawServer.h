@@ -23,9 +23,6 @@ struct RawReply {
 // "HTTP/1.1 <status>", the header lines (each ending in CRLF), Content-Length and the body.
 std::string RawReplyBytes(const std::string& status, const std::string& headers, const std::string& body);
 
-// A script: the reply without its last bytes, from none of it to all but one, closed and reset in turn; then as it is.
-std::vector<RawReply> CutAtEveryByte(const std::string& reply);
-
 // A server on a free port of 127.0.0.1 that keeps what it receives, byte by byte.
 class RawServer {
 public:

@@ -2,6 +2,8 @@
 
 #include <HttpLib.h>
 
+#include <sstream>
+
 namespace {
 
 constexpr auto kClose = RawReply::Then::kClose;
@@ -27,20 +29,10 @@ std::string Repeated(const std::string& part, int count) {
     return text;
 }
 
-void AddStatuses(std::vector<Fault>& rows) {
-    for (const char* status :
-         {"201", "202", "203", "206", "226", "300", "301", "302", "303", "305", "306", "307", "308",
-          "400", "401", "402", "403", "404", "405", "406", "407", "408", "409", "410", "411", "412",
-          "413", "414", "415", "416", "417", "421", "422", "423", "425", "426", "428", "429", "431",
-          "451", "500", "501", "502", "503", "504", "505", "507", "508", "511", "599", "600", "999"}) {
-        const std::string line = std::string("HTTP/1.1 ") + status;
-        rows.push_back({std::string("status ") + status, std::stoi(status), line + " X|<l>|<b>"});
-    }
-    for (const char* status : {"204", "304"}) {
-        rows.push_back({std::string("status ") + status, std::stoi(status), std::string("HTTP/1.1 ") + status + "||"});
-    }
-    for (const char* status : {"000", "100", "101", "102", "103", "199"}) {
-        rows.push_back({std::string("status ") + status, kBroken, std::string("HTTP/1.1 ") + status + "||", kClose});
+void AddStatuses(std::vector<Fault>& rows, const std::string& statuses, const std::string& rest, int code = 0) {
+    std::istringstream list(statuses);
+    for (std::string status; list >> status;) {
+        rows.push_back({"status " + status, code != 0 ? code : std::stoi(status), "HTTP/1.1 " + status + rest, kClose});
     }
 }
 
@@ -190,7 +182,11 @@ std::vector<Fault> FaultRows() {
         Fault{"tunnel that ends at once", kHttpTlsFailed, "HTTP/1.1 200 OK||", kClose}.ToHttps(),
         Fault{"tunnel to no TLS", kHttpTlsFailed, "HTTP/1.1 200 OK||hello||", kClose}.ToHttps(),
     };
-    AddStatuses(rows);
+    AddStatuses(rows, "000 100 101 102 103 199", "||", kBroken);
+    AddStatuses(rows, "204 304", "||");
+    AddStatuses(rows, "201 202 203 206 226 300 301 302 303 305 306 307 308", " X|<l>|<b>");
+    AddStatuses(rows, "400 401 402 403 404 405 406 407 408 409 410 411 412 413 414 415 416 417", " X|<l>|<b>");
+    AddStatuses(rows, "421 422 423 425 426 428 429 431 451 500 501 502 503 504 505 507 511 599 999", " X|<l>|<b>");
     return rows;
 }
 

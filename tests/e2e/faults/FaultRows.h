@@ -13,8 +13,8 @@
 // before chunks. Of URLs "<server>" is the row's server, "<other>" one that answers well, "<nobody>" one that is gone.
 struct Fault {
     Fault Brings(const char* body) const { return With(&Fault::other, std::optional<std::string>(body)); }
-    Fault ForPosts(int code) const { return With(&Fault::postCode, code); }
-    Fault ForDownloads(int code) const { return With(&Fault::downloadCode, code); }
+    Fault ForPosts(int special) const { return With(&Fault::postCode, special); }
+    Fault ForDownloads(int special) const { return With(&Fault::downloadCode, special); }
     Fault NotForDownloads() const { return With(&Fault::hasTextLimit, true); }
     Fault At(const char* base, const char* by = "") const { return With(&Fault::url, base).With(&Fault::proxy, by); }
     // To a platform that only the server of the row, as the proxy, knows.

@@ -21,6 +21,14 @@ void Replace(std::string& text, const std::string& mark, const std::string& valu
     }
 }
 
+// A field that is empty is left out.
+void Set(Fields& fields, const std::string& name, const std::wstring& value) {
+    fields[name] = value;
+    if (value.empty() || value == L"0") {
+        fields.erase(name);
+    }
+}
+
 std::string Hexadecimal(std::size_t number) {
     std::ostringstream text;
     text << std::hex << number;
@@ -89,17 +97,20 @@ Fields FaultSession::State() {
     if (state["portrait path"] == (m_folder / "HeadPortrait").wstring()) {
         state["portrait path"] = L"its file";
     }
-    state["drive"] = state["modules"].empty() ? L"" : L"1";
-    state["application token"] = GlobalParamWrapper::GetInstance()->GetAppAT();
-    state["devices"] = m_devices.empty() ? L"" : m_devices.back().deviceId;
-    state["drive key"] = record.driveKeyUuid1;
-    state["photo key"] = record.photoKeyUuid3;
-    state["text"] = Wide(m_text);
-    state["callbacks"] = m_callbacks == 0 ? L"" : std::to_wstring(m_callbacks);
-    state.erase("modules");
-    for (auto field = state.begin(); field != state.end();) {
-        field = field->second.empty() ? state.erase(field) : std::next(field);
+    const std::pair<const char*, std::wstring> more[] = {
+        {"drive", state["modules"].empty() ? L"" : L"1"},
+        {"application token", GlobalParamWrapper::GetInstance()->GetAppAT()},
+        {"devices", m_devices.empty() ? L"" : m_devices.back().deviceId},
+        {"drive key", record.driveKeyUuid1},
+        {"photo key", record.photoKeyUuid3},
+        {"text", Wide(m_text)},
+        {"callbacks", m_callbacks == 0 ? L"" : std::to_wstring(m_callbacks)},
+        {"modules", L""},
+    };
+    for (const auto& [name, value] : more) {
+        Set(state, name, value);
     }
+    Set(state, "portrait path", state["portrait path"]);
     return state;
 }
 
@@ -214,10 +225,7 @@ Fields FaultSession::Changed(Fields fields, const std::string& changes, const st
         const std::size_t sign = part.find('=');
         std::string value = part.substr(sign + 1);
         Replace(value, "<o>", other);
-        fields[part.substr(0, sign)] = Wide(value);
-        if (value.empty() || value == "0") {
-            fields.erase(part.substr(0, sign));
-        }
+        Set(fields, part.substr(0, sign), Wide(value));
     }
     return fields;
 }
