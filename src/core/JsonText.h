@@ -25,6 +25,10 @@ bool ParseDocument(const std::string& text, Json::Value& value);
 // One line, no indentation, ending in a line feed, everything outside ASCII escaped: a request body.
 std::string WriteCompactLine(const Json::Value& value);
 
+// The value's toStyledString. What that writes on one line, a text or number without a comment, goes through the compact
+// writer, which gives the same bytes without the library's making a table of its settings first.
+std::string WriteStyledText(const Json::Value& value);
+
 // The layout of a configuration file: indented, short arrays on one line, ending in a line feed.
 std::string WriteStyledDocument(const Json::Value& value);
 

@@ -84,9 +84,8 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
 
 // Base64 of "6:<SDK text>:<application id>::<URL-encoded access token>"; 6 is this client's device type.
 std::string UserAuthService::GetAuthorizationContents() {
-    const std::wstring accessToken = userauth::UrlEncode(GetCurrentAT());
-    return userauth::EncodeStandardBase64(WideToMultiByte(userauth::kDeviceType, kAnsiCodePage) + ":" +
-                                          WideToMultiByte(m_strSdkDeviceId, kAnsiCodePage) + ":" +
-                                          WideToMultiByte(userauth::kApplicationId, kAnsiCodePage) +
-                                          "::" + WideToMultiByte(accessToken, kAnsiCodePage));
+    const std::wstring fields =
+        std::wstring(userauth::kDeviceType) + L":" + m_strSdkDeviceId + L":" + userauth::kApplicationId + L"::";
+    return userauth::EncodeStandardBase64(WideToMultiByte(fields, kAnsiCodePage) +
+                                          userauth::UrlEncodeToBytes(GetCurrentAT()));
 }

@@ -94,7 +94,7 @@ std::vector<Reply> Reply::Elements(const char* name) const {
 }
 
 std::string Reply::StyledText(const char* name) const {
-    return Find(name).toStyledString();
+    return WriteStyledText(Find(name));
 }
 
 const Json::Value& Reply::Find(const char* name) const {
