@@ -1,93 +1,100 @@
 #include "core/Base64.h"
 
-#include <openssl/bio.h>
 #include <openssl/evp.h>
 
 #include <algorithm>
-#include <memory>
-#include <new>
+#include <array>
 #include <string_view>
 
 namespace userauth {
 namespace {
 
 constexpr std::string_view kStandardAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr std::string_view kUrlAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 
-constexpr int kBytesOfGroup = 3;
-constexpr int kCharactersOfGroup = 4;
-constexpr unsigned kSixBits = 0x3F;
+constexpr std::size_t kBytesOfGroup = 3;
+constexpr std::size_t kCharactersOfGroup = 4;
+constexpr unsigned kForeign = 0x80;  // in the table: no letter of the alphabet
 
-// Appends the first bytes of a group, which lies in the low 24 bits.
-void AppendBytes(std::string& out, unsigned group, int count) {
-    for (int index = 0; index < count; ++index) {
-        out += static_cast<char>((group >> (16 - 8 * index)) & 0xFFU);
+using ValueTable = std::array<unsigned char, 256>;
+
+constexpr ValueTable MakeValues() {
+    ValueTable values{};
+    for (unsigned char& value : values) {
+        value = kForeign;
     }
+    for (std::size_t at = 0; at < kStandardAlphabet.size(); ++at) {
+        values[static_cast<unsigned char>(kStandardAlphabet[at])] = static_cast<unsigned char>(at);
+    }
+    return values;
+}
+constexpr ValueTable kValues = MakeValues();
+
+unsigned ValueOf(char character) {
+    return kValues[static_cast<unsigned char>(character)];
 }
 
-struct BioChainRelease {
-    void operator()(BIO* chain) const { BIO_free_all(chain); }
-};
+// Writes the first bytes of a group, which lies in the low 24 bits; returns the position behind them.
+char* WriteBytes(char* out, unsigned group, std::size_t count) {
+    for (unsigned shift = 16; count > 0; --count, shift -= 8) {
+        *out++ = static_cast<char>((group >> shift) & 0xFFU);
+    }
+    return out;
+}
+
+// What begins at a whole group's place but is cut by the text's end or by a foreign character. n characters give n - 1
+// bytes.
+char* WriteLastGroup(char* out, std::string_view rest) {
+    unsigned group = 0;
+    std::size_t characters = 0;
+    for (; characters < rest.size() && ValueOf(rest[characters]) != kForeign; ++characters) {
+        group |= ValueOf(rest[characters]) << (18 - 6 * characters);
+    }
+    return WriteBytes(out, group, characters > 0 ? characters - 1 : 0);
+}
+
+std::string Encode(const unsigned char* bytes, std::size_t length) {
+    std::string text((length + kBytesOfGroup - 1) / kBytesOfGroup * kCharactersOfGroup, '\0');
+    // Writes a zero behind the text, where the string has its own.
+    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), bytes, static_cast<int>(length));
+    return text;
+}
 
 }  // namespace
 
 std::string EncodeStandardBase64(const std::string& bytes) {
-    if (bytes.empty()) {
-        return {};
-    }
-    const std::unique_ptr<BIO, BioChainRelease> filter(BIO_new(BIO_f_base64()));
-    BIO* const sink = BIO_new(BIO_s_mem());
-    if (filter == nullptr || sink == nullptr) {
-        BIO_free(sink);
-        throw std::bad_alloc();
-    }
-    BIO_set_flags(filter.get(), BIO_FLAGS_BASE64_NO_NL);
-    BIO_push(filter.get(), sink);
-    const int size = static_cast<int>(bytes.size());
-    if (BIO_write(filter.get(), bytes.data(), size) != size || BIO_flush(filter.get()) != 1) {
-        throw std::bad_alloc();
-    }
-    char* encoded = nullptr;
-    const long length = BIO_get_mem_data(sink, &encoded);
-    return std::string(encoded, static_cast<std::size_t>(length));
+    return Encode(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
 std::string Base64UrlEncode(const unsigned char* bytes, std::int32_t length) {
-    std::string text;
-    while (length > 0) {
-        const int present = std::min<std::int32_t>(kBytesOfGroup, length);
-        unsigned group = 0;
-        for (int index = 0; index < kBytesOfGroup; ++index) {
-            group = (group << 8) | (index < present ? bytes[index] : 0U);
-        }
-        for (int index = 0; index < kCharactersOfGroup; ++index) {
-            text += index <= present ? kUrlAlphabet[(group >> (18 - 6 * index)) & kSixBits] : '=';
-        }
-        bytes += present;
-        length -= present;
+    if (length <= 0) {
+        return {};
+    }
+    std::string text = Encode(bytes, static_cast<std::size_t>(length));
+    for (char& character : text) {
+        character = character == '+' ? '-' : character == '/' ? '_' : character;
     }
     return text;
 }
 
 std::string Base64Decode(const std::string& text) {
-    std::string bytes;
-    unsigned group = 0;
-    int characters = 0;
-    for (const char character : text) {
-        const std::size_t value = kStandardAlphabet.find(character);
-        if (value == std::string_view::npos) {
+    std::string bytes((text.size() / kCharactersOfGroup + 1) * kBytesOfGroup, '\0');
+    char* out = bytes.data();
+    std::size_t at = 0;
+    for (; at + kCharactersOfGroup <= text.size(); at += kCharactersOfGroup, out += kBytesOfGroup) {
+        const unsigned first = ValueOf(text[at]);
+        const unsigned second = ValueOf(text[at + 1]);
+        const unsigned third = ValueOf(text[at + 2]);
+        const unsigned fourth = ValueOf(text[at + 3]);
+        if (((first | second | third | fourth) & kForeign) != 0) {
             break;
         }
-        group = (group << 6) | static_cast<unsigned>(value);
-        if (++characters == kCharactersOfGroup) {
-            AppendBytes(bytes, group, kBytesOfGroup);
-            group = 0;
-            characters = 0;
-        }
+        const unsigned group = (first << 18) | (second << 12) | (third << 6) | fourth;
+        out[0] = static_cast<char>(group >> 16);
+        out[1] = static_cast<char>((group >> 8) & 0xFFU);
+        out[2] = static_cast<char>(group & 0xFFU);
     }
-    if (characters > 0) {
-        AppendBytes(bytes, group << (6 * (kCharactersOfGroup - characters)), characters - 1);
-    }
+    out = WriteLastGroup(out, std::string_view(text).substr(at, kCharactersOfGroup));
+    bytes.resize(static_cast<std::size_t>(out - bytes.data()));
     return bytes;
 }
 

@@ -1,6 +1,7 @@
 #include "core/BoundedFormat.h"
 
 #include <cstdio>
+#include <cstring>
 #include <cwchar>
 
 #include "core/InvalidParameter.h"
@@ -42,6 +43,20 @@ int FormatString(char* buffer, std::size_t bytes, const char* format, ...) {
     const int length = std::vsnprintf(buffer, bytes, format, arguments);
     va_end(arguments);
     return Finish(buffer, bytes, length);
+}
+
+int CopyString(char* buffer, std::size_t bytes, const char* text) {
+    if (!Accepts(buffer, bytes, text)) {
+        return -1;
+    }
+    const std::size_t length = std::strlen(text);
+    if (length < bytes) {
+        std::memcpy(buffer, text, length + 1);
+        return static_cast<int>(length);
+    }
+    buffer[0] = '\0';
+    RaiseInvalidParameter();
+    return -1;
 }
 
 int FormatWide(wchar_t (&buffer)[kWideFormatCapacity], const wchar_t* format, ...) {

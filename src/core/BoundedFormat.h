@@ -22,6 +22,9 @@ inline constexpr std::size_t kWideFormatCapacity = 256;
 int FormatString(char* buffer, std::size_t bytes, const char* format, ...) USERAUTH_PRINTF_LIKE;
 int FormatWide(wchar_t (&buffer)[kWideFormatCapacity], const wchar_t* format, ...);
 
+// What FormatString does with "%s", without a formatter's cost; the text's length must fit an int.
+int CopyString(char* buffer, std::size_t bytes, const char* text);
+
 // The wide form for a buffer of any capacity, in characters.
 int FormatWideBounded(wchar_t* buffer, std::size_t capacity, const wchar_t* format, std::va_list arguments);
 

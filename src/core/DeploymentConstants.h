@@ -20,8 +20,8 @@ inline constexpr wchar_t kAccountTestHost[] = L"account-test.example.com";
 #define USERAUTH_SCOPE_HOST "https://www.example.com"
 
 // What this client calls itself towards the account servers.
-inline constexpr char kProductTag[] = "NimbaPC";
-inline constexpr char kClientVersion[] = "11.2.4.301";
+inline constexpr wchar_t kProductTag[] = L"NimbaPC";
+inline constexpr wchar_t kClientVersion[] = L"11.2.4.301";
 inline constexpr char kPackageName[] = "com.zorvan.cloud.pc";
 inline constexpr wchar_t kDeviceType[] = L"6";
 inline constexpr wchar_t kTerminal[] = L"PC";

@@ -37,14 +37,42 @@ std::size_t BehindComment(const std::string& text, std::size_t slash) {
     return end == std::string::npos ? text.size() : end + (block ? 2 : 1);
 }
 
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+// Whether more digits stand in a row anywhere, strings included. A run that is longer than the step between two looks is
+// met by one of them, so that hardly any text is read twice.
+bool HasLongDigitRun(const std::string& text) {
+    constexpr std::size_t kStep = kLongestDigitRun;
+    for (std::size_t at = kStep; at < text.size(); at += kStep) {
+        if (!IsDigit(text[at])) {
+            continue;
+        }
+        std::size_t begin = at;
+        std::size_t end = at + 1;
+        for (; begin > 0 && IsDigit(text[begin - 1]); --begin) {
+        }
+        for (; end < text.size() && IsDigit(text[end]); ++end) {
+        }
+        if (end - begin > kStep) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // The C runtime reads a number of n digits in n * n steps: a megabyte of digits takes minutes. Digits within strings
 // and comments are not converted and do not count. Strings and comments are found as both readers find them, up to the
 // first error in the text; behind an error no number is converted.
 bool HasEndlessNumber(const std::string& text) {
+    if (!HasLongDigitRun(text)) {
+        return false;
+    }
     int digits = 0;
     for (std::size_t at = 0; at < text.size();) {
         const char character = text[at];
-        digits = character >= '0' && character <= '9' ? digits + 1 : 0;
+        digits = IsDigit(character) ? digits + 1 : 0;
         if (digits > kLongestDigitRun) {
             return true;
         }
@@ -71,7 +99,10 @@ bool Parse(const std::string& text, const Read& read) {
 
 bool ParseByDefaultRules(const std::string& text, Json::Value& value) {
     return Parse(text, [&value](const char* begin, const char* end) {
-        const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+        // One for the process, never destroyed: its settings are a JSON value that takes longer to make than a short
+        // reply to read. Readers are made from it on any thread; it does not change.
+        static const auto* const builder = new Json::CharReaderBuilder;
+        const std::unique_ptr<Json::CharReader> reader(builder->newCharReader());
         return reader->parse(begin, end, &value, nullptr);
     });
 }
@@ -100,6 +131,11 @@ std::string WriteBy(const Json::StreamWriterBuilder& rules, const Json::Value& v
 }
 
 std::string WriteStyledText(const Json::Value& value) {
+    const bool hasComment = value.hasComment(Json::commentBefore) ||
+                            value.hasComment(Json::commentAfterOnSameLine) || value.hasComment(Json::commentAfter);
+    if (!value.isArray() && !value.isObject() && !hasComment) {
+        return WriteCompactLine(value);
+    }
     const char* const front = value.hasComment(Json::commentBefore) ? "\n" : "";
     return front + WriteBy(Json::StreamWriterBuilder(), value) + "\n";
 }

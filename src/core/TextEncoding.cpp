@@ -60,10 +60,12 @@ std::string WideToMultiByte(const std::wstring& wide, unsigned codePage) {
     return text;
 }
 
-std::wstring UrlEncode(const std::wstring& text) {
+std::string UrlEncodeToBytes(const std::wstring& text) {
     constexpr char kHexadecimal[] = "0123456789ABCDEF";
+    const std::string bytes = WideToMultiByte(text, kAnsiCodePage);
     std::string encoded;
-    for (const char character : WideToMultiByte(text, kAnsiCodePage)) {
+    encoded.reserve(bytes.size());
+    for (const char character : bytes) {
         const auto byte = static_cast<unsigned char>(character);
         if (IsUnreserved(byte)) {
             encoded += character;
@@ -75,7 +77,12 @@ std::wstring UrlEncode(const std::wstring& text) {
             encoded += kHexadecimal[byte & 0x0F];
         }
     }
-    return MultiByteToWide(encoded, kAnsiCodePage);
+    return encoded;
+}
+
+std::wstring UrlEncode(const std::wstring& text) {
+    const std::string encoded = UrlEncodeToBytes(text);
+    return std::wstring(encoded.begin(), encoded.end());  // ASCII, which is the same in every code page
 }
 
 }  // namespace userauth

@@ -22,5 +22,6 @@ std::string WideToMultiByte(const std::wstring& wide, unsigned codePage);
 // page: ASCII letters, digits and "-_.~" stay, a blank becomes "+", any other byte "%" and two upper-case hexadecimal
 // digits.
 std::wstring UrlEncode(const std::wstring& text);
+std::string UrlEncodeToBytes(const std::wstring& text);
 
 }  // namespace userauth

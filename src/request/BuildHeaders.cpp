@@ -11,7 +11,6 @@ namespace {
 
 using HeaderMap = std::map<std::wstring, std::wstring>;
 using userauth::kAnsiCodePage;
-using userauth::kUtf8CodePage;
 using userauth::MultiByteToWide;
 using userauth::WideToMultiByte;
 
@@ -21,10 +20,9 @@ constexpr wchar_t kJson[] = L"application/json";
 HeaderMap CommonHeaders(const std::wstring& traceId) {
     const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
     HeaderMap headers;
-    headers.emplace(L"User-Agent", MultiByteToWide(std::string(userauth::kProductTag) + "/" + userauth::kClientVersion,
-                                                   kUtf8CodePage));
+    headers.emplace(L"User-Agent", std::wstring(userauth::kProductTag) + L"/" + userauth::kClientVersion);
     headers.emplace(L"x-zv-trace-id", traceId);
-    headers.emplace(L"x-zv-source-agent", MultiByteToWide(userauth::kProductTag, kUtf8CodePage));
+    headers.emplace(L"x-zv-source-agent", userauth::kProductTag);
     headers.emplace(L"Accept-Language", L"zh-CN");
     headers.emplace(L"x-zv-device-id", store->GetSystemUUid());
     headers.emplace(L"x-zv-deviceUUID", store->GetSystemUUid());
@@ -45,8 +43,10 @@ HeaderMap CommonHeaders(const std::wstring& traceId) {
 // then, and nothing is sent with half its headers.
 std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type, const std::wstring& traceId) {
     HeaderMap headers = CommonHeaders(traceId);
-    const auto authorization = [this] { return MultiByteToWide(GetAuthorizationContents(), kAnsiCodePage); };
-    const auto version = [] { return MultiByteToWide(userauth::kClientVersion, kUtf8CodePage); };
+    const auto authorization = [this] {
+        const std::string contents = GetAuthorizationContents();
+        return std::wstring(contents.begin(), contents.end());  // ASCII, which is the same in every code page
+    };
     switch (type) {
         case HeadType::kAccount:
             headers.emplace(L"Authorization", authorization());
@@ -55,13 +55,13 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
         case HeadType::kUser:
             headers.emplace(L"userId", GetCurrentUserID());
             headers.emplace(L"Authorization", authorization());
-            headers.emplace(L"version", version());
+            headers.emplace(L"version", userauth::kClientVersion);
             headers.emplace(L"x-zv-device-category", L"PC");
             break;
         case HeadType::kDevice:
             headers.emplace(L"userId", GetCurrentUserID());
             headers.emplace(L"Authorization", authorization());
-            headers.emplace(L"version", version());
+            headers.emplace(L"version", userauth::kClientVersion);
             headers.emplace(L"Content-Type", kJson);
             headers.emplace(L"x-zv-os", userauth::OsVersionText());
             headers.emplace(L"AuthType",
@@ -84,9 +84,8 @@ std::map<std::wstring, std::wstring> UserAuthService::BuildHeaders(HeadType type
 
 // Base64 of "6:<SDK text>:<application id>::<URL-encoded access token>"; 6 is this client's device type.
 std::string UserAuthService::GetAuthorizationContents() {
-    const std::wstring accessToken = userauth::UrlEncode(GetCurrentAT());
-    return userauth::EncodeStandardBase64(WideToMultiByte(userauth::kDeviceType, kAnsiCodePage) + ":" +
-                                          WideToMultiByte(m_strSdkDeviceId, kAnsiCodePage) + ":" +
-                                          WideToMultiByte(userauth::kApplicationId, kAnsiCodePage) +
-                                          "::" + WideToMultiByte(accessToken, kAnsiCodePage));
+    const std::wstring fields =
+        std::wstring(userauth::kDeviceType) + L":" + m_strSdkDeviceId + L":" + userauth::kApplicationId + L"::";
+    return userauth::EncodeStandardBase64(WideToMultiByte(fields, kAnsiCodePage) +
+                                          userauth::UrlEncodeToBytes(GetCurrentAT()));
 }

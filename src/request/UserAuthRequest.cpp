@@ -1,5 +1,7 @@
 #include "request/UserAuthRequest.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "core/BoundedFormat.h"
@@ -21,16 +23,19 @@ constexpr char kDownloadLogHook[] = "UserAuthRequest::SendDownRequest::<lambda_1
 // place".
 template <typename Exchange>
 void FillResult(WebRequestResult& result, Exchange&& exchange) {
-    WebRequestResult record;
+    std::int32_t code = 0;
+    int length = 0;
     try {
         std::string response;
-        record.nHttpCode = exchange(response);
-        FormatString(record.szResponse, WebRequestResult::kResponseBytes, "%s", response.c_str());
+        code = exchange(response);
+        length = CopyString(result.szResponse, WebRequestResult::kResponseBytes, response.c_str());
     } catch (...) {
-        record.nHttpCode = 0;
-        record.szResponse[0] = '\0';
+        code = 0;
+        length = 0;
     }
-    result = record;
+    result.nHttpCode = code;
+    // The rest of the record is zero, whatever the caller had in it.
+    std::fill(result.szResponse + std::max(length, 0), std::end(result.szResponse), '\0');
 }
 
 }  // namespace

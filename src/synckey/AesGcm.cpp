@@ -11,13 +11,36 @@ namespace {
 constexpr int kNonceLength = static_cast<int>(kGcmNonceBytes);
 constexpr int kTagLength = static_cast<int>(kGcmTagBytes);
 
+#if OPENSSL_VERSION_NUMBER >= 0x30000000L
+// Since this version the functions with a cipher's name stand for a search on every use.
+EVP_CIPHER* FetchAes128() {
+    return EVP_CIPHER_fetch(nullptr, "AES-128-GCM", nullptr);
+}
+EVP_CIPHER* FetchAes256() {
+    return EVP_CIPHER_fetch(nullptr, "AES-256-GCM", nullptr);
+}
+const EVP_CIPHER* Aes128Gcm() {
+    return KeptForProcess<FetchAes128, EVP_CIPHER_free>();
+}
+const EVP_CIPHER* Aes256Gcm() {
+    return KeptForProcess<FetchAes256, EVP_CIPHER_free>();
+}
+#else
+const EVP_CIPHER* Aes128Gcm() {
+    return EVP_aes_128_gcm();
+}
+const EVP_CIPHER* Aes256Gcm() {
+    return EVP_aes_256_gcm();
+}
+#endif
+
 // Null for a key length that selects no cipher.
 const EVP_CIPHER* CipherFor(const std::vector<unsigned char>& key) {
     switch (key.size()) {
         case kShortKeyBytes:
-            return EVP_aes_128_gcm();
+            return Aes128Gcm();
         case kLongKeyBytes:
-            return EVP_aes_256_gcm();
+            return Aes256Gcm();
         default:
             return nullptr;
     }

@@ -5,11 +5,24 @@
 #include <openssl/obj_mac.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace userauth {
 namespace {
 
 constexpr unsigned char kUncompressed = 0x04;
+
+EC_GROUP* MakeCurve() {
+    return EC_GROUP_new_by_curve_name(NID_X9_62_prime256v1);
+}
+
+// A key on the curve, without numbers yet; null when there is no memory. Making the curve takes longer than a key on it.
+OwnedEcKey NewKey() {
+    const EC_GROUP* const curve = KeptForProcess<MakeCurve, EC_GROUP_free>();
+    OwnedEcKey key(EC_KEY_new());
+    const bool isOnCurve = curve != nullptr && key != nullptr && EC_KEY_set_group(key.get(), curve) == 1;
+    return isOnCurve ? std::move(key) : nullptr;
+}
 
 void WriteClientPoint(const EC_KEY& own, UncompressedPoint& point) {
     EC_POINT_point2oct(EC_KEY_get0_group(&own), EC_KEY_get0_public_key(&own), POINT_CONVERSION_UNCOMPRESSED,
@@ -32,7 +45,7 @@ UncompressedPoint PointOfPublicKey(const std::string& publicKey) {
 }
 
 void AgreeByFreshKey(const UncompressedPoint& peer, KeyAgreement& agreement) {
-    const OwnedEcKey own(EC_KEY_new_by_curve_name(NID_X9_62_prime256v1));
+    const OwnedEcKey own = NewKey();
     if (own == nullptr || EC_KEY_generate_key(own.get()) != 1) {
         return;
     }

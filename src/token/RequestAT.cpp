@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <utility>
 
 #include "UserAuthService.h"
 #include "core/AccountStateHold.h"
@@ -26,13 +27,13 @@ constexpr char kTag[] = "UserAuthService::RequestAT";
 // Business event of the code exchange: basic event, operation, action.
 constexpr int kEventRequestAT[] = {250, 5, 0};
 
-userauth::WebRequestResult SendCode(const std::wstring& url, const std::map<std::wstring, std::wstring>& headers,
+userauth::WebRequestResult SendCode(const std::wstring& url, std::map<std::wstring, std::wstring> headers,
                                     const char* authorizationCode, const std::wstring& traceId) {
     Json::Value body(Json::objectValue);
     body["authorizationCode"] = authorizationCode == nullptr ? "" : authorizationCode;
     body["traceId"] = WideToMultiByte(traceId, kAnsiCodePage);
     userauth::UserAuthRequest request;
-    request.SetPostRequest(url, headers, userauth::JsonData(body));
+    request.SetPostRequest(url, std::move(headers), userauth::JsonData(std::move(body)));
     userauth::WebRequestResult result;
     request.SendWebRequest(result);
     return result;
@@ -128,10 +129,10 @@ void LogSummary(const std::wstring& url, int httpCode, AccountStateLock& lock, c
 // The first argument is not used: kept as it is. The second one goes to the server.
 bool UserAuthService::RequestAT(std::string /*code*/, const char* authorizationCode) try {
     const std::wstring traceId = GetTraceID(BaseCmd::kRequestAccessToken);
-    const std::map<std::wstring, std::wstring> headers = BuildHeaders(HeadType::kCodeExchange, traceId);
+    std::map<std::wstring, std::wstring> headers = BuildHeaders(HeadType::kCodeExchange, traceId);
     const std::wstring url =
         GlobalParamWrapper::GetInstance()->GetPortalUrl() + L"/pcclient/getAccessTokenByCode?traceId=" + traceId;
-    const userauth::WebRequestResult result = SendCode(url, headers, authorizationCode, traceId);
+    const userauth::WebRequestResult result = SendCode(url, std::move(headers), authorizationCode, traceId);
 
     // The line names another operation than this one. Kept as it is.
     WriteLog(kSeverityProgress, __LINE__, kTag, L"RequestCountryCode httpcode:" + std::to_wstring(result.nHttpCode));

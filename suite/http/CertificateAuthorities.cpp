@@ -1,5 +1,9 @@
 #include "CertificateAuthorities.h"
 
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
 #include <filesystem>
 #include <fstream>
 #include <mutex>
@@ -17,12 +21,34 @@ constexpr std::uintmax_t kMaxPemBytes = 8'000'000;  // libcurl takes no more
 struct FileStamp {
     std::wstring path;
     std::uintmax_t size = 0;
-    fs::file_time_type written;
+    std::int64_t written = 0;  // in the system's own units
 
     bool operator==(const FileStamp& other) const {
         return path == other.path && size == other.size && written == other.written;
     }
 };
+
+// Looks at the file; false when that is not possible. Every request does it, so the system is asked once.
+bool Look(FileStamp& stamp) {
+#if defined(_WIN32)
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(stamp.path.c_str(), GetFileExInfoStandard, &data) ||
+        (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        return false;
+    }
+    const auto joined = [](DWORD high, DWORD low) { return static_cast<std::uint64_t>(high) << 32 | low; };
+    stamp.size = joined(data.nFileSizeHigh, data.nFileSizeLow);
+    stamp.written =
+        static_cast<std::int64_t>(joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime));
+    return true;
+#else
+    std::error_code sizeError;
+    std::error_code timeError;
+    stamp.size = fs::file_size(stamp.path, sizeError);
+    stamp.written = fs::last_write_time(stamp.path, timeError).time_since_epoch().count();
+    return !sizeError && !timeError;
+#endif
+}
 
 struct Authorities {
     std::mutex lock;
@@ -61,19 +87,16 @@ void SetDefaultAuthoritiesPath(const std::wstring& path) {
 }
 
 std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath) {
-    FileStamp stamp{ownPath, 0, {}};
+    FileStamp stamp{ownPath, 0, 0};
     if (stamp.path.empty()) {
         const std::lock_guard<std::mutex> hold(Shared().lock);
         stamp.path = Shared().defaultPath;
     }
     if (stamp.path.empty()) {
-        return std::make_shared<const AuthoritiesPem>();
+        static const auto none = std::make_shared<const AuthoritiesPem>();
+        return none;
     }
-    std::error_code sizeError;
-    std::error_code timeError;
-    stamp.size = fs::file_size(stamp.path, sizeError);
-    stamp.written = fs::last_write_time(stamp.path, timeError);
-    if (sizeError || timeError) {
+    if (!Look(stamp)) {
         return nullptr;
     }
     {

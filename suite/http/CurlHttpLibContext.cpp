@@ -36,14 +36,8 @@ void DropExceptions(Call call) {
     }
 }
 
-// Empty parts for a URL that is refused.
-UrlParts PartsOf(const std::wstring& url) {
-    const std::optional<std::string> escaped = EscapeUrl(suite::Utf8FromWide(url));
-    return (escaped ? ParseUrl(*escaped) : std::nullopt).value_or(UrlParts());
-}
-
-ExchangeOutcome Attempt(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sink) {
-    auto checked = CheckRequest(strategy);
+ExchangeOutcome Attempt(const IHttpLibStrategy& strategy, const GivenUrl& url, int timeoutSeconds, ReplySink& sink) {
+    auto checked = CheckRequest(strategy, url);
     if (const auto* refusal = std::get_if<std::string>(&checked)) {
         return {kHttpInvalidRequest, *refusal};
     }
@@ -84,14 +78,15 @@ void Observe(const HttpExchange& exchange) {
 
 int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sink) {
     const auto start = std::chrono::steady_clock::now();
-    const UrlParts url = PartsOf(strategy.Url());
+    const GivenUrl url = ReadUrl(suite::Utf8FromWide(strategy.Url()));
+    const UrlParts parts = url.parts.value_or(UrlParts());  // empty for a URL that is refused
     HttpExchange exchange;
     exchange.method = strategy.Method() == HttpRequestMethod::kPost ? L"POST" : L"GET";
-    exchange.url = suite::WideFromUtf8(url.display);
+    exchange.url = suite::WideFromUtf8(parts.display);
     DropExceptions([&] { strategy.Log(L"HTTP: " + exchange.method + L" " + exchange.url + L" started"); });
     ExchangeOutcome outcome;
     try {
-        outcome = Attempt(strategy, timeoutSeconds, sink);
+        outcome = Attempt(strategy, url, timeoutSeconds, sink);
     } catch (const std::exception& error) {
         outcome = {kHttpInternalError, error.what()};
     }
@@ -99,7 +94,7 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
     exchange.connectionReused = outcome.connectionReused;
     exchange.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     if (outcome.code < 0) {
-        const std::string& host = outcome.host.empty() ? url.authority : outcome.host;
+        const std::string& host = outcome.host.empty() ? parts.authority : outcome.host;
         DropExceptions([&] { strategy.LogError(FailureText(exchange, host, outcome.cause)); });
     }
     DropExceptions([&] { strategy.Log(FinishText(exchange)); });

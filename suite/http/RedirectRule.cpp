@@ -42,18 +42,19 @@ bool IsRedirectStatus(long status) {
 std::variant<CheckedRequest, std::string> FollowRedirect(const CheckedRequest& request, long status,
                                                          const std::string& location) {
     const std::optional<std::string> target = ResolveReference(request.url, location);
-    const std::optional<UrlParts> from = ParseUrl(request.url);
+    const UrlParts& from = request.parts;
     const std::optional<UrlParts> to = target ? ParseUrl(*target) : std::nullopt;
-    if (!from || !to) {
+    if (!to) {
         return "redirect to something that is not an http or https URL";
     }
-    if (from->scheme == "https" && to->scheme == "http") {
+    if (from.scheme == "https" && to->scheme == "http") {
         return "redirect from https to http";
     }
     CheckedRequest next = request;
     next.url = *target;
+    next.parts = *to;
     ChangeMethod(next, status);
-    if (!SameParty(*from, *to)) {
+    if (!SameParty(from, *to)) {
         if (!next.body.empty()) {
             return "redirect of a request body to another host";
         }

@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "HeaderText.h"
-#include "UrlText.h"
 #include "Utf8Text.h"
 
 namespace suite {
@@ -47,7 +46,7 @@ std::string CheckHeader(const std::string& name, const std::string& value) {
 
 }  // namespace
 
-std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy) {
+std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& strategy, const GivenUrl& url) {
     const HttpRequestMethod method = strategy.Method();
     if (method != HttpRequestMethod::kGet && method != HttpRequestMethod::kPost) {
         return "the method is neither GET nor POST";
@@ -55,17 +54,17 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
     CheckedRequest request;
     request.post = method == HttpRequestMethod::kPost;
 
-    const std::optional<std::string> url = EscapeUrl(suite::Utf8FromWide(strategy.Url()));
-    if (!url) {
+    if (!url.escaped) {
         return "the URL holds CR, LF or NUL";
     }
-    if (!ParseUrl(*url)) {
+    if (!url.parts) {
         return "the URL is not an absolute http or https URL";
     }
-    request.url = *url;
+    request.url = *url.escaped;
+    request.parts = *url.parts;
 
     for (const auto& [wideName, wideValue] : strategy.Headers()) {
-        const std::string name = suite::Utf8FromWide(wideName);
+        std::string name = suite::Utf8FromWide(wideName);
         const std::string value = suite::Utf8FromWide(wideValue);
         std::string refusal = CheckHeader(name, value);
         if (!refusal.empty()) {
@@ -76,7 +75,7 @@ std::variant<CheckedRequest, std::string> CheckRequest(const IHttpLibStrategy& s
             return "the header " + name + " is given twice";
         }
         if (!IsFramingHeader(name)) {
-            request.headers.emplace_back(name, Trimmed(value, kOuterBlanks));
+            request.headers.emplace_back(std::move(name), Trimmed(value, kOuterBlanks));
         }
     }
     if (request.post) {

@@ -45,6 +45,7 @@ bool HasWebScheme(const std::string& url) {
 std::optional<std::string> EscapeUrl(const std::string& utf8) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
     std::string escaped;
+    escaped.reserve(utf8.size());
     for (const char c : utf8) {
         const auto byte = static_cast<unsigned char>(c);
         if (c == '\r' || c == '\n' || c == '\0') {
@@ -75,6 +76,14 @@ std::optional<UrlParts> ParseUrl(const std::string& url) {
     parts.authority = writtenPort.empty() ? parts.host : parts.host + ":" + writtenPort;
     parts.display = parts.scheme + "://" + parts.authority + PartOf(handle.get(), CURLUPART_PATH);
     return parts;
+}
+
+GivenUrl ReadUrl(const std::string& utf8) {
+    GivenUrl url{EscapeUrl(utf8), {}};
+    if (url.escaped) {
+        url.parts = ParseUrl(*url.escaped);
+    }
+    return url;
 }
 
 std::optional<std::string> ResolveReference(const std::string& base, const std::string& reference) {

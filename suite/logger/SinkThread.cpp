@@ -64,7 +64,9 @@ void SinkThread::State::Run() {
             break;
         }
         TakeAndWrite(lock);
-        changed.notify_all();
+        if (waiting > 0 || closing) {
+            changed.notify_all();
+        }
     }
     sink.reset();  // closes the file
     lossText = nullptr;
@@ -135,10 +137,14 @@ void SinkThread::Post(std::string_view place, std::string_view text, bool urgent
     }
     ++m_state->posted;
     m_state->bytes += text.size();
+    const bool somebodyMayGoOn = m_state->lines.size() == 1 || m_state->waiting > 0;
     while (m_state->lines.size() > 1 && (m_state->lines.size() > kMaxLines || m_state->bytes > kMaxBytes)) {
         m_state->DropOldest();
     }
-    m_state->changed.notify_all();
+    // Waking costs as much as the rest. The thread waits only while there is no line.
+    if (somebodyMayGoOn) {
+        m_state->changed.notify_all();
+    }
 }
 
 void SinkThread::Start() noexcept {

@@ -71,5 +71,18 @@ TEST_F(ExportContracts, CountsAcrossBlocks) {
     EXPECT_EQ(Recording().Lines("event"), Lines{"event 148 1 0 num=30"});
     EXPECT_EQ(ReadFile(TestFile()), body);
     EXPECT_EQ(Recording().requestHeaders.at(L"Cookie"), L"");
+
+    // Marks at every place of a block, next to each other and cut.
+    unsigned value = 3;
+    for (body.clear(); body.size() < 60'000; value = value * 1103515245 + 12345) {
+        body += (value >> 16) % 3 != 0 ? "BEGIN" : std::string("BEGIN.", (value >> 20) % 7);
+    }
+    int count = 0;
+    for (std::size_t hit = body.find("BEGIN"); hit != std::string::npos; hit = body.find("BEGIN", hit + 6)) {
+        ++count;
+    }
+    Recording().replies = {{200, body, {}}};
+    EXPECT_TRUE(m_service->ExportContracts(L"https://h/e", TestFile().wstring(), {}));
+    EXPECT_EQ(Recording().Lines("event").back(), "event 148 1 0 num=" + std::to_string(count));
     std::filesystem::remove(TestFile());
 }

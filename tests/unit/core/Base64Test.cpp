@@ -1,8 +1,11 @@
 #include "core/Base64.h"
 
 #include <gtest/gtest.h>
+#include <openssl/bio.h>
+#include <openssl/evp.h>
 
 #include <map>
+#include <memory>
 
 namespace {
 
@@ -11,7 +14,30 @@ std::string UrlText(const std::string& bytes) {
                                      static_cast<std::int32_t>(bytes.size()));
 }
 
+// The authorization header's encoding by its definition: OpenSSL's filter over a memory sink.
+std::string FilterText(const std::string& bytes) {
+    const std::unique_ptr<BIO, decltype(&BIO_free_all)> filter(BIO_new(BIO_f_base64()), &BIO_free_all);
+    BIO* const sink = BIO_push(filter.get(), BIO_new(BIO_s_mem()));
+    BIO_set_flags(sink, BIO_FLAGS_BASE64_NO_NL);
+    BIO_write(filter.get(), bytes.data(), static_cast<int>(bytes.size()));
+    BIO_flush(filter.get());
+    char* text = nullptr;
+    const long length = BIO_get_mem_data(BIO_next(filter.get()), &text);
+    return std::string(text, static_cast<std::size_t>(length));
+}
+
 }  // namespace
+
+TEST(Base64, TheHeadersEncodingIsTheFilters) {
+    std::string bytes;
+    for (unsigned value = 1; bytes.size() < 5000; value = value * 1103515245 + 12345) {
+        const bool isNearABlock = bytes.size() < 200 || (bytes.size() + 3) % 1024 < 6 || bytes.size() > 4990;
+        if (isNearABlock) {
+            EXPECT_EQ(userauth::EncodeStandardBase64(bytes), FilterText(bytes)) << bytes.size();
+        }
+        bytes += static_cast<char>(value >> 16);
+    }
+}
 
 TEST(Base64, BothDirectionsAgreeWithTheStandard) {
     // RFC 4648, section 10.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Harness.h"
+
+namespace bench {
+
+// One function a subject, in a file of its own; each adds its rows to the report.
+void BenchBase64(Report& report);
+void BenchHeaders(Report& report);
+void BenchJson(Report& report);
+void BenchCrypto(Report& report);
+void BenchCounting(Report& report);
+void BenchGetters(Report& report);
+void BenchRequests(Report& report);
+void BenchExport(Report& report);
+void BenchLogger(Report& report);
+
+}  // namespace bench
