@@ -10,6 +10,7 @@ build_packages=(
 )
 run_packages=(wine wine64 xvfb xauth)
 check_packages=(clang-format clang-tidy shellcheck)
+package_packages=(zip)
 sanitize_packages=(clang libclang-rt-14-dev llvm cmake ninja-build pkg-config libgtest-dev libjsoncpp-dev libssl-dev)
 
 lists_log=$root/build/package-lists.log
