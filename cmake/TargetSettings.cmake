@@ -18,7 +18,9 @@ if(MSVC)
   endif()
   # C4251: exported classes hold standard-library members; suite and host are built with one compiler and runtime.
   # /sdl makes the compiler generate __autoclassinit2.
-  target_compile_options(project_settings INTERFACE /W4 /WX /wd4251 /sdl /utf-8 /guard:cf /permissive-)
+  target_compile_options(project_settings INTERFACE /W4 /WX /wd4251 /sdl /utf-8 /guard:cf /permissive-
+                         # Without it the compiler says that it speaks the C++ of 1998.
+                         /Zc:__cplusplus)
   target_link_options(project_settings INTERFACE /DYNAMICBASE /NXCOMPAT /HIGHENTROPYVA /guard:cf)
 else()
   target_compile_options(
@@ -27,8 +29,8 @@ else()
               -Wcast-qual -Wformat=2 -Wundef -Werror -fstack-protector-strong
               # GetProcAddress returns one function type for every function.
               -Wno-cast-function-type)
-  target_link_options(project_settings INTERFACE -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va
-                      -Wl,--exclude-all-symbols -fstack-protector-strong)
+  target_link_options(project_settings INTERFACE -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--nxcompat
+                      -Wl,--high-entropy-va -Wl,--exclude-all-symbols -fstack-protector-strong)
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
   target_compile_definitions(project_settings INTERFACE _FORTIFY_SOURCE=2)

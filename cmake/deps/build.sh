@@ -18,17 +18,28 @@ root=$(cd "$here/../.." && pwd)
 . "$root/cmake/setup/common.sh"
 # shellcheck source=/dev/null
 . "$here/fetch.sh"
-readonly recipe_format=2
+readonly recipe_format=3
 readonly target=x86_64-w64-mingw32
 accept_newer=${USERAUTH_ACCEPT_NEWER:-}
+# One library has the same bytes whenever and wherever it is built: the linker and OpenSSL take this for the time of day.
+export SOURCE_DATE_EPOCH=315532800
 jobs=$(nproc)
 
-# Configures, builds and installs the CMake project in ./source for the target; extra arguments go to configure.
+# Configures, builds and installs the CMake project in ./source for the target; extra arguments go to configure. No path of
+# this machine gets into the result.
 cmake_build() {
-  cmake -S "${cmake_source:-source}" -B cross -G Ninja -DCMAKE_TOOLCHAIN_FILE="$here/../toolchains/mingw-w64.cmake" \
+  CFLAGS="-ffile-prefix-map=$PWD=." CXXFLAGS="-ffile-prefix-map=$PWD=." \
+    cmake -S "${cmake_source:-source}" -B cross -G Ninja -DCMAKE_TOOLCHAIN_FILE="$here/../toolchains/mingw-w64.cmake" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "$@"
   cmake --build cross -j "$jobs"
   cmake --install cross
+}
+
+# The copyright file of the package that the library comes from goes with its result.
+keep_copyright() {
+  local file=source/debian/copyright
+  [ "${origin%% *}" = source ] || file=package/usr/share/doc/${origin#* }/copyright
+  cp "$work/$file" "$prefix/copyright"
 }
 
 recipe_of() { echo "$here/recipes/$1.sh"; }
@@ -62,7 +73,7 @@ build_missing() (
   [ ! -d "$final" ] || exit 0 # built when another checkout took the same stand-in
   say "  building $name $taken ($minutes)"
   set +e
-  ( set -e; unpack; recipe ) > build.log 2>&1 8>&-
+  ( set -e; unpack; recipe; keep_copyright ) > build.log 2>&1 8>&-
   status=$?
   set -e
   [ "$status" -eq 0 ] || { tail -n 40 build.log >&2; die "building $name failed (whole log: $work/build.log)"; }

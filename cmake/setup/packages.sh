@@ -17,6 +17,7 @@ sanitize_packages=(
   clang libclang-rt-14-dev llvm cmake ninja-build pkg-config libgtest-dev libjsoncpp-dev libssl-dev
   libcurl4-openssl-dev libspdlog-dev libfmt-dev zlib1g-dev libbrotli-dev
 )
+package_packages=(zip)
 
 lists_log=$root/build/package-lists.log
 update_package_lists() { "$@" apt-get --error-on=any update > "$lists_log" 2>&1 < /dev/null 9>&-; }

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "commandline/ArgumentChecks.h"
+#include "commandline/Completion.h"
 #include "system/HostError.h"
 #include "system/WindowsHandle.h"
 #include "text/TextEncoding.h"
@@ -20,14 +21,7 @@ constexpr char kDescription[] =
     "\n"
     "Commands, run in the given order in one session (the account state lives in the process):\n";
 
-constexpr char kFooter[] =
-    "Examples:\n"
-    "  userauth demo\n"
-    "  userauth demo --https --json\n"
-    "  userauth sign-in refresh whoami profile --platform http://127.0.0.1:8080\n"
-    "  userauth sign-in --config client.json --certificate-authority ca.pem --log userauth.log\n"
-    "  userauth migrate status --config client.json\n"
-    "  userauth contacts export contacts.vcf --url https://portal.example.com/export --cookie-file cookies.txt\n"
+constexpr char kExitCodes[] =
     "\n"
     "Exit codes:\n"
     "  0  every step succeeded\n"
@@ -49,7 +43,6 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     const auto addText = [&app](const char* name, const char* type, std::string& text, const char* description) {
         app.add_option(name, text, description)->type_name(type);
     };
-    app.footer(kFooter);
     app.allow_windows_style_options(false);  // "/" starts a path
     app.set_version_flag("--version", "userauth " USERAUTH_VERSION);
     app.add_option("commands", raw.commands, "What to do, see above")->type_name("COMMAND [ARGUMENT]");
@@ -78,6 +71,16 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");
 }
 
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
 void JudgeContacts(const RawOptions& raw, Options& options) {
     if (!options.contactsUrl.empty()) {
         CheckUrl(options.contactsUrl, "--url");
@@ -103,8 +106,10 @@ void JudgeContacts(const RawOptions& raw, Options& options) {
 
 void JudgeDemo(const RawOptions& raw, const Options& options) {
     const bool demo = options.Has("demo");
-    if (demo && options.commands.size() > 1) {
-        Refuse("demo is a session of its own: give no other command with it");
+    for (const char* const alone : {"demo", "doctor", "completion"}) {
+        if (options.Has(alone) && options.commands.size() > 1) {
+            Refuse(std::string(alone) + " stands alone: give no other command with it");
+        }
     }
     if (demo &&
         !(options.platformUrl + options.sdkPlatformUrl + raw.configuration + raw.certificateAuthority).empty()) {
@@ -149,6 +154,7 @@ bool Options::Has(const char* command) const {
 std::optional<int> ReadCommandLine(std::vector<std::string> arguments, const CommandForms& commands, Options& options,
                                    Console& console) {
     CLI::App app(kDescription + CommandHelp(commands), "userauth");
+    app.footer("Examples:\n" + CommandExamples(commands) + kExitCodes);
     RawOptions raw;
     Describe(app, options, raw);
     std::reverse(arguments.begin(), arguments.end());  // as the parser expects them
@@ -165,6 +171,10 @@ std::optional<int> ReadCommandLine(std::vector<std::string> arguments, const Com
     }
     options.commands = ReadCommandWords(raw.commands, commands);
     Judge(raw, options);
+    if (options.Has("completion")) {
+        console.Write(CompletionScript(options.commands.front().argument, commands, OptionNames(app)));
+        return kExitOk;
+    }
     return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 #include "commandline/Commands.h"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "commandline/ArgumentChecks.h"
@@ -38,7 +39,7 @@ std::string TakeArgument(const CommandForm& form, Word& next, Word end) {
     std::string argument;
     std::istringstream parts(form.arguments);
     for (std::string part; parts >> part; ++next) {
-        const bool value = part == "FILE" || part == "URL";
+        const bool value = part == "FILE" || part == "URL" || part == "SHELL";
         if (next == end || (!value && *next != part)) {
             Refuse(std::string(form.name) + ": give it as \"" + Usage(form) + "\"");
         }
@@ -47,6 +48,9 @@ std::string TakeArgument(const CommandForm& form, Word& next, Word end) {
             CheckNewFile(argument, form.name);
         } else if (part == "URL") {
             CheckUrl(argument, form.name);
+        } else if (part == "SHELL" &&
+                   std::find(std::begin(kShells), std::end(kShells), argument) == std::end(kShells)) {
+            Refuse(std::string(form.name) + ": for bash or powershell, not " + argument);
         }
     }
     return argument;
@@ -77,6 +81,14 @@ std::string CommandHelp(const CommandForms& forms) {
         }
     }
     return help;
+}
+
+std::string CommandExamples(const CommandForms& forms) {
+    std::string examples;
+    for (const CommandForm& form : forms) {
+        examples += std::string("  userauth ") + form.example + "\n";
+    }
+    return examples;
 }
 
 }  // namespace host

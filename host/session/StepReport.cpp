@@ -96,8 +96,8 @@ struct Outcome {
     std::vector<HttpExchange> exchanges;
 };
 
-// verdict: what the line starts with.
-std::string TextLines(const Outcome& outcome, const std::string& verdict) {
+// verdict: what the line starts with. width: of the terminal, 0 without one.
+std::string TextLines(const Outcome& outcome, const std::string& verdict, std::size_t width) {
     const std::string time = Milliseconds(outcome.time);
     std::string line = verdict + Padded(outcome.step.title, kTitleWidth);
     line += Padded("", kTimeWidth - std::min(kTimeWidth, time.size())) + time + "  ";
@@ -106,7 +106,7 @@ std::string TextLines(const Outcome& outcome, const std::string& verdict) {
     for (const auto& [name, value] : outcome.result.fields) {
         line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
     }
-    return line + TableText(outcome.result.table, kFieldIndent) + "\n";
+    return line + TableText(outcome.result.table, kFieldIndent, width) + "\n";
 }
 
 std::string JsonLine(const Outcome& outcome) {
@@ -177,7 +177,8 @@ bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult re
     }
     const std::string verdict = ok ? Paint(kGreen, "  ok      ") : Paint(kRed, "  FAILED  ");
     m_state.console.Write(m_state.options.json ? JsonLine(outcome)
-                                               : TextLines(outcome, (m_showsRunning ? kRewriteLine : "") + verdict));
+                                               : TextLines(outcome, (m_showsRunning ? kRewriteLine : "") + verdict,
+                                                           m_state.console.Width()));
     return ok;
 }
 

@@ -75,11 +75,15 @@ std::uint64_t BytesOf(const std::filesystem::path& file) {
     return handle && GetFileSizeEx(handle.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-// Shows the file's size on the current line of a terminal, until the end comes. Nobody else may write meanwhile. The
-// line stays as it is then.
+// Shows the file's size and its rate on the current line of a terminal, until the end comes. Nobody else may write
+// meanwhile. The line stays as it is then.
 void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
+    const auto start = std::chrono::steady_clock::now();
     while (end.wait_for(kPause) == std::future_status::timeout) {
-        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bytes(BytesOf(file))))));
+        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+        const std::uint64_t bytes = BytesOf(file);
+        const auto rate = static_cast<std::uintmax_t>(static_cast<double>(bytes) / seconds.count());
+        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bytes(bytes) + ", " + Bytes(rate) + "/s"))));
     }
 }
 

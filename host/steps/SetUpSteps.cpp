@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "platform/ParameterStoreSetup.h"
+#include "platform/PlatformCheck.h"
 #include "steps/Steps.h"
 #include "system/HostError.h"
 #include "text/TextEncoding.h"
@@ -17,8 +18,6 @@ constexpr wchar_t kDemoUserFolder[] =
 
 // Used where the system cannot make such a name, as under Wine without a UTF-8 locale.
 constexpr wchar_t kPlainUserFolder[] = L"user (no UTF-8 locale)";
-
-constexpr int kLongestSeconds = 10;
 
 // PEM file of the authority that the sandbox makes for https.
 std::filesystem::path SandboxAuthority(const SessionState& state) {
@@ -61,47 +60,6 @@ StepResult ConfigureParameterStore(SessionState& state) {
     state.platformUrl = ToUtf8(portal);
     const std::string files = sandbox ? ", files in " + ToUtf8(folders.user.filename().wstring()) : "";
     return {true, (portal.empty() ? "no portal" : "portal " + state.platformUrl) + files};
-}
-
-// What is wrong with the platform, and what to do about it.
-std::string Cause(int error, const std::string& url) {
-    switch (error) {
-        case kHttpInvalidRequest:
-            return url + " is no URL that can be asked: look at its host and its port, a number from 1 to 65535";
-        case kHttpNameNotResolved:
-            return "the host name in " + url + " has no address: check the spelling and the network";
-        case kHttpConnectFailed:
-            return "no account platform answers at " + url +
-                   ": start one with sandbox-server.exe, or name another with --platform";
-        case kHttpTimeout:
-            return url + " does not answer within 10 s";
-        case kHttpCertificateUntrusted:
-            return "the certificate of " + url +
-                   " is not trusted: name the file of its authority with --certificate-authority";
-        case kHttpCertificateWrongName:
-            return "the certificate of " + url + " is made out to another host";
-        case kHttpTlsFailed:
-            return url + " speaks no TLS 1.2 or newer: is it meant to be http?";
-        case kHttpCertificateFileInvalid:
-            return "the file of --certificate-authority holds no certificate";
-        case kHttpConnectionBroken:
-            return url + " breaks the connection: is it meant to be https?";
-        default:
-            return "no exchange with " + url + " is possible: HTTP library error " + std::to_string(error);
-    }
-}
-
-// Throws HostError unless the platform answers a request, with any status.
-void RequirePlatform(const std::string& platformUrl) {
-    BasicHttpLibStrategy strategy;
-    strategy.SetUrl(ToWide(platformUrl + "/"));
-    strategy.SetHttpRequestMethod(HttpRequestMethod::kGet);
-    std::string reply;
-    const int code = CurlHttpLibContext(&strategy).Request(reply, kLongestSeconds);
-    if (code < 0) {
-        const bool usage = code == kHttpCertificateFileInvalid || code == kHttpInvalidRequest;
-        throw HostError(usage ? kExitUsage : kExitStepFailed, Cause(code, platformUrl));
-    }
 }
 
 StepResult ReachPlatform(SessionState& state) {

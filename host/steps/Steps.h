@@ -26,7 +26,8 @@ std::vector<Step> ContactsSteps();
 std::vector<Step> RouteSteps();  // at the URL of the command; in the demo at that of its sandbox
 std::vector<Step> StatusSteps();
 std::vector<Step> SignOutSteps();
-std::vector<Step> CloseSteps();  // once the SDK was initialised
+std::vector<Step> DoctorSteps();  // each stands for itself; no service is needed
+std::vector<Step> CloseSteps();   // once the SDK was initialised
 
 // Steps of the demo only. They need the sandbox that it started.
 std::vector<Step> ComparedKeySteps();

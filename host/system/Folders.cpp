@@ -21,10 +21,14 @@ std::string RandomDigits() {
 
 }  // namespace
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path ModuleFile(HINSTANCE__* module) {
     std::wstring path(kLongestPath, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return std::filesystem::path(path).parent_path();
+    path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+std::filesystem::path ProgramFolder() {
+    return ModuleFile(nullptr).parent_path();
 }
 
 TemporaryFolder::TemporaryFolder() : m_path(std::filesystem::temp_directory_path() / ("userauth-" + RandomDigits())) {

@@ -2,8 +2,12 @@
 
 #include <filesystem>
 
+struct HINSTANCE__;
+
 namespace host {
 
+// File of a loaded module; null: of this program.
+std::filesystem::path ModuleFile(HINSTANCE__* module);
 // Folder of this program's file.
 std::filesystem::path ProgramFolder();
 

@@ -32,6 +32,12 @@ Console::Console() {
     m_colour = m_terminal && GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) <= 1;
 }
 
+std::size_t Console::Width() const {
+    CONSOLE_SCREEN_BUFFER_INFO buffer = {};
+    const bool known = m_terminal && GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &buffer);
+    return known ? static_cast<std::size_t>(buffer.srWindow.Right - buffer.srWindow.Left + 1) : 0;
+}
+
 void Console::Write(const std::string& text) {
     WriteTo(STD_OUTPUT_HANDLE, text);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace host {
@@ -18,6 +19,8 @@ public:
 
     // Whether standard output is a terminal on which a line may be rewritten.
     bool IsTerminal() const { return m_terminal; }
+    // Columns of that terminal now; 0 where there is none.
+    std::size_t Width() const;
     // Whether that terminal may be coloured: not when the environment variable NO_COLOR has a value.
     bool HasColour() const { return m_colour; }
 

@@ -1,6 +1,7 @@
 #include "text/Table.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "text/FieldText.h"
 #include "text/TextEncoding.h"
@@ -49,10 +50,40 @@ std::vector<std::size_t> WidthsOf(const Table& table) {
     return widths;
 }
 
+// Takes from the widest column, cell by cell, until the line fits. A column keeps a few cells however narrow the
+// terminal.
+void Fit(std::vector<std::size_t>& widths, std::size_t cells) {
+    constexpr std::size_t kNarrowest = 4;
+    std::size_t sum = std::accumulate(widths.begin(), widths.end(), widths.size() * kGap);
+    for (; sum > cells; --sum) {
+        const auto widest = std::max_element(widths.begin(), widths.end());
+        if (*widest <= kNarrowest) {
+            return;
+        }
+        --*widest;
+    }
+}
+
+// The text within so many cells, with an ellipsis where it was cut.
+std::string Cut(const std::string& text, std::size_t cells) {
+    if (CellsOf(text) <= cells) {
+        return text;
+    }
+    std::wstring wide = ToWide(text);
+    do {
+        // What takes no cell, a mark or the second half of a pair, goes with the character before it.
+        while (wide.size() > 1 && IsIn(kNoWidth, wide.back())) {
+            wide.pop_back();
+        }
+        wide.pop_back();
+    } while (!wide.empty() && CellsOf(ToUtf8(wide)) >= cells);
+    return ToUtf8(wide) + "\u2026";
+}
+
 std::string Line(const std::vector<std::string>& row, const std::vector<std::size_t>& widths, std::size_t indent) {
     std::string line = "\n" + std::string(indent, ' ');
     for (std::size_t column = 0; column < row.size(); ++column) {
-        const std::string text = Printable(row[column]);
+        const std::string text = Cut(Printable(row[column]), widths[column]);
         line += text + std::string(widths[column] + kGap - CellsOf(text), ' ');
     }
     line.erase(line.find_last_not_of(' ') + 1);
@@ -61,11 +92,14 @@ std::string Line(const std::vector<std::string>& row, const std::vector<std::siz
 
 }  // namespace
 
-std::string TableText(const Table& table, std::size_t indent) {
+std::string TableText(const Table& table, std::size_t indent, std::size_t width) {
     if (table.rows.empty()) {
         return "";
     }
-    const std::vector<std::size_t> widths = WidthsOf(table);
+    std::vector<std::size_t> widths = WidthsOf(table);
+    if (width != 0) {
+        Fit(widths, width - std::min(width, indent));
+    }
     std::string text = Line(table.columns, widths, indent);
     for (const std::vector<std::string>& row : table.rows) {
         text += Line(row, widths, indent);

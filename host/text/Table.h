@@ -13,6 +13,7 @@ struct Table {
 
 // The table as lines with aligned columns, the names first; each starts with a line feed and the indent. Empty when
 // there are no rows. Texts that would control a terminal are made printable.
-std::string TableText(const Table& table, std::size_t indent);
+// width: columns of the terminal, to which the widest texts are cut; 0 cuts nothing.
+std::string TableText(const Table& table, std::size_t indent, std::size_t width);
 
 }  // namespace host

@@ -2,6 +2,7 @@
 
 #include "UserAuthService.h"
 #include "core/BoundedFormat.h"
+#include "core/EntryPoint.h"
 #include "core/Modules.h"
 #include "core/ServiceLog.h"
 
@@ -11,7 +12,7 @@ constexpr char kTag[] = "UserAuthService::LoadZMSSDKLibrary";
 
 template <typename EntryPoint>
 void Resolve(HMODULE module, const char* name, EntryPoint& entryPoint) {
-    entryPoint = reinterpret_cast<EntryPoint>(GetProcAddress(module, name));
+    entryPoint = userauth::EntryPointOf<EntryPoint>(module, name);
 }
 
 void ResolveAll(HMODULE module, AccountSdkEntryPoints& sdk) {

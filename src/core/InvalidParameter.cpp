@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 
+#include "core/EntryPoint.h"
+
 namespace userauth {
 
 #if defined(_MSC_VER)
@@ -22,8 +24,9 @@ _invalid_parameter_handler InstalledHandler() {
     if (const _invalid_parameter_handler ofThisModule = _get_invalid_parameter_handler()) {
         return ofThisModule;
     }
-    const FARPROC ofTheHost = GetProcAddress(GetModuleHandleW(nullptr), "UserAuthInvalidParameterHandler");
-    return ofTheHost == nullptr ? nullptr : reinterpret_cast<_invalid_parameter_handler (*)()>(ofTheHost)();
+    using HandlerOfHost = _invalid_parameter_handler (*)();
+    const auto ofTheHost = EntryPointOf<HandlerOfHost>(GetModuleHandleW(nullptr), "UserAuthInvalidParameterHandler");
+    return ofTheHost == nullptr ? nullptr : ofTheHost();
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <memory>
 #include <new>
 
+#include "core/EntryPoint.h"
+
 namespace userauth {
 namespace {
 
@@ -16,9 +18,8 @@ using GetFirmwareTable = UINT(WINAPI*)(DWORD provider, DWORD table, void* buffer
 
 DeviceIdentity ReadDeviceIdentity() {
     const HMODULE kernel = GetModuleHandleW(L"kernel32");
-    const auto getTable = kernel == nullptr
-                              ? nullptr
-                              : reinterpret_cast<GetFirmwareTable>(GetProcAddress(kernel, "GetSystemFirmwareTable"));
+    const auto getTable =
+        kernel == nullptr ? nullptr : EntryPointOf<GetFirmwareTable>(kernel, "GetSystemFirmwareTable");
     if (getTable == nullptr) {
         return {};
     }

@@ -5,6 +5,7 @@
 #include <shlwapi.h>
 
 #include "OwnedModule.h"
+#include "core/EntryPoint.h"
 
 namespace userauth {
 namespace {
@@ -59,14 +60,16 @@ OwnedModule LoadSystemNtdll() {
 // The host's manifest and compatibility settings change what the version record says; ntdll's numbers stay true.
 void OverwriteWithTrueNumbers(OsVersion& version) {
     const OwnedModule ntdll = LoadSystemNtdll();
-    const FARPROC entry = ntdll == nullptr ? nullptr : GetProcAddress(ntdll.get(), "RtlGetNtVersionNumbers");
-    if (entry == nullptr) {
+    using GetNumbers = void(WINAPI*)(DWORD * major, DWORD * minor, DWORD * build);
+    const auto getNumbers =
+        ntdll == nullptr ? nullptr : EntryPointOf<GetNumbers>(ntdll.get(), "RtlGetNtVersionNumbers");
+    if (getNumbers == nullptr) {
         return;
     }
     DWORD major = 0;
     DWORD minor = 0;
     DWORD build = 0;
-    reinterpret_cast<void(WINAPI*)(DWORD*, DWORD*, DWORD*)>(entry)(&major, &minor, &build);
+    getNumbers(&major, &minor, &build);
     version = WithTrueNumbers(version, major, minor, build);
 }
 

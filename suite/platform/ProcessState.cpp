@@ -14,8 +14,9 @@ void PinThisModule() noexcept {
 bool ProcessIsEnding() noexcept {
     // Exported by ntdll for exactly this question, but in no import library.
     using ShutdownInProgress = BOOLEAN(NTAPI*)();
+    // Compilers warn about a cast from one function type to another, hence the step between.
     static const auto shutdownInProgress = reinterpret_cast<ShutdownInProgress>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress"));
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
     return shutdownInProgress != nullptr && shutdownInProgress() != 0;
 }
 
