@@ -81,7 +81,8 @@ Span SecretScan::ValueSpan(const NamedValue& value) const {
     return {OriginalAt(value.begin), EndOfUnquoted(value)};
 }
 
-// A name inside a masked value counts when its own value comes behind that: what looked like a value may have been none.
+// A name inside a masked value counts when its own value comes behind that: what looked like a value may have been
+// none.
 Span SecretScan::SecretAt(std::size_t at) const {
     const NamedValue value = NamedValueAt(m_plain, at);
     if (value.begin != kNone && OriginalAt(value.begin) < m_copied) {

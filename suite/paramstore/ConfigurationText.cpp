@@ -26,8 +26,8 @@ std::string Printable(const std::string& part, std::size_t limit) {
     return printable;
 }
 
-// The parser words its first error as "* Line 3, Column 5\n  reason\n": ":3: not valid JSON: reason". The reason may quote
-// the text.
+// The parser words its first error as "* Line 3, Column 5\n  reason\n": ":3: not valid JSON: reason". The reason may
+// quote the text.
 std::string ParserError(const std::string& text) {
     const std::string start = "* Line ";
     const std::size_t comma = text.find(',');

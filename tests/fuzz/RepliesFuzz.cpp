@@ -1,5 +1,5 @@
-// Replies through the real operations: one that fails leaves the account state and the store as they were. One that left
-// the state's lock held would be found by the fuzzer's time limit.
+// Replies through the real operations: one that fails leaves the account state and the store as they were. One that
+// left the state's lock held would be found by the fuzzer's time limit.
 
 #include <HttpLib.h>
 
