@@ -9,7 +9,13 @@ add_library(shipped_settings INTERFACE)
 target_link_libraries(shipped_settings INTERFACE project_settings shipped_casts)
 if(NOT MSVC)
   target_compile_options(shipped_casts INTERFACE -Wcast-function-type)  # after project_settings, which switches it off
-  target_compile_options(shipped_settings INTERFACE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+  # The last that fits counts. A compiler cache may make paths relative to the build folder: they become the same.
+  file(RELATIVE_PATH above "${PROJECT_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/..")
+  file(RELATIVE_PATH top "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}/.")
+  string(REGEX REPLACE "/$" "" above "./${above}")
+  string(REGEX REPLACE "/$" "" top "${top}")
+  target_compile_options(shipped_settings INTERFACE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=."
+                                                    "-ffile-prefix-map=..=${above}" "-ffile-prefix-map=${top}=.")
 endif()
 foreach(target IN ITEMS ${package_libraries} userauth_objects suite_platform)
   target_link_libraries(${target} PRIVATE shipped_settings)
