@@ -2,7 +2,6 @@
 
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "Examination.h"
 
@@ -130,9 +129,9 @@ void ExamineLock(Examination& examination) {
     examination.Point("four threads at once: every raise reaches a lasting listener once", [] {
         std::atomic<int> calls{0};
         const Subscription lasting(kDrive, [&](SuiteEvent) { ++calls; });
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([] {
+        std::thread threads[4];
+        for (std::thread& thread : threads) {
+            thread = std::thread([] {
                 for (int round = 0; round < 500; ++round) {
                     const Subscription passing(kDrive, [](SuiteEvent) {});
                     Hub().SyncDriveKeyOk();

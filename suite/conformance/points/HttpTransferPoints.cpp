@@ -143,9 +143,9 @@ void ExamineConnections(Examination& examination) {
     examination.Point("four threads at once: each gets its own reply", [] {
         RawServer server({OkReply()});
         std::atomic<int> whole{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
+        std::thread threads[4];
+        for (std::thread& thread : threads) {
+            thread = std::thread([&] {
                 for (int round = 0; round < 25; ++round) {
                     HttpCall call(server.Url());
                     whole += call.Send() == 200 && call.response == "ok" ? 1 : 0;

@@ -1,6 +1,5 @@
 #include <regex>
 #include <thread>
-#include <vector>
 
 #include "LogCapture.h"
 
@@ -80,9 +79,9 @@ void ExamineLines(Examination& examination) {
     });
     examination.Point("four threads at once: every line arrives whole", [] {
         const LogFile log;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([] {
+        std::thread threads[4];
+        for (std::thread& thread : threads) {
+            thread = std::thread([] {
                 for (int line = 0; line < 250; ++line) {
                     LogFile::Write(L"<a whole line>");
                 }
