@@ -112,6 +112,7 @@ TEST_F(Secrets, NoFormOfOneReachesAnySinkFileOrErrorText) {
     EXPECT_TRUE(Logger::Flush(5000));
     std::map<std::string, std::string> places = Files();
     places["standard output"] = testing::internal::GetCapturedStdout();
+    ASSERT_FALSE(HasFailure()) << places["standard output"];
     places["console"] = testing::internal::GetCapturedStderr();
     places["error text"] = error;
     for (const char* place : {"console", "service.log"}) {
