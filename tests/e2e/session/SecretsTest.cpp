@@ -62,7 +62,6 @@ protected:
         EXPECT_TRUE(m_service->RequestAT("", m_secrets["code"].c_str()));
         m_secrets["access token"] = Narrow(m_service->GetCurrentAT());
         m_secrets["refresh token"] = Narrow(m_service->GetCurrentRT());
-        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str())) << "a code is good for one exchange";
         EXPECT_TRUE(m_service->RequestApplicationAT());
         m_secrets["application token"] = Narrow(GlobalParamWrapper::GetInstance()->GetAppAT());
         EXPECT_TRUE(m_service->RequestUserID());
@@ -89,6 +88,8 @@ protected:
         EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
         m_secrets["second access token"] = Narrow(m_service->GetCurrentAT());
         UserSyncKeyService().ClearUserSyncKey();
+        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str()))
+            << "a code that is used again ends its session";
     }
 
     std::map<std::string, std::string> m_secrets;
