@@ -58,10 +58,10 @@ public:
                                    const std::map<std::wstring, std::wstring>& extraInformation);
 
     // Masks a value in the lines that come: as it is, URL-encoded, escaped for JSON or XML, as UTF-16 with NULs
-    // between, as hexadecimal digits, and inside base64 of either alphabet. name: tells the values apart, never logged; a second call
-    // replaces the value and wipes the former one, an empty value removes it. The parameter store gives the tokens
-    // that it is told. False when the value cannot be masked: it is shorter than kShortestSecret, there are 32
-    // already, or they are longer than 64 KiB together.
+    // between, as hexadecimal digits, and inside base64 of either alphabet. name: tells the values apart, never logged;
+    // a second call replaces the value and wipes the former one, an empty value removes it. The parameter store gives
+    // the tokens that it is told. False when the value cannot be masked: it is shorter than kShortestSecret, there are
+    // 32 already, or they are longer than 64 KiB together.
     static bool SetSecret(const std::string& name, const std::wstring& value);
 
     // Waits until every queued line is in its sink, at most the given time. False when the time ran out.

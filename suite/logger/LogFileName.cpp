@@ -40,8 +40,8 @@ std::shared_ptr<void> HoldOf(const std::wstring& path) {
     return hold;
 }
 
-// "client.log" becomes "client-4711.log". On the text, because the C++ library's replace_filename corrupts memory when an
-// allocation fails in it (GCC 12).
+// "client.log" becomes "client-4711.log". On the text, because the C++ library's replace_filename corrupts memory when
+// an allocation fails in it (GCC 12).
 std::wstring WithProcessId(const std::wstring& path) {
     const std::size_t separator = path.find_last_of(L"\\/:");
     const std::size_t name = separator == std::wstring::npos ? 0 : separator + 1;

@@ -18,8 +18,8 @@ std::string Hexadecimal(const std::string& bytes, const std::string& front, cons
     return text;
 }
 
-// What a secret may look like in a text. Base64 has three forms, by the bytes in front; its first and last digits, which
-// depend on the neighbours, are left out.
+// What a secret may look like in a text. Base64 has three forms, by the bytes in front; its first and last digits,
+// which depend on the neighbours, are left out.
 std::map<std::string, std::string> FormsOf(const std::string& secret) {
     std::map<std::string, std::string> forms = {{"plain", secret},
                                                 {"URL", Hexadecimal(secret, "%", "0123456789ABCDEF")},
