@@ -41,7 +41,9 @@ void* OpenSslMalloc(std::size_t size, const char*, int) {
 void* OpenSslRealloc(void* memory, std::size_t size, const char*, int) {
     return Fails(Allocator::kOpenSsl) ? nullptr : std::realloc(memory, size);
 }
-void OpenSslFree(void* memory, const char*, int) { Free(memory); }
+void OpenSslFree(void* memory, const char*, int) {
+    Free(memory);
+}
 
 // Before OpenSSL allocates for the first time.
 const int g_installed = CRYPTO_set_mem_functions(OpenSslMalloc, OpenSslRealloc, OpenSslFree);
@@ -55,34 +57,44 @@ void* operator new(std::size_t size) {
     }
     return memory;
 }
-void operator delete(void* memory) noexcept { Free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { Free(memory); }
+void operator delete(void* memory) noexcept {
+    Free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    Free(memory);
+}
 
 FailingAllocations::FailingAllocations(Allocator allocator, int number, bool lasting) {
     g_plan = {g_installed == 1, allocator, number, lasting, 0, nullptr};
 }
-FailingAllocations::~FailingAllocations() { g_plan.counting = false; }
-int FailingAllocations::Failed() const { return g_plan.failed; }
+FailingAllocations::~FailingAllocations() {
+    g_plan.counting = false;
+}
+int FailingAllocations::Failed() const {
+    return g_plan.failed;
+}
 
-Uncounted::Uncounted() : m_before(g_plan.counting) { g_plan.counting = false; }
-Uncounted::~Uncounted() { g_plan.counting = m_before; }
+Uncounted::Uncounted() : m_before(g_plan.counting) {
+    g_plan.counting = false;
+}
+Uncounted::~Uncounted() {
+    g_plan.counting = m_before;
+}
 
 FreedMemory::FreedMemory() {
     m_content.reserve(64 << 20);
     g_plan = {true, Allocator::kNew, 1 << 30, false, 0, this};
 }
-FreedMemory::~FreedMemory() { g_plan = {}; }
+FreedMemory::~FreedMemory() {
+    g_plan = {};
+}
 
 void Collect(void* memory) {
     FreedMemory* const freed = g_plan.counting ? g_plan.freed : nullptr;
     if (freed == nullptr || memory == nullptr) {
         return;
     }
-#if defined(_WIN32)
-    const std::size_t size = _msize(memory);
-#else
     const std::size_t size = malloc_usable_size(memory);
-#endif
     const Uncounted uncounted;
     freed->m_content.append(static_cast<const char*>(memory), size);
 }

@@ -2,8 +2,8 @@
 
 #include <string>
 
-// Lets allocations of the calling thread fail: those of operator new in the program and in what calls it by the program's
-// operator (everything, on the build machine; the service's objects, on Windows), or those of OpenSSL.
+// Lets allocations of the calling thread fail: those of operator new, the C++ runtime's and the JSON library's too, or
+// those of OpenSSL.
 enum class Allocator { kNew, kOpenSsl };
 
 class FailingAllocations {
@@ -32,7 +32,8 @@ private:
     std::string m_content;
 };
 
-// Allocations are neither counted nor failed, and what is freed is not looked at: for what a test does in the middle of an operation.
+// Allocations are neither counted nor failed, and what is freed is not looked at: for what a test does in the middle of
+// an operation.
 class Uncounted {
 public:
     Uncounted();

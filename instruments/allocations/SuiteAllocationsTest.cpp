@@ -174,7 +174,7 @@ TEST_F(SuiteAllocations, MayFailInEveryCall) {
              }
              return !Logger::Configure(folder, error);
          },
-         nothing},
+         nothing, [&] { std::string().swap(error); }},
         {"Logger::Output",
          [&] {
              std::wstring line;

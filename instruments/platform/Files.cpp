@@ -2,6 +2,7 @@
 // an open file, a stream's too, cannot be deleted, moved or replaced unless its opener shared that. Unlike it: streams
 // open what a handle keeps to itself, the C++ library renames and removes open files, and letter case counts.
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -54,8 +56,10 @@ bool MayShare(const std::string& path, DWORD neededOfThem, DWORD offeredToThem) 
     if (stat(path.c_str(), &wanted) != 0) {
         return true;
     }
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        const int native = std::stoi(entry.path().filename().string());
+    // The C++ library's directory iterator ends the process when an allocation fails.
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/proc/self/fd"), closedir);
+    for (const dirent* entry = readdir(folder.get()); entry != nullptr; entry = readdir(folder.get())) {
+        const int native = std::atoi(entry->d_name);
         struct stat other {};
         if (fstat(native, &other) != 0 || other.st_dev != wanted.st_dev || other.st_ino != wanted.st_ino) {
             continue;

@@ -10,8 +10,8 @@ namespace userauth {
 inline constexpr int kLoggerModule = 10;
 inline constexpr int kSuiteLoggerModule = 0;
 
-// Writes one line of this library. line: __LINE__ of the call; functionTag: "Class::Method". For want of memory the line
-// is lost: an operation that has stored its result does not fail for it.
+// Writes one line of this library. line: __LINE__ of the call; functionTag: "Class::Method". For want of memory the
+// line is lost: an operation that has stored its result does not fail for it.
 inline void WriteLog(LogSeverity severity, int line, const char* functionTag, const std::wstring& message) noexcept {
     try {
         Logger::Output(kLoggerModule, severity, line, functionTag, message, true);

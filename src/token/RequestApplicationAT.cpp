@@ -13,7 +13,8 @@ using userauth::WriteLog;
 
 constexpr char kTag[] = "UserAuthService::RequestApplicationAT";
 
-// Written on every call, after a success too: kept as it is. For want of memory the line is lost, and the result stands.
+// Written on every call, after a success too: kept as it is. For want of memory the line is lost, and the result
+// stands.
 void LogStatus(int httpCode) try {
     WriteLog(kSeverityFailure, __LINE__, kTag, L"Get ApplyAT Failed! httpcode = " + std::to_wstring(httpCode));
 } catch (...) {

@@ -40,6 +40,16 @@ std::shared_ptr<void> HoldOf(const std::wstring& path) {
     return hold;
 }
 
+// "client.log" becomes "client-4711.log". On the text, because the C++ library's replace_filename corrupts memory when
+// an allocation fails in it (GCC 12).
+std::wstring WithProcessId(const std::wstring& path) {
+    const std::size_t separator = path.find_last_of(L"\\/:");
+    const std::size_t name = separator == std::wstring::npos ? 0 : separator + 1;
+    const std::size_t dot = path.rfind(L'.');
+    const std::size_t stemEnd = dot == std::wstring::npos || dot <= name ? path.size() : dot;
+    return path.substr(0, stemEnd) + L"-" + std::to_wstring(GetCurrentProcessId()) + path.substr(stemEnd);
+}
+
 }  // namespace
 
 LogFileName LogFileName::Take(const std::wstring& path) {
@@ -50,10 +60,7 @@ LogFileName LogFileName::Take(const std::wstring& path) {
     name.m_hold = HoldOf(whole.wstring());
     name.m_path = path;
     if (name.m_hold == nullptr) {
-        std::filesystem::path other(path);
-        other.replace_filename(other.stem().wstring() + L"-" + std::to_wstring(GetCurrentProcessId()) +
-                               other.extension().wstring());
-        name.m_path = other.wstring();
+        name.m_path = WithProcessId(path);
     }
     return name;
 }

@@ -63,6 +63,15 @@ std::string PlaceOf(int moduleType, int severity, int line, const std::string& f
            ":" + std::to_string(line);
 }
 
+// Nothing leaves the logger: a reason for which there is no memory is a short one.
+void Tell(const char* reason, std::string& error) noexcept {
+    try {
+        error = reason;
+    } catch (...) {
+        error = "out of memory";  // takes none
+    }
+}
+
 }  // namespace
 }  // namespace suite
 
@@ -82,9 +91,9 @@ bool Logger::Configure(const LoggerSettings& settings, std::string& error) {
         suite::Replace(std::make_shared<LogPipeline>(settings));
         return true;
     } catch (const std::exception& failure) {
-        error = failure.what();
+        suite::Tell(failure.what(), error);
     } catch (...) {
-        error = "unknown failure";
+        suite::Tell("unknown failure", error);
     }
     return false;
 }

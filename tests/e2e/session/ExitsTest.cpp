@@ -57,12 +57,12 @@ TEST_F(Exits, HostsEndWhileEverythingRuns) {
     constexpr ULONGLONG kLongestExit = 5000;
     const wchar_t* const ways[] = {L"return", L"exit-process", L"exit-on-thread"};
     const int hosts = Rounds() * static_cast<int>(std::size(ways));
-    Stall(kPhoto, 600000);
-    Stall(kUserId, 600000);
+    Stall(kPhoto, 30000);
+    Stall(kUserId, 30000);
     ULONGLONG longest = 0;
     for (int first = 0; first < hosts; first += kAtOnce) {
-        // The last leave TLS connections behind. Few of them: Wine's server keeps some of those connections for ever,
-        // and looks at each of them all the time.
+        // The last leave TLS connections behind. Few of them: Wine's server has been seen to keep such connections, and
+        // to look at each of them all the time.
         if (first >= hosts - hosts / 10 - 1) {
             UsePlatform(m_sandbox.m_https);
         }

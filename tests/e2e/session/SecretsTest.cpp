@@ -18,8 +18,8 @@ std::string Hexadecimal(const std::string& bytes, const std::string& front, cons
     return text;
 }
 
-// What a secret may look like in a text. Base64 has three forms, by the bytes in front; its first and last digits, which
-// depend on the neighbours, are left out.
+// What a secret may look like in a text. Base64 has three forms, by the bytes in front; its first and last digits,
+// which depend on the neighbours, are left out.
 std::map<std::string, std::string> FormsOf(const std::string& secret) {
     std::map<std::string, std::string> forms = {{"plain", secret},
                                                 {"URL", Hexadecimal(secret, "%", "0123456789ABCDEF")},
@@ -62,7 +62,6 @@ protected:
         EXPECT_TRUE(m_service->RequestAT("", m_secrets["code"].c_str()));
         m_secrets["access token"] = Narrow(m_service->GetCurrentAT());
         m_secrets["refresh token"] = Narrow(m_service->GetCurrentRT());
-        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str())) << "a code is good for one exchange";
         EXPECT_TRUE(m_service->RequestApplicationAT());
         m_secrets["application token"] = Narrow(GlobalParamWrapper::GetInstance()->GetAppAT());
         EXPECT_TRUE(m_service->RequestUserID());
@@ -89,6 +88,8 @@ protected:
         EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
         m_secrets["second access token"] = Narrow(m_service->GetCurrentAT());
         UserSyncKeyService().ClearUserSyncKey();
+        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str()))
+            << "a code that is used again ends its session";
     }
 
     std::map<std::string, std::string> m_secrets;
@@ -112,6 +113,7 @@ TEST_F(Secrets, NoFormOfOneReachesAnySinkFileOrErrorText) {
     EXPECT_TRUE(Logger::Flush(5000));
     std::map<std::string, std::string> places = Files();
     places["standard output"] = testing::internal::GetCapturedStdout();
+    ASSERT_FALSE(HasFailure()) << places["standard output"];
     places["console"] = testing::internal::GetCapturedStderr();
     places["error text"] = error;
     for (const char* place : {"console", "service.log"}) {
