@@ -59,7 +59,7 @@ RawServer::RawServer(Answer answer) : m_answer(std::move(answer)) {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     int size = sizeof address;
     auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    if (bind(m_listener, generic, size) != 0 || listen(m_listener, 16) != 0 ||
+    if (bind(m_listener, generic, size) != 0 || listen(m_listener, SOMAXCONN) != 0 ||
         getsockname(m_listener, generic, &size) != 0) {
         throw std::runtime_error("no free port on the loopback address");
     }

@@ -77,7 +77,7 @@ struct TlsPeer {
         if (intermediate != nullptr) {
             SSL_CTX_add1_chain_cert(server.ssl_context(), intermediate->certificate.get());
         }
-        server.new_task_queue = [] { return new httplib::ThreadPool(4); };  // a test may have sixty peers
+        server.new_task_queue = [] { return new httplib::ThreadPool(4); };  // a test may have many peers
         server.set_read_timeout(60);                                        // of the handshake too
         server.Get("/",
                    [](const httplib::Request&, httplib::Response& reply) { reply.set_content("ok", "text/plain"); });

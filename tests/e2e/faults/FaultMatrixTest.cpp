@@ -76,7 +76,7 @@ TEST_F(FaultMatrix, ASilentServerFailsItsOperationAfterTheStallLimitAndHoldsUpNo
             threads.emplace_back([&] { EXPECT_FALSE(operation.run()) << operation.name; });
         }
     }
-    for (int tries = 0; tries < 1000 && server.Requests().size() < threads.size(); ++tries) {
+    for (int tries = 0; tries < 2500 && server.Requests().size() < threads.size(); ++tries) {
         Sleep(10);
     }
     EXPECT_EQ(server.Requests().size(), threads.size());

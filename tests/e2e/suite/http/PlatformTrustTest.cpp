@@ -122,13 +122,12 @@ TEST_F(HttpTrust, WindowsAndAnAuthorityFileJudgeAlike) {
     if (!root || !rsaRoot) {
         GTEST_SKIP() << kNoRoot;
     }
-    std::deque<TlsPeer> peers;
-    std::vector<std::string> names;
-    std::wstring requests;
-    for (const Row& row : rows) {
-        for (const TestIdentity* authority : {&m_stored, &m_filed, &storedRsa, &filedRsa}) {
-            const bool rsa = authority == &storedRsa || authority == &filedRsa;
-            const bool filed = authority == &m_filed || authority == &filedRsa;
+    for (const TestIdentity* authority : {&m_stored, &m_filed, &storedRsa, &filedRsa}) {
+        const bool rsa = authority == &storedRsa || authority == &filedRsa;
+        const bool filed = authority == &m_filed || authority == &filedRsa;
+        std::deque<TlsPeer> peers;
+        std::wstring requests;
+        for (const Row& row : rows) {
             TestIdentity::Extensions extensions = {{NID_ext_key_usage, row.usage}};
             if (row.alternativeName != nullptr) {
                 extensions.emplace_back(NID_subject_alt_name, row.alternativeName);
@@ -143,14 +142,13 @@ TEST_F(HttpTrust, WindowsAndAnAuthorityFileJudgeAlike) {
                 TestIdentity("127.0.0.1", extensions, issuer, row.begins, row.ends, rsa ? rsaKey : NewEcKey()),
                 row.chain == Chain::kSent ? &between : nullptr, row.highestVersion);
             requests += Request(peers.back(), row.host, filed ? m_file.wstring() : L"-");
-            names.push_back(std::string(row.name) + (rsa ? ", RSA" : ", EC") + (filed ? ", file: " : ", Windows: "));
         }
-    }
-    const std::vector<std::string> answers = Ask(requests);
-    for (std::size_t i = 0; i < peers.size(); ++i) {
-        const std::string& answer = rows[i / 4].answer;
-        EXPECT_EQ(answers[i].substr(0, 3), answer.substr(0, 3)) << names[i] << answers[i];
-        EXPECT_NE(answers[i].find(answer.substr(3)), std::string::npos) << names[i] << answers[i];
+        const std::vector<std::string> answers = Ask(requests);
+        for (std::size_t i = 0; i < peers.size(); ++i) {
+            SCOPED_TRACE(std::string(rows[i].name) + (rsa ? ", RSA, " : ", EC, ") + (filed ? "file" : "Windows"));
+            EXPECT_EQ(answers[i].substr(0, 3), rows[i].answer.substr(0, 3)) << answers[i];
+            EXPECT_NE(answers[i].find(rows[i].answer.substr(3)), std::string::npos) << answers[i];
+        }
     }
 }
 
