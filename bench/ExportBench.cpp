@@ -68,9 +68,9 @@ void BenchExport(Report& report) {
         }
         BareCurl bare(origin + pathOf(megabytes));
         bare.DownloadTo(file.string());
-        report.Timed(what, AtLeast(1.5),
-                     [&] { return SecondsOf([&] { exportContacts(megabytes); }); },
-                     [&] { return SecondsOf([&] { bare.Perform(); }); }, true);
+        report.Timed(
+            what, AtLeast(1.5), [&] { return SecondsOf([&] { exportContacts(megabytes); }); },
+            [&] { return SecondsOf([&] { bare.Perform(); }); }, true);
     }
     fs::remove(file);
 }

@@ -151,9 +151,18 @@ void BenchFields(Report& report, const LoopbackServer& server) {
     };
     BareCurl bare(server.Origin() + "/fields-990");
     bare.CollectFields();
-    report.Calls("reply of 990 header fields", AtMost(2), [&] { ask("/fields-990"); }, [&] { bare.Perform(); });
-    report.Growth("growth: header fields, x10", 10, [&] { ask("/fields-990"); return 0; },
-                  [&] { ask("/fields-99"); return 0; });
+    report.Calls(
+        "reply of 990 header fields", AtMost(2), [&] { ask("/fields-990"); }, [&] { bare.Perform(); });
+    report.Growth(
+        "growth: header fields, x10", 10,
+        [&] {
+            ask("/fields-990");
+            return 0;
+        },
+        [&] {
+            ask("/fields-99");
+            return 0;
+        });
 }
 
 }  // namespace
@@ -171,8 +180,9 @@ void BenchRequests(Report& report) {
     const fs::path authority = WritePem("bench-authority.pem", https.AuthorityPem());
     CurlHttpLibContext::SetDefaultCertPath(authority.wstring());
     BenchOperations(report, https, "https", authority.string(), AtMost(1.1), AtMost(1.25));
-    report.Calls("fresh bare handles over https against RequestUserID", AtLeast(4),
-                 [&] { Parse(BareUserId(https, authority.string())->Perform()); }, AskUserId);
+    report.Calls(
+        "fresh bare handles over https against RequestUserID", AtLeast(4),
+        [&] { Parse(BareUserId(https, authority.string())->Perform()); }, AskUserId);
 
     const fs::path bundle = WritePem("bench-bundle.pem", Bundle(https.AuthorityPem()));
     CurlHttpLibContext::SetDefaultCertPath(bundle.wstring());

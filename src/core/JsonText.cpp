@@ -122,8 +122,8 @@ Json::Value ParseLeniently(const std::string& text) {
 }
 
 std::string WriteStyledText(const Json::Value& value) {
-    const bool hasComment = value.hasComment(Json::commentBefore) ||
-                            value.hasComment(Json::commentAfterOnSameLine) || value.hasComment(Json::commentAfter);
+    const bool hasComment = value.hasComment(Json::commentBefore) || value.hasComment(Json::commentAfterOnSameLine) ||
+                            value.hasComment(Json::commentAfter);
     const bool isOneLine = !value.isArray() && !value.isObject() && !hasComment;
     return isOneLine ? WriteCompactLine(value) : value.toStyledString();
 }
