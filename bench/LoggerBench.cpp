@@ -44,7 +44,7 @@ double OursDrained(int lines, const std::wstring& message) {
 void BenchLogger(Report& report) {
     const std::wstring message = L"HTTP: GET http://127.0.0.1:49152/gw ended with 200 after 0.4 ms, connection reused";
     const std::string narrow(message.begin(), message.end());
-    const fs::path folder = fs::temp_directory_path() / "bench-log";
+    const fs::path folder = fs::temp_directory_path() / ("bench-log-" + std::to_string(GetCurrentProcessId()));
     fs::create_directories(folder);
     LoggerSettings settings;
     settings.file = (folder / "ours.log").wstring();

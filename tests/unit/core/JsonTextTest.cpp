@@ -73,7 +73,7 @@ TEST(JsonText, StyledTextIsTheLibrarys) {
         "a", [1] /* behind */, {"a":1 /* within */}])";
     Json::Value values;
     ASSERT_TRUE(userauth::ParseDocument(document, values));
-    ASSERT_EQ(values.size(), 23U);
+    ASSERT_EQ(values.size(), 24U);
     for (const Json::Value& value : values) {
         EXPECT_EQ(userauth::WriteStyledText(value), value.toStyledString());
     }
