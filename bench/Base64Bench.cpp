@@ -20,8 +20,8 @@ const unsigned char* Unsigned(const std::string& text) {
 
 std::string Encoded(const std::string& bytes) {
     std::string text((bytes.size() + 2) / 3 * 4 + 1, '\0');
-    const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), Unsigned(bytes),
-                                       static_cast<int>(bytes.size()));
+    const int length =
+        EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()), Unsigned(bytes), static_cast<int>(bytes.size()));
     text.resize(static_cast<std::size_t>(length));
     return text;
 }
@@ -39,11 +39,13 @@ void BenchBase64(Report& report) {
         const std::string bytes = Bytes(size);
         const std::string text = Encoded(bytes);
         const std::string suffix = std::to_string(size) + " B";
-        report.Cpu("Base64Decode " + suffix, AtMost(1.05), [=] { return userauth::Base64Decode(text); },
-                   [=] { return Decoded(text); });
-        report.Cpu("Base64UrlEncode " + suffix, AtMost(1.2),
-                   [=] { return userauth::Base64UrlEncode(Unsigned(bytes), static_cast<std::int32_t>(bytes.size())); },
-                   [=] { return Encoded(bytes); });
+        report.Cpu(
+            "Base64Decode " + suffix, AtMost(1.05), [=] { return userauth::Base64Decode(text); },
+            [=] { return Decoded(text); });
+        report.Cpu(
+            "Base64UrlEncode " + suffix, AtMost(1.2),
+            [=] { return userauth::Base64UrlEncode(Unsigned(bytes), static_cast<std::int32_t>(bytes.size())); },
+            [=] { return Encoded(bytes); });
     }
 }
 

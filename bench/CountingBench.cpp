@@ -54,7 +54,8 @@ void BenchCounting(Report& report) {
     for (const auto& row : rows) {
         if (report.Wants(row.what)) {
             const std::string text = Filled(row.item, 100'000'000);
-            report.Timed(row.what, AtMost(0.3), [&] { return CountOurs(text); }, [&] { return CountByFind(text); });
+            report.Timed(
+                row.what, AtMost(0.3), [&] { return CountOurs(text); }, [&] { return CountByFind(text); });
         }
     }
     for (const int factor : {10, 100}) {
@@ -62,7 +63,8 @@ void BenchCounting(Report& report) {
         if (report.Wants(what)) {
             const std::string many = Filled(card + end, 1'000'000 * static_cast<std::size_t>(factor));
             const std::string few = Filled(card + end, 1'000'000);
-            report.Growth(what, factor, [&] { return CountOurs(many); }, [&] { return CountOurs(few); });
+            report.Growth(
+                what, factor, [&] { return CountOurs(many); }, [&] { return CountOurs(few); });
         }
     }
 }

@@ -33,8 +33,12 @@ const EVP_MD* Digest() {
     return fetched;
 }
 #else
-const EVP_CIPHER* Cipher(int keyBytes) { return keyBytes == 32 ? EVP_aes_256_gcm() : EVP_aes_128_gcm(); }
-const EVP_MD* Digest() { return EVP_sha256(); }
+const EVP_CIPHER* Cipher(int keyBytes) {
+    return keyBytes == 32 ? EVP_aes_256_gcm() : EVP_aes_128_gcm();
+}
+const EVP_MD* Digest() {
+    return EVP_sha256();
+}
 #endif
 
 EVP_CIPHER_CTX* ReusedContext() {
@@ -89,31 +93,36 @@ Bytes BareWrap(const std::string& serverKey, const Bytes& temporaryKey, unsigned
 void BenchCrypto(Report& report) {
     const std::string serverKey = sandbox::P256PublicKeyDer(sandbox::NewP256Key().get());
     std::string serverText((serverKey.size() + 2) / 3 * 4 + 1, '\0');
-    serverText.resize(static_cast<std::size_t>(EVP_EncodeBlock(
-        reinterpret_cast<unsigned char*>(serverText.data()), reinterpret_cast<const unsigned char*>(serverKey.data()),
-        static_cast<int>(serverKey.size()))));
+    serverText.resize(static_cast<std::size_t>(EVP_EncodeBlock(reinterpret_cast<unsigned char*>(serverText.data()),
+                                                               reinterpret_cast<const unsigned char*>(serverKey.data()),
+                                                               static_cast<int>(serverKey.size()))));
     const Bytes shortKey(16, 0x11);
     const Bytes nonce(12, 0x22);
-    report.Cpu("WrapTempKey", AtMost(1.05), [=] { return userauth::WrapTempKey(serverText, shortKey); },
-               [=] { return BareWrap(serverKey, shortKey, nullptr); });
-    report.Cpu("WrapTempKey where both write the own point", AtMost(1.05),
-               [=] { return userauth::WrapTempKey(serverText, shortKey); },
-               [=] {
-                   unsigned char point[65];
-                   return BareWrap(serverKey, shortKey, point);
-               });
+    report.Cpu(
+        "WrapTempKey", AtMost(1.05), [=] { return userauth::WrapTempKey(serverText, shortKey); },
+        [=] { return BareWrap(serverKey, shortKey, nullptr); });
+    report.Cpu(
+        "WrapTempKey where both write the own point", AtMost(1.05),
+        [=] { return userauth::WrapTempKey(serverText, shortKey); },
+        [=] {
+            unsigned char point[65];
+            return BareWrap(serverKey, shortKey, point);
+        });
     const Bytes longKey(32, 0x33);
-    report.Cpu("AesGcmEncrypt", AtMost(1.6), [=] { return userauth::AesGcmEncrypt(shortKey, longKey, nonce); },
-               [=] { return BareSeal(shortKey, longKey, nonce); });
+    report.Cpu(
+        "AesGcmEncrypt", AtMost(1.6), [=] { return userauth::AesGcmEncrypt(shortKey, longKey, nonce); },
+        [=] { return BareSeal(shortKey, longKey, nonce); });
     const Bytes blob = BareSeal(shortKey, shortKey, nonce);
-    report.Cpu("AesGcmDecrypt", AtMost(1.6), [=] { return userauth::AesGcmDecrypt(blob, shortKey); },
-               [=] { return BareOpen(blob, shortKey); });
-    report.Cpu("Sha256Hex", AtMost(1.5), [=] { return userauth::Sha256Hex(shortKey); },
-               [=] {
-                   std::array<unsigned char, 32> digest{};
-                   EVP_Digest(shortKey.data(), shortKey.size(), digest.data(), nullptr, Digest(), nullptr);
-                   return digest;
-               });
+    report.Cpu(
+        "AesGcmDecrypt", AtMost(1.6), [=] { return userauth::AesGcmDecrypt(blob, shortKey); },
+        [=] { return BareOpen(blob, shortKey); });
+    report.Cpu(
+        "Sha256Hex", AtMost(1.5), [=] { return userauth::Sha256Hex(shortKey); },
+        [=] {
+            std::array<unsigned char, 32> digest{};
+            EVP_Digest(shortKey.data(), shortKey.size(), digest.data(), nullptr, Digest(), nullptr);
+            return digest;
+        });
 }
 
 }  // namespace bench

@@ -42,7 +42,7 @@ double BytesInUse() {
 
 void BenchExport(Report& report) {
     static LoopbackServer server(LoopbackServer::Scheme::kHttp);
-    const fs::path file = fs::temp_directory_path() / "bench-contacts.vcf";
+    const fs::path file = fs::temp_directory_path() / ("bench-" + std::to_string(GetCurrentProcessId()) + ".vcf");
     const std::string origin = server.Origin();
     const std::size_t sizes[] = {1, 10, 100, 500};
     const auto pathOf = [](std::size_t megabytes) { return "/export/" + std::to_string(megabytes); };
@@ -68,9 +68,9 @@ void BenchExport(Report& report) {
         }
         BareCurl bare(origin + pathOf(megabytes));
         bare.DownloadTo(file.string());
-        report.Timed(what, AtLeast(1.5),
-                     [&] { return SecondsOf([&] { exportContacts(megabytes); }); },
-                     [&] { return SecondsOf([&] { bare.Perform(); }); }, true);
+        report.Timed(
+            what, AtLeast(1.5), [&] { return SecondsOf([&] { exportContacts(megabytes); }); },
+            [&] { return SecondsOf([&] { bare.Perform(); }); }, true);
     }
     fs::remove(file);
 }

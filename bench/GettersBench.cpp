@@ -23,6 +23,9 @@ struct BareState {
     }
 };
 
+// Called as the service's getter is: not expanded in place.
+std::wstring (BareState::*volatile g_get)() = &BareState::Get;
+
 double SlowestPercent() {
     std::vector<double> times(20000);
     for (double& time : times) {
@@ -43,8 +46,9 @@ void BenchGetters(Report& report) {
         const std::wstring token = AccessToken(size);
         bare.text = token;
         Service().SetCurrentAT(token);
-        report.Cpu("GetCurrentAT of " + std::to_string(size) + " characters", AtMost(1.05),
-                   [] { return Service().GetCurrentAT(); }, [] { return bare.Get(); });
+        report.Cpu(
+            "GetCurrentAT of " + std::to_string(size) + " characters", AtMost(1.05),
+            [] { return Service().GetCurrentAT(); }, [] { return (bare.*g_get)(); });
     }
 
     const char* const what = "p99 of GetCurrentAT while a refresh stalls";

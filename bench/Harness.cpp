@@ -157,13 +157,13 @@ std::string Report::TableLine(const Row& row) {
     target += row.target.side == Target::Side::kNone ? "" : Printed(row.target.limit, 2);
     return "| " + row.what + " | " + Printed(row.ours, row.unit) + " | " +
            (row.reference ? Printed(*row.reference, row.unit) : "") + " | " +
-           (row.reference ? Printed(row.ratio, 2) : "") +
-           (row.p10 ? " (p10 " + Printed(*row.p10, 2) + ")" : "") + " | " +
-           (row.spread > 0 ? Printed(row.spread, 2) : "") + " | " + target + " | " + Verdict(row) + " |";
+           (row.reference ? Printed(row.ratio, 2) : "") + (row.p10 ? " (p10 " + Printed(*row.p10, 2) + ")" : "") +
+           " | " + (row.spread > 0 ? Printed(row.spread, 2) : "") + " | " + target + " | " + Verdict(row) + " |";
 }
 
 bool Report::Finish(const std::string& jsonFile) const {
-    std::printf("| what | ours | reference | ratio | spread | target | |\n| --- | --- | --- | --- | --- | --- | --- |\n");
+    std::printf(
+        "| what | ours | reference | ratio | spread | target | |\n| --- | --- | --- | --- | --- | --- | --- |\n");
     Json::Value rows(Json::arrayValue);
     bool good = true;
     for (const Row& row : m_rows) {

@@ -29,8 +29,12 @@ struct Target {
     Side side = Side::kNone;
     double limit = 0;
 };
-inline Target AtMost(double limit) { return {Target::Side::kAtMost, limit}; }
-inline Target AtLeast(double limit) { return {Target::Side::kAtLeast, limit}; }
+inline Target AtMost(double limit) {
+    return {Target::Side::kAtMost, limit};
+}
+inline Target AtLeast(double limit) {
+    return {Target::Side::kAtLeast, limit};
+}
 
 // Rows of the table: both sides of a comparison run in turns, so that whatever else the machine does meets both alike.
 // A round takes the median of each side; the row takes the median of the rounds' ratios. Its spread is half the distance

@@ -16,8 +16,8 @@ void AppendUrlEncoded(std::string& out, const Text& text) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     for (const auto unit : text) {
         const auto byte = static_cast<unsigned char>(unit);
-        const bool stays = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') ||
-                           byte == '-' || byte == '_' || byte == '.' || byte == '~';
+        const bool stays = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+                           (byte >= '0' && byte <= '9') || byte == '-' || byte == '_' || byte == '.' || byte == '~';
         if (stays) {
             out += static_cast<char>(byte);
         } else if (byte == ' ') {
@@ -51,26 +51,30 @@ void BenchHeaders(Report& report) {
     const std::wstring traceId = L"10006_11_1700000000_40318265";
     for (const HeadType type : {HeadType::kAccount, HeadType::kUser, HeadType::kCodeExchange, HeadType::kAccessToken}) {
         const HeaderMap ready = Service().BuildHeaders(type, traceId);
-        report.Cpu("BuildHeaders set " + std::to_string(static_cast<int>(type)), AtMost(1.5),
-                   [=] { return Service().BuildHeaders(type, traceId); },
-                   [=] {
-                       HeaderMap headers;
-                       for (const auto& [name, value] : ready) {
-                           headers.emplace(name, value);
-                       }
-                       return headers;
-                   });
+        report.Cpu(
+            "BuildHeaders set " + std::to_string(static_cast<int>(type)), AtMost(1.5),
+            [=] { return Service().BuildHeaders(type, traceId); },
+            [=] {
+                HeaderMap headers;
+                for (const auto& [name, value] : ready) {
+                    headers.emplace(name, value);
+                }
+                return headers;
+            });
     }
-    report.Cpu("GetAuthorizationContents", AtMost(1.5), [] { return UserAuthServiceAccess::Authorization(Service()); },
-               [token] { return LeastAuthorization(token); });
-    report.Cpu("UrlEncode 128", AtMost(1.5), [token] { return userauth::UrlEncode(token); },
-               [token] {
-                   std::string encoded;
-                   AppendUrlEncoded(encoded, token);
-                   return std::wstring(encoded.begin(), encoded.end());
-               });
-    report.Cpu("GetTraceID", {}, [] { return Service().GetTraceID(BaseCmd::kRequestAccessToken); },
-               [traceId] { return traceId; });
+    report.Cpu(
+        "GetAuthorizationContents", AtMost(1.5), [] { return UserAuthServiceAccess::Authorization(Service()); },
+        [token] { return LeastAuthorization(token); });
+    report.Cpu(
+        "UrlEncode 128", AtMost(1.5), [token] { return userauth::UrlEncode(token); },
+        [token] {
+            std::string encoded;
+            AppendUrlEncoded(encoded, token);
+            return std::wstring(encoded.begin(), encoded.end());
+        });
+    report.Cpu(
+        "GetTraceID", {}, [] { return Service().GetTraceID(BaseCmd::kRequestAccessToken); },
+        [traceId] { return traceId; });
 }
 
 }  // namespace bench

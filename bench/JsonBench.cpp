@@ -81,16 +81,20 @@ Json::Value ParseKeyList(const std::string& text) {
 }  // namespace
 
 void BenchJson(Report& report) {
-    report.Cpu("token reply", AtMost(1.6), [] { return ReadTokens(kTokenReply); }, [] { return Parsed(kTokenReply); });
+    report.Cpu(
+        "token reply", AtMost(1.6), [] { return ReadTokens(kTokenReply); }, [] { return Parsed(kTokenReply); });
     const std::string keys = KeyList();
-    report.Cpu("key list of 40 KB", AtMost(1.15), [=] { return ParseKeyList(keys); }, [=] { return Parsed(keys); });
+    report.Cpu(
+        "key list of 40 KB", AtMost(1.15), [=] { return ParseKeyList(keys); }, [=] { return Parsed(keys); });
     const std::string devices = Devices(190);
-    report.Cpu("190 devices", AtMost(1.45), [=] { return ReadDevices(devices); }, [=] { return Parsed(devices); });
+    report.Cpu(
+        "190 devices", AtMost(1.45), [=] { return ReadDevices(devices); }, [=] { return Parsed(devices); });
     for (const int factor : {10, 100}) {
         const std::string many = Devices(2 * factor);
         const std::string few = Devices(2);  // a reply of 200 is the largest that an operation reads
-        report.Growth("growth: devices, x" + std::to_string(factor), factor, [=] { return ReadDevices(many); },
-                      [=] { return ReadDevices(few); });
+        report.Growth(
+            "growth: devices, x" + std::to_string(factor), factor, [=] { return ReadDevices(many); },
+            [=] { return ReadDevices(few); });
     }
 }
 

@@ -44,7 +44,7 @@ double OursDrained(int lines, const std::wstring& message) {
 void BenchLogger(Report& report) {
     const std::wstring message = L"HTTP: GET http://127.0.0.1:49152/gw ended with 200 after 0.4 ms, connection reused";
     const std::string narrow(message.begin(), message.end());
-    const fs::path folder = fs::temp_directory_path() / "bench-log";
+    const fs::path folder = fs::temp_directory_path() / ("bench-log-" + std::to_string(GetCurrentProcessId()));
     fs::create_directories(folder);
     LoggerSettings settings;
     settings.file = (folder / "ours.log").wstring();
@@ -54,8 +54,7 @@ void BenchLogger(Report& report) {
 
     {
         const auto pool = std::make_shared<spdlog::details::thread_pool>(8192, 1);
-        const auto sink =
-            std::make_shared<spdlog::sinks::basic_file_sink_mt>((folder / "bare.log").string(), true);
+        const auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>((folder / "bare.log").string(), true);
         spdlog::async_logger bare("bare", sink, pool, spdlog::async_overflow_policy::overrun_oldest);
         const auto bareBurst = [&] {
             const double seconds =
@@ -63,8 +62,8 @@ void BenchLogger(Report& report) {
             Sleep(20);  // its queue empties
             return seconds;
         };
-        report.Timed("Logger::Output, bursts of 1,000", AtMost(3), [&] { return OursBurst(kBurst, message); },
-                     bareBurst);
+        report.Timed(
+            "Logger::Output, bursts of 1,000", AtMost(3), [&] { return OursBurst(kBurst, message); }, bareBurst);
     }
     const std::wstring longer = [&] {
         std::wstring text;
@@ -73,12 +72,14 @@ void BenchLogger(Report& report) {
         }
         return text;
     }();
-    report.Growth("growth: log lines, x10", 10, [&] { return OursDrained(3000, message); },
-                  [&] { return OursDrained(300, message); });
+    report.Growth(
+        "growth: log lines, x10", 10, [&] { return OursDrained(3000, message); },
+        [&] { return OursDrained(300, message); });
     for (const std::size_t factor : {10U, 100U}) {
-        report.Growth("growth: masked text, x" + std::to_string(factor), static_cast<double>(factor),
-                      [&] { return OursDrained(10, longer.substr(0, 600 * factor)); },
-                      [&] { return OursDrained(10, longer.substr(0, 600)); });
+        report.Growth(
+            "growth: masked text, x" + std::to_string(factor), static_cast<double>(factor),
+            [&] { return OursDrained(10, longer.substr(0, 600 * factor)); },
+            [&] { return OursDrained(10, longer.substr(0, 600)); });
     }
     Logger::Shutdown();
     std::error_code ignored;

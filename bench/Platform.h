@@ -13,12 +13,13 @@ namespace bench {
 inline void AnswerAsPlatform(LoopbackServer& server) {
     server.Answer("/gw", {R"({"uid":"2850086000000000001","open_id":"MDFA1234567890","expire_in":3600,"scope":"all"})",
                           "Content-Type: application/json\r\n"});
-    server.Answer("/pcclient/getAccessTokenByCode",
-                  {R"({"accessToken":"DQEBAPnlqMWQWZ9yLXRoZS1iZW5jaC1hY2Nlc3MtdG9rZW4tMTIzNDU2Nzg5MGFiY2RlZmdoaWprbG1u",)"
-                   R"("refreshToken":"DAEBANvlq9yLXRoZS1iZW5jaC1yZWZyZXNoLXRva2VuLTEyMzQ1Njc4OTBhYmNkZWZnaGlqa2xtbm9wcXI=",)"
-                   R"("registerCountryCode":"DE","expires":3600,"oauthHttpStatusCode":200,"oauthSubErrorCode":0,)"
-                   R"("result":{"code":"0","desc":"success"}})",
-                   "Content-Type: application/json\r\n"});
+    server.Answer(
+        "/pcclient/getAccessTokenByCode",
+        {R"({"accessToken":"DQEBAPnlqMWQWZ9yLXRoZS1iZW5jaC1hY2Nlc3MtdG9rZW4tMTIzNDU2Nzg5MGFiY2RlZmdoaWprbG1u",)"
+         R"("refreshToken":"DAEBANvlq9yLXRoZS1iZW5jaC1yZWZyZXNoLXRva2VuLTEyMzQ1Njc4OTBhYmNkZWZnaGlqa2xtbm9wcXI=",)"
+         R"("registerCountryCode":"DE","expires":3600,"oauthHttpStatusCode":200,"oauthSubErrorCode":0,)"
+         R"("result":{"code":"0","desc":"success"}})",
+         "Content-Type: application/json\r\n"});
 }
 
 inline void UsePlatform(const std::string& origin) {

@@ -2,6 +2,7 @@
 #include <json/reader.h>
 #include <json/value.h>
 #include <openssl/pem.h>
+#include <windows.h>
 
 #include <filesystem>
 #include <fstream>
@@ -128,8 +129,9 @@ std::string Bundle(const std::string& authority) {
     return pem;
 }
 
-fs::path WritePem(const char* name, const std::string& pem) {
-    fs::path file = fs::temp_directory_path() / name;
+// Named after the process: another one's authority is not this one's.
+fs::path WritePem(const std::string& name, const std::string& pem) {
+    fs::path file = fs::temp_directory_path() / ("bench-" + std::to_string(GetCurrentProcessId()) + name);
     std::ofstream(file, std::ios::binary) << pem;
     return file;
 }
@@ -151,9 +153,18 @@ void BenchFields(Report& report, const LoopbackServer& server) {
     };
     BareCurl bare(server.Origin() + "/fields-990");
     bare.CollectFields();
-    report.Calls("reply of 990 header fields", AtMost(2), [&] { ask("/fields-990"); }, [&] { bare.Perform(); });
-    report.Growth("growth: header fields, x10", 10, [&] { ask("/fields-990"); return 0; },
-                  [&] { ask("/fields-99"); return 0; });
+    report.Calls(
+        "reply of 990 header fields", AtMost(2), [&] { ask("/fields-990"); }, [&] { bare.Perform(); });
+    report.Growth(
+        "growth: header fields, x10", 10,
+        [&] {
+            ask("/fields-990");
+            return 0;
+        },
+        [&] {
+            ask("/fields-99");
+            return 0;
+        });
 }
 
 }  // namespace
@@ -168,16 +179,19 @@ void BenchRequests(Report& report) {
     BenchOperations(report, http, "http", "", AtMost(1.1), AtMost(1.2));
     BenchFields(report, http);
 
-    const fs::path authority = WritePem("bench-authority.pem", https.AuthorityPem());
+    const fs::path authority = WritePem("-authority.pem", https.AuthorityPem());
     CurlHttpLibContext::SetDefaultCertPath(authority.wstring());
     BenchOperations(report, https, "https", authority.string(), AtMost(1.1), AtMost(1.25));
-    report.Calls("fresh bare handles over https against RequestUserID", AtLeast(4),
-                 [&] { Parse(BareUserId(https, authority.string())->Perform()); }, AskUserId);
+    report.Calls(
+        "fresh bare handles over https against RequestUserID", AtLeast(4),
+        [&] { Parse(BareUserId(https, authority.string())->Perform()); }, AskUserId);
 
-    const fs::path bundle = WritePem("bench-bundle.pem", Bundle(https.AuthorityPem()));
+    const fs::path bundle = WritePem("-bundle.pem", Bundle(https.AuthorityPem()));
     CurlHttpLibContext::SetDefaultCertPath(bundle.wstring());
     BenchOperations(report, https, "https with a bundle of 220 KB", bundle.string(), AtMost(1.12), AtMost(1.25));
     CurlHttpLibContext::SetDefaultCertPath({});
+    fs::remove(authority);
+    fs::remove(bundle);
 
     UsePlatform(http.Origin());
     Service().SetCurrentAT(AccessToken());

@@ -13,7 +13,9 @@ public:
 
 namespace bench {
 
-inline UserAuthService& Service() { return *UserAuthService::GetInstance(); }
+inline UserAuthService& Service() {
+    return *UserAuthService::GetInstance();
+}
 
 // As long as the platform's are.
 inline std::wstring AccessToken(std::size_t characters = 128) {

@@ -7,7 +7,7 @@ run_bench() {
   wake_wine 20
   # Whoever starts first pays for the libraries' pages and for Wine's own processes.
   "$run_wine" "$build/bin/bench.exe" "nothing has this name" < /dev/null > /dev/null 2>&1 9>&- || true
-  "$run_wine" "$build/bin/bench.exe" "${1:-}" "Z:$json" 9>&- < /dev/null | sed -u 's/\r$//' || status=${PIPESTATUS[0]}
+  "$run_wine" "$build/bin/bench.exe" "${1:-}" "Z:$json" 9>&- < /dev/null | sed -u 's/\r$//' 9>&- || status=${PIPESTATUS[0]}
   say "the same rows as JSON: $json"
   return "$status"
 }

@@ -131,8 +131,8 @@ std::string WriteBy(const Json::StreamWriterBuilder& rules, const Json::Value& v
 }
 
 std::string WriteStyledText(const Json::Value& value) {
-    const bool hasComment = value.hasComment(Json::commentBefore) ||
-                            value.hasComment(Json::commentAfterOnSameLine) || value.hasComment(Json::commentAfter);
+    const bool hasComment = value.hasComment(Json::commentBefore) || value.hasComment(Json::commentAfterOnSameLine) ||
+                            value.hasComment(Json::commentAfter);
     if (!value.isArray() && !value.isObject() && !hasComment) {
         return WriteCompactLine(value);
     }

@@ -30,11 +30,8 @@ std::string FilterText(const std::string& bytes) {
 
 TEST(Base64, TheHeadersEncodingIsTheFilters) {
     std::string bytes;
-    for (unsigned value = 1; bytes.size() < 5000; value = value * 1103515245 + 12345) {
-        const bool isNearABlock = bytes.size() < 200 || (bytes.size() + 3) % 1024 < 6 || bytes.size() > 4990;
-        if (isNearABlock) {
-            EXPECT_EQ(userauth::EncodeStandardBase64(bytes), FilterText(bytes)) << bytes.size();
-        }
+    for (unsigned value = 1; bytes.size() < 2100; value = value * 1103515245 + 12345) {
+        EXPECT_EQ(userauth::EncodeStandardBase64(bytes), FilterText(bytes)) << bytes.size();
         bytes += static_cast<char>(value >> 16);
     }
 }
