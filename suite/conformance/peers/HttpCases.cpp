@@ -28,6 +28,16 @@ std::string Chunked(const std::string& body, const std::string& headers = "") {
            body.substr(1) + "\r\n0\r\nTrailer: 1\r\n\r\n";
 }
 
+// The reply without its last bytes, from none of it to all but one, closed and reset in turn; then as it is.
+std::vector<RawReply> CutAtEveryByte(const std::string& reply) {
+    std::vector<RawReply> script;
+    for (std::size_t size = 0; size < reply.size(); ++size) {
+        script.push_back({reply.substr(0, size), size % 2 == 0 ? Then::kClose : Then::kReset});
+    }
+    script.push_back({reply});
+    return script;
+}
+
 // The same body, cut at every byte, in HTTP replies that are whole; then with a byte behind it, and then as it is.
 std::vector<RawReply> CutWithin(const std::string& body, const std::string& coding) {
     std::vector<RawReply> script;
