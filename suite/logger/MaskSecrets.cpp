@@ -1,6 +1,7 @@
 #include "MaskSecrets.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "SecretNames.h"
 #include "TextScan.h"
@@ -29,6 +30,7 @@ public:
 
 private:
     std::size_t OriginalAt(std::size_t at) const { return m_unwrapped.OriginalAt(at); }
+    bool IsMasked(std::size_t at) const { return at >= m_last.begin && at < m_last.end; }
 
     Span SecretAt(std::size_t at) const;
     Span ValueSpan(const NamedValue& value) const;
@@ -37,7 +39,7 @@ private:
     std::string_view m_original;
     UnwrappedText m_unwrapped;
     std::string_view m_plain;
-    std::size_t m_copied = 0;  // of the original, as it was or as a mask
+    Span m_last = kNoSecret;  // of the spans so far the one that ends last
 };
 
 // A number of up to five digits, as in "code=404".
@@ -81,11 +83,11 @@ Span SecretScan::ValueSpan(const NamedValue& value) const {
     return {OriginalAt(value.begin), EndOfUnquoted(value)};
 }
 
-// A name inside a masked value counts when its own value comes behind that: what looked like a value may have been
-// none.
+// A name counts unless its value begins in what is masked already: what looked like a value may have been none, and a
+// value may stand behind other names.
 Span SecretScan::SecretAt(std::size_t at) const {
     const NamedValue value = NamedValueAt(m_plain, at);
-    if (value.begin != kNone && OriginalAt(value.begin) < m_copied) {
+    if (value.begin != kNone && IsMasked(OriginalAt(value.begin))) {
         return kNoSecret;
     }
     if (value.begin != kNone) {
@@ -96,19 +98,28 @@ Span SecretScan::SecretAt(std::size_t at) const {
     const bool startsWord = Lower(m_plain[at]) == 'b' && (at == 0 || !IsWordCharacter(m_plain[at - 1]));
     const std::size_t bearer = startsWord ? AfterBearer(m_plain, at) : kNone;
     const std::size_t begin = bearer == kNone ? 0 : OriginalAt(bearer);
-    return bearer == kNone || begin < m_copied ? kNoSecret : Span{begin, EndOfRun(m_original, begin, "&<>,;")};
+    return bearer == kNone || IsMasked(begin) ? kNoSecret : Span{begin, EndOfRun(m_original, begin, "&<>,;")};
 }
 
 std::string SecretScan::Masked() {
-    std::string masked;
+    std::vector<Span> secrets;
     for (std::size_t i = 0; (i = m_plain.find_first_of(kFirstLetters, i)) != kNone; ++i) {
         const Span secret = SecretAt(i);
         if (secret.begin < secret.end) {
-            masked.append(m_original, m_copied, secret.begin - m_copied).append("***");
-            m_copied = secret.end;
+            secrets.push_back(secret);
+            m_last = secret.end > m_last.end ? secret : m_last;
         }
     }
-    return masked.append(m_original.substr(m_copied));
+    std::sort(secrets.begin(), secrets.end(), [](const Span& a, const Span& b) { return a.begin < b.begin; });
+    std::string masked;
+    std::size_t copied = 0;
+    for (const Span& secret : secrets) {
+        if (secret.begin >= copied) {
+            masked.append(m_original, copied, secret.begin - copied).append("***");
+        }
+        copied = std::max(copied, secret.end);
+    }
+    return masked.append(m_original.substr(copied));
 }
 
 }  // namespace

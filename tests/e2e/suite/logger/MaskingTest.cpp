@@ -50,6 +50,7 @@ TEST_F(Masking, NoSecretReachesASink) {
         L"control=kept\r\nCookie: a=CANARY; b=CANARY",
         L"control=kept\r\nSet-Cookie: a=CANARY; Path=/CANARY",
         L"Bearer\r\n CANARY control=kept",
+        L"\"token\" refused: access_token=CANARY control=kept \"value\": 3",
         L"Bearer \n<access_token>CANARY</access_token> control=kept",
         L"https://h/p?code=CANARY&authCode=CANARY&authorizationCode=CANARY&bearerToken=CANARY&control=kept",
         L"id_token=CANARY&temp_token=CANARY&access_token[0]=CANARY&control=kept",
