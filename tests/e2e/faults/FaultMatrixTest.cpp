@@ -112,6 +112,7 @@ TEST_F(FaultMatrix, ATimeLimitHoldsAtEveryStage) {
     rows.push_back({"trickled trailer", kHttpTimeout, "<ok><c>0|", trickle, "A"});
     rows.push_back({"trickled interim replies", kHttpTimeout, "", trickle, "HTTP/1.1 103 E||"});
     std::vector<std::thread> threads;
+    threads.reserve(rows.size());
     for (const Fault& row : rows) {
         threads.emplace_back([this, &row] {
             RawServer server(std::vector<RawReply>{SilentReply(row)});

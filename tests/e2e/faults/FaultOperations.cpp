@@ -5,6 +5,7 @@
 using Form = FaultedOperation::Form;
 using Place = FaultedOperation::Place;
 
+// NOLINTNEXTLINE(readability-function-size): one table
 std::vector<FaultedOperation> FaultSession::Operations() {
     UserAuthService& s = *m_service;
     st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();

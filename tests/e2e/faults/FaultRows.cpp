@@ -38,6 +38,7 @@ void AddStatuses(std::vector<Fault>& rows, const std::string& statuses, const st
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-function-size): one table
 std::vector<Fault> FaultRows() {
     std::vector<Fault> rows = {
         {"control: whole", 200, "<ok><l>|<b>"},

@@ -177,6 +177,7 @@ bool FaultSession::Survives(const FaultedOperation& operation, const Fault& faul
     return result.total_part_count() == before;
 }
 
+// NOLINTNEXTLINE(readability-function-size): the expectations are macros
 void FaultSession::Run(const FaultedOperation& operation, int code, bool succeeds, const std::string& changes,
                        const std::string& other) {
     const Fields expected = Changed(State(), changes, other);
