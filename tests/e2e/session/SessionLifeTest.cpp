@@ -5,7 +5,7 @@
 
 namespace {
 
-const char kPhoto[] = "/photos/260086000100000001.png";
+[[maybe_unused]] const char kPhoto[] = "/photos/260086000100000001.png";
 
 // Signed in as the default account, with a window for the portrait message.
 class SessionLife : public SandboxSession {
