@@ -72,16 +72,17 @@ inline SOCKET accept(SOCKET socket, sockaddr*, int*) {
     return static_cast<SOCKET>(static_cast<std::intptr_t>(accept(Native(socket), nullptr, nullptr)));
 }
 inline int recv(SOCKET socket, char* buffer, std::size_t bytes, int flags) {
-    return static_cast<int>(recv(Native(socket), buffer, bytes, flags));
+    return static_cast<int>(recv(Native(socket), static_cast<void*>(buffer), bytes, flags));
 }
 inline int send(SOCKET socket, const char* buffer, int bytes, int flags) {
-    return static_cast<int>(send(Native(socket), buffer, static_cast<std::size_t>(bytes), flags | MSG_NOSIGNAL));
+    return static_cast<int>(
+        send(Native(socket), static_cast<const void*>(buffer), static_cast<std::size_t>(bytes), flags | MSG_NOSIGNAL));
 }
 inline int shutdown(SOCKET socket, int how) {
     return shutdown(Native(socket), how);
 }
 inline int setsockopt(SOCKET socket, int level, int option, const char* value, std::size_t bytes) {
-    return setsockopt(Native(socket), level, option, value, static_cast<socklen_t>(bytes));
+    return setsockopt(Native(socket), level, option, static_cast<const void*>(value), static_cast<socklen_t>(bytes));
 }
 inline int closesocket(SOCKET socket) {
     return close(Native(socket));
