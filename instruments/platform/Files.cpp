@@ -1,6 +1,7 @@
 // Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION, and
 // an open file, a stream's too, cannot be deleted, moved or replaced unless its opener shared that. Unlike it: streams
-// open what a handle keeps to itself, the C++ library renames and removes open files, and letter case counts.
+// open what a handle keeps to itself, the C++ library renames and removes open files, letter case counts,
+// and a backslash is a character of a name, as it is for a stream.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -106,7 +107,7 @@ BOOL Moved(ssize_t result, DWORD* count) {
 }  // namespace
 
 HANDLE CreateFileW(LPCWSTR wide, DWORD access, DWORD share, void*, DWORD disposition, DWORD flags, HANDLE) {
-    const std::string path = NarrowPath(wide);
+    const std::string path = NarrowText(wide);
     const std::lock_guard<std::mutex> hold(g_lock);
     if (!MayShare(path, SharingNeededFor(access), share)) {
         return INVALID_HANDLE_VALUE;
@@ -140,7 +141,7 @@ BOOL FlushFileBuffers(HANDLE handle) {
 
 // A file that is to be replaced must not be open at all.
 BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
-    const std::string target = NarrowPath(to);
+    const std::string target = NarrowText(to);
     const std::lock_guard<std::mutex> hold(g_lock);
     if (access(target.c_str(), F_OK) == 0 && (flags & MOVEFILE_REPLACE_EXISTING) == 0) {
         return Refuse(ERROR_ALREADY_EXISTS);
@@ -148,16 +149,16 @@ BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags) {
     if (!MayShare(target, ~0U, 0)) {
         return Refuse(ERROR_ACCESS_DENIED);
     }
-    const std::string source = NarrowPath(from);
+    const std::string source = NarrowText(from);
     return MayShare(source, FILE_SHARE_DELETE, kEverything) && Done(rename(source.c_str(), target.c_str()) == 0);
 }
 
 BOOL DeleteFileW(LPCWSTR wide) {
-    const std::string path = NarrowPath(wide);
+    const std::string path = NarrowText(wide);
     const std::lock_guard<std::mutex> hold(g_lock);
     return MayShare(path, FILE_SHARE_DELETE, kEverything) && Done(unlink(path.c_str()) == 0);
 }
 
 BOOL CreateHardLinkW(LPCWSTR linkPath, LPCWSTR existing, void*) {
-    return Done(link(NarrowPath(existing).c_str(), NarrowPath(linkPath).c_str()) == 0);
+    return Done(link(NarrowText(existing).c_str(), NarrowText(linkPath).c_str()) == 0);
 }

@@ -1,10 +1,11 @@
 // The machine, the process and its environment, whose names have no letter case. The numbers are those of a workstation with version 10.0 behind a version
 // record that says 6.2. The firmware has a table only when USERAUTH_INSTRUMENT_SMBIOS names a file with one.
 
+#include <shellapi.h>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -127,6 +128,32 @@ BOOL SetEnvironmentVariableW(LPCWSTR wide, LPCWSTR value) {
         unsetenv(std::string(entry, name.size()).c_str());
     }
     return value == nullptr || setenv(name.c_str(), NarrowText(value).c_str(), 1) == 0;
+}
+
+// The arguments are asked for below, from the process itself.
+LPCWSTR GetCommandLineW() {
+    return L"";
+}
+
+// One block, like the platform's: pointers, then texts. The first line of /proc/self/cmdline is the program.
+LPWSTR* CommandLineToArgvW(LPCWSTR, int* count) {
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    const std::string texts{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    *count = static_cast<int>(std::count(texts.begin(), texts.end(), '\0'));
+    const auto pointers = static_cast<std::size_t>(*count) * sizeof(LPWSTR);
+    auto* const list = static_cast<LPWSTR*>(std::malloc(pointers + texts.size() * sizeof(wchar_t)));
+    auto* text = reinterpret_cast<wchar_t*>(list + *count);
+    for (std::size_t at = 0, index = 0; at < texts.size(); at = texts.find('\0', at) + 1, ++index) {
+        const std::wstring wide = WideText(texts.c_str() + at);
+        list[index] = std::wmemcpy(text, wide.c_str(), wide.size() + 1);
+        text += wide.size() + 1;
+    }
+    return list;
+}
+
+// Ctrl-C ends the process.
+BOOL SetConsoleCtrlHandler(BOOL (*)(DWORD), BOOL) {
+    return TRUE;
 }
 
 void OutputDebugStringW(LPCWSTR) {}

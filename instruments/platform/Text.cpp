@@ -13,6 +13,11 @@
 
 #include "WideText.h"
 
+// The C++ library turns wide paths into bytes by this facet of the classic locale, which knows ASCII alone. On the
+// platform every wide path is good; defined here, the facet does the same in UTF-8.
+std::codecvt<wchar_t, char, std::mbstate_t>::codecvt(std::size_t references)
+    : __codecvt_abstract_base(references), _M_c_locale_codecvt(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)) {}
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -134,27 +139,6 @@ int HandOut(const Text& result, Character* buffer, int capacity) {
 }
 
 }  // namespace
-
-// The C++ library turns wide paths into bytes by this facet of the classic locale, which knows ASCII alone. On the
-// platform every wide path is good and a backslash separates folders; defined here, the facet does the same in UTF-8.
-std::codecvt_base::result std::codecvt<wchar_t, char, std::mbstate_t>::do_out(std::mbstate_t&, const wchar_t* from,
-                                                                              const wchar_t* fromEnd,
-                                                                              const wchar_t*& fromNext, char* to,
-                                                                              char* toEnd, char*& toNext) const {
-    for (fromNext = from, toNext = to; fromNext != fromEnd; ++fromNext) {
-        const std::string bytes = *fromNext == L'\\' ? "/" : Encoded(CP_UTF8, fromNext, 1);
-        if (static_cast<std::size_t>(toEnd - toNext) < bytes.size()) {
-            return partial;
-        }
-        toNext += bytes.copy(toNext, bytes.size());
-    }
-    return ok;
-}
-
-// Bytes of a character, by which the library measures its buffer.
-int std::codecvt<wchar_t, char, std::mbstate_t>::do_max_length() const throw() {
-    return 4;
-}
 
 UINT GetACP() {
     return 1252;

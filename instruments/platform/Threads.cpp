@@ -1,11 +1,13 @@
-// Threads' handles, mutexes and the thread pool. Like the platform: a thread's handle is signalled when the thread has
+// Threads and their handles, events, mutexes and the thread pool. Like the platform: a thread's handle is signalled when the thread has
 // run out, one name is one mutex, a mutex is its owner's alone and abandoned by an owner that ended, and the pool keeps a
-// callback's library loaded until it has returned. Unlike it: names count inside this process only, and the pool
-// starts a thread a callback.
+// callback's library loaded until it has returned. Unlike it: names count inside this process only, the pool
+// starts a thread a callback, and a thread that leaves with its library goes through its own frames first.
 
+#include <process.h>
 #include <unistd.h>
 #include <windows.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -44,8 +46,19 @@ struct ThreadEnd {
 thread_local ThreadEnd g_threadEnd;
 
 struct ThreadHandle : KernelObject {
-    Flag ended = g_threadEnd.ended;
+    explicit ThreadHandle(Flag flag) : ended(std::move(flag)) {}
+    Flag ended;
     DWORD Take() override { return *ended ? WAIT_OBJECT_0 : WAIT_TIMEOUT; }
+};
+
+struct EventHandle : KernelObject {
+    bool set = false;
+    bool manual = false;
+    DWORD Take() override {
+        const bool was = set;
+        set = set && manual;
+        return was ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    }
 };
 
 struct Mutex {
@@ -65,6 +78,13 @@ struct MutexHandle : KernelObject {
         mutex->ownerEnded = g_threadEnd.ended;
         return abandoned ? WAIT_ABANDONED : WAIT_OBJECT_0;
     }
+};
+
+std::atomic<DWORD> g_lastThreadId{0};
+thread_local DWORD g_threadId = ++g_lastThreadId;
+
+struct ThreadLeaves {
+    HMODULE library;
 };
 
 #define CURRENT_PROCESS (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
@@ -89,12 +109,41 @@ DWORD GetCurrentProcessId() {
     return static_cast<DWORD>(getpid());
 }
 
+DWORD GetCurrentThreadId() {
+    return g_threadId;
+}
+
+std::uintptr_t _beginthreadex(void*, unsigned, unsigned (*run)(void*), void* argument, unsigned, unsigned* id) {
+    try {
+        const Flag ended = std::make_shared<bool>(false);
+        *id = ++g_lastThreadId;
+        std::thread([run, argument, ended, number = *id] {
+            g_threadId = number;
+            g_threadEnd.ended = ended;
+            HMODULE library = nullptr;
+            try {
+                run(argument);
+            } catch (const ThreadLeaves& leaving) {
+                library = leaving.library;
+            }
+            FreeLibrary(library);
+        }).detach();
+        return reinterpret_cast<std::uintptr_t>(static_cast<KernelObject*>(new ThreadHandle(ended)));
+    } catch (const std::system_error&) {
+        return 0;
+    }
+}
+
+void FreeLibraryAndExitThread(HMODULE module, DWORD) {
+    throw ThreadLeaves{module};
+}
+
 // Of the current thread only: nobody duplicates anything else here.
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD, BOOL, DWORD) {
     if (source != CURRENT_THREAD) {
         return Refuse(ERROR_INVALID_HANDLE);
     }
-    *target = static_cast<KernelObject*>(new ThreadHandle);
+    *target = static_cast<KernelObject*>(new ThreadHandle(g_threadEnd.ended));
     return TRUE;
 }
 
@@ -117,6 +166,24 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     std::unique_lock<std::mutex> hold(AllWaiting().lock);
     AllWaiting().changed.wait_until(hold, end, [&] { return (result = object->Take()) != WAIT_TIMEOUT; });
     return result;
+}
+
+HANDLE CreateEventW(void*, BOOL manualReset, BOOL set, LPCWSTR) {
+    auto* const event = new EventHandle;
+    event->manual = manualReset != FALSE;
+    event->set = set != FALSE;
+    return static_cast<KernelObject*>(event);
+}
+
+BOOL SetEvent(HANDLE handle) {
+    auto* const event = ObjectOf<EventHandle>(handle);
+    const std::lock_guard<std::mutex> hold(AllWaiting().lock);
+    if (event == nullptr) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    event->set = true;
+    AllWaiting().changed.notify_all();
+    return TRUE;
 }
 
 HANDLE CreateMutexW(void*, BOOL owned, LPCWSTR name) {

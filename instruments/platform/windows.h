@@ -12,6 +12,7 @@
 #define WINAPI
 #define CALLBACK
 #define NTAPI
+#define __stdcall
 #define FALSE 0
 #define TRUE 1
 #define MAX_PATH 260
@@ -100,9 +101,13 @@ struct TP_CALLBACK_ENVIRON {
 HANDLE GetCurrentProcess();
 HANDLE GetCurrentThread();
 DWORD GetCurrentProcessId();
+DWORD GetCurrentThreadId();
+[[noreturn]] void FreeLibraryAndExitThread(HMODULE module, DWORD exitCode);
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD access, BOOL inherit, DWORD options);
 BOOL CloseHandle(HANDLE handle);
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+HANDLE CreateEventW(void* security, BOOL manualReset, BOOL set, LPCWSTR name);
+BOOL SetEvent(HANDLE event);
 HANDLE CreateMutexW(void* security, BOOL owned, LPCWSTR name);
 BOOL ReleaseMutex(HANDLE mutex);
 void InitializeThreadpoolEnvironment(TP_CALLBACK_ENVIRON* environment);
@@ -170,6 +175,9 @@ UINT GetSystemDirectoryW(wchar_t* path, UINT capacity);
 UINT GetSystemFirmwareTable(DWORD provider, DWORD table, void* buffer, DWORD bytes);
 DWORD GetEnvironmentVariableW(LPCWSTR name, wchar_t* value, DWORD capacity);
 BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
+LPCWSTR GetCommandLineW();
+constexpr DWORD CTRL_C_EVENT = 0, CTRL_BREAK_EVENT = 1;
+BOOL SetConsoleCtrlHandler(BOOL (*handler)(DWORD), BOOL add);
 void OutputDebugStringW(LPCWSTR text);
 BOOL TerminateProcess(HANDLE process, UINT exitCode);
 HANDLE LocalFree(void* memory);

@@ -67,10 +67,13 @@ httplib::Server::HandlerResponse RefuseLongPath(const httplib::Request& request,
     return httplib::Server::HandlerResponse::Handled;
 }
 
-// An exclusive port: the library's own choice lets another program listen on it as well.
-void TakePortExclusively(socket_t socket) {
+// An exclusive port: the library's own choice lets another program listen on it as well. On other systems than Windows
+// a port is exclusive unless somebody asks for less.
+void TakePortExclusively([[maybe_unused]] socket_t socket) {
+#if defined(_WIN32)
     const int on = 1;
     setsockopt(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE, reinterpret_cast<const char*>(&on), sizeof(on));
+#endif
 }
 
 }  // namespace

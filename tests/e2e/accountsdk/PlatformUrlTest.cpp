@@ -12,7 +12,7 @@ namespace {
 // The sandbox's account SDK without a configuration of its own, its exports called as the service calls them.
 class SandboxSdk : public testing::Test {
 protected:
-    SandboxSdk() : m_library(LoadLibraryW((ProgramFolder() / "ZVAccountSdk.dll").c_str())) {
+    SandboxSdk() : m_library(LoadLibraryW((ProgramFolder() / "ZVAccountSdk.dll").wstring().c_str())) {
         std::filesystem::remove(m_file);
     }
     ~SandboxSdk() override {

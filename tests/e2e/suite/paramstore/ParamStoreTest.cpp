@@ -173,7 +173,7 @@ TEST(ParamStoreSystemUuid, AFileThatAnotherProgramHoldsIsNeverReplaced) {
                 {"for longer than anybody waits", std::chrono::milliseconds(4000), false}};
     for (const auto& row : rows) {
         UuidIn(Folder() / "other");
-        const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        const HANDLE handle = CreateFileW(file.wstring().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
         ASSERT_NE(handle, INVALID_HANDLE_VALUE) << row.name;
         std::thread holder([&] {
             std::this_thread::sleep_for(row.held);
