@@ -36,7 +36,7 @@ TEST(HttpReply, AmbiguousOrOverlongOnesAreRefusedAndSpoilNoOther) {
             if (row.code > 0) {
                 EXPECT_EQ(call.BodyOf(form), row.body);
             }
-            Sleep(row.reply.late.empty() ? 0 : 100);
+            Sleep(row.reply.last.empty() ? 0 : 100);
             HttpCall next(server.Url());
             EXPECT_EQ(next.SendAs(form), 200);
             EXPECT_EQ(next.BodyOf(form), "next");
