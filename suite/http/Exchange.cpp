@@ -150,7 +150,8 @@ private:
         SetRequestOptions(handle, request, headers.get());
         SetConnectionOptions(handle, request.parts);
         if (m_sink.IsDownload()) {
-            SetCurlOption(handle, CURLOPT_BUFFERSIZE, kDownloadBufferBytes);
+            // Refused while the handle still holds the buffer of a request that could not begin; that one will do.
+            curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kDownloadBufferBytes);
         }
         SetSocketOptions(*m_handle);
         if (isHttps && !SetAuthorities()) {
