@@ -5,6 +5,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <cwctype>
 #include <vector>
 
 namespace suite {
@@ -32,6 +33,30 @@ std::wstring WithoutBrackets(std::wstring host) {
     return host;
 }
 
+// '*' stands for any characters, '?' for one. A fit that fails goes on behind the last star only, so many stars cost no
+// more than the two lengths multiplied; the system's own PathMatchSpec may take a time that doubles with each star.
+bool Matches(const std::wstring& text, const std::wstring& pattern) {
+    std::size_t star = std::wstring::npos;
+    std::size_t fitted = 0;
+    std::size_t next = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const wchar_t wanted = next < pattern.size() ? pattern[next] : L'\0';
+        if (wanted == L'*') {
+            star = next++;
+            fitted = at;
+        } else if (wanted != L'\0' && (wanted == L'?' || std::towlower(wanted) == std::towlower(text[at]))) {
+            ++at;
+            ++next;
+        } else if (star != std::wstring::npos) {
+            next = star + 1;
+            at = ++fitted;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', next) == std::wstring::npos;
+}
+
 bool Covers(std::wstring entry, const ProxyTarget& target) {
     const std::wstring host = WithoutBrackets(target.host);
     if (SameWord(entry, L"<local>")) {
@@ -52,7 +77,7 @@ bool Covers(std::wstring entry, const ProxyTarget& target) {
         }
         entry.resize(colon);
     }
-    return PathMatchSpecW(host.c_str(), WithoutBrackets(entry).c_str()) != FALSE;
+    return Matches(host, WithoutBrackets(entry));
 }
 
 // In libcurl's notation. A SOCKS proxy resolves the names itself; one without a version speaks version 4, as the

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+// A search that tries every place for every star never ends on these.
+constexpr const wchar_t* kManyStars = L"*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b";
+constexpr const wchar_t* kManyLetters = L"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa";
+
 TEST(HttpProxy, SystemSettings) {
     const struct {
         const wchar_t* setting;
@@ -19,6 +23,9 @@ TEST(HttpProxy, SystemSettings) {
         {L"p:1", L"*.corp;<local>", L"corp", L""},
         {L"p:1", L"*.corp;<local>", L"h.example", L"p:1"},
         {L"p:1", L"*.corp", L"corp.example", L"p:1"},
+        {L"p:1", L"?.e*l* *.", L"h.example", L""},
+        {L"p:1", L"h.example?;h.exampl;*.", L"h.example", L"p:1"},
+        {L"p:1", kManyStars, kManyLetters, L"p:1"},
         {L"http=p:1;HTTPS=q:2", L"", L"h.example", L"q:2"},
         {L"http=p:1;q:2", L"", L"h.example", L"q:2"},
         {L"p:1", L"H.Example;<LOCAL>", L"h.example", L""},
