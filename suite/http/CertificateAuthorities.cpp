@@ -37,8 +37,8 @@ bool LookThroughLinks(FileStamp& stamp) {
     return !sizeError && !timeError;
 }
 
-// The same. Every request does it, so the system is asked once, unless the file is a link: of that the one question tells
-// the link's own size, which is 0, and its own time.
+// The same. Every request does it, so the system is asked once, unless the file is a link: of that the one question
+// tells the link's own size, which is 0, and its own time.
 bool Look(FileStamp& stamp) {
 #if defined(_WIN32)
     WIN32_FILE_ATTRIBUTE_DATA data = {};
