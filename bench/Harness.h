@@ -36,9 +36,9 @@ inline Target AtLeast(double limit) {
     return {Target::Side::kAtLeast, limit};
 }
 
-// Rows of the table: both sides of a comparison run in turns, so that whatever else the machine does meets both alike. A
-// round takes the median of each side; the row takes the median of the rounds' ratios. Its spread is half the distance
-// between their quartiles. A row is missed when its ratio is beyond its target by more than its spread.
+// Rows of the table: both sides of a comparison run in turns, so that whatever else the machine does meets both
+// alike. A round takes the median of each side; the row takes the median of the rounds' ratios. Its spread is half the
+// distance between their quartiles. A row is missed when its ratio is beyond its target by more than its spread.
 class Report {
 public:
     // filter: rows whose name holds it, whatever its letter case; empty: all. rounds: at least nine for a claim.
