@@ -36,9 +36,9 @@ inline Target AtLeast(double limit) {
     return {Target::Side::kAtLeast, limit};
 }
 
-// Rows of the table: both sides of a comparison run in turns, so that whatever else the machine does meets both alike.
-// A round takes the median of each side; the row takes the median of the rounds' ratios. Its spread is half the distance
-// between their quartiles. A row is missed when its ratio is beyond its target by more than its spread.
+// Rows of the table: both sides of a comparison run in turns, so that whatever else the machine does meets both
+// alike. A round takes the median of each side; the row takes the median of the rounds' ratios. Its spread is half the
+// distance between their quartiles. A row is missed when its ratio is beyond its target by more than its spread.
 class Report {
 public:
     // filter: rows whose name holds it, whatever its letter case; empty: all. rounds: at least nine for a claim.
@@ -54,8 +54,8 @@ public:
         Sliced(what, target, Repeated(ours), Repeated(reference), 1);
     }
 
-    // How costs grow: the large work has `factor` times as many items as the small one; the ratio is that of the costs of
-    // one item, 1 when they are linear.
+    // How costs grow: the large work has `factor` times as many items as the small one; the ratio is that of the costs
+    // of one item, 1 when they are linear.
     template <typename Large, typename Small>
     void Growth(const std::string& what, double factor, Large large, Small small) {
         Sliced(what, AtMost(kLinear), Repeated(large), Repeated(small), factor);

@@ -23,7 +23,8 @@ void RunAll(bench::Report& report) {
 
 }  // namespace
 
-// bench [FILTER [JSON_FILE]]: exit code 0 when every row is met, 1 when one is missed, 2 when one could not be measured.
+// bench [FILTER [JSON_FILE]]: exit code 0 when every row is met, 1 when one is missed, 2 when one could not be
+// measured.
 int main(int count, char** arguments) {
     int code = 2;
     try {

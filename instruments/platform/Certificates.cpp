@@ -1,5 +1,5 @@
-// Certificate stores and chains of a machine that trusts nobody: every chain ends at a root that is not trusted. Like the
-// platform: what is no certificate is not added. Unlike it: of a certificate the frame alone is looked at.
+// Certificate stores and chains of a machine that trusts nobody: every chain ends at a root that is not trusted. Like
+// the platform: what is no certificate is not added. Unlike it: of a certificate the frame alone is looked at.
 
 #include <wincrypt.h>
 

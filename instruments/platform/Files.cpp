@@ -1,6 +1,6 @@
-// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION, and
-// an open file, a stream's too, cannot be deleted, moved or replaced unless its opener shared that. Unlike it: streams
-// open what a handle keeps to itself, the C++ library renames and removes open files, letter case counts,
+// Files. Like the platform: a handle's share mode keeps others of this process out, who get ERROR_SHARING_VIOLATION,
+// and an open file, a stream's too, cannot be deleted, moved or replaced unless its opener shared that. Unlike it:
+// streams open what a handle keeps to itself, the C++ library renames and removes open files, letter case counts,
 // and a backslash is a character of a name, as it is for a stream.
 
 #include <dirent.h>

@@ -1,5 +1,6 @@
-// The machine, the process and its environment, whose names have no letter case. The numbers are those of a workstation with version 10.0 behind a version
-// record that says 6.2. The firmware has a table only when USERAUTH_INSTRUMENT_SMBIOS names a file with one.
+// The machine, the process and its environment, whose names have no letter case. The numbers are
+// those of a workstation with version 10.0 behind a version record that says 6.2. The firmware has a table only when
+// USERAUTH_INSTRUMENT_SMBIOS names a file with one.
 
 #include <shellapi.h>
 #include <sys/mman.h>

@@ -1,7 +1,8 @@
-// Threads and their handles, events, mutexes and the thread pool. Like the platform: a thread's handle is signalled when the thread has
-// run out, one name is one mutex, a mutex is its owner's alone and abandoned by an owner that ended, and the pool keeps a
-// callback's library loaded until it has returned. Unlike it: names count inside this process only, the pool
-// starts a thread a callback, and a thread that leaves with its library goes through its own frames first.
+// Threads and their handles, events, mutexes and the thread pool. Like the platform: a thread's
+// handle is signalled when the thread has run out, one name is one mutex, a mutex is its owner's alone and abandoned by
+// an owner that ended, and the pool keeps a callback's library loaded until it has returned. Unlike it: names count
+// inside this process only, the pool starts a thread a callback, and a thread that leaves with its library goes through
+// its own frames first.
 
 #include <process.h>
 #include <unistd.h>

@@ -41,8 +41,8 @@ bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-// Whether more digits stand in a row anywhere, strings included. A run that is longer than the step between two looks is
-// met by one of them, so that hardly any text is read twice.
+// Whether more digits stand in a row anywhere, strings included. A run that is longer than the step between two looks
+// is met by one of them, so that hardly any text is read twice.
 bool HasLongDigitRun(const std::string& text) {
     constexpr std::size_t kStep = kLongestDigitRun;
     for (std::size_t at = kStep; at < text.size(); at += kStep) {

@@ -26,9 +26,9 @@ bool ParseDocument(const std::string& text, Json::Value& value);
 std::string WriteCompactLine(const Json::Value& value);
 
 // The library's toStyledString and writeString, but for one thing: those write to a stream, which keeps want of memory
-// to itself, and give a text that is cut. Here that is std::bad_alloc. What toStyledString writes on one line, a text or
-// number without a comment, goes through the compact writer, which gives the same bytes without the library's making a
-// table of its settings first.
+// to itself, and give a text that is cut. Here that is std::bad_alloc. What toStyledString writes on one line, a text
+// or number without a comment, goes through the compact writer, which gives the same bytes without the library's making
+// a table of its settings first.
 std::string WriteStyledText(const Json::Value& value);
 std::string WriteBy(const Json::StreamWriterBuilder& rules, const Json::Value& value);
 

@@ -50,7 +50,8 @@ bool UserAuthService::RequestUserInfo() try {
     }
     const userauth::Reply reply(result.szResponse);
     const std::string photoLink = reply.Text("profilePhotoLink");
-    // Everything that takes memory comes before the first change: no portrait of one account beside another's name.
+    // Converted before the first change, so that little can fail between the portrait's change and the name's: a
+    // portrait of one account does not belong beside another's name.
     const std::wstring userId = MultiByteToWide(reply.Text("userId"), kUtf8CodePage);
     const std::wstring userName = MultiByteToWide(reply.Text("displayName"), kUtf8CodePage);
     const std::wstring wideLink = MultiByteToWide(photoLink, kUtf8CodePage);

@@ -12,13 +12,8 @@ std::wstring SummaryLine(const char* operation, const std::wstring& url, int htt
 }
 
 BasicHttpLibStrategy::LogFunction HttpLogHook(LogSeverity severity, const char* functionTag) {
-    return [severity, functionTag](const std::wstring& message) {
-        try {
-            WriteLog(severity, __LINE__, functionTag, message);
-        } catch (...) {
-            return;  // called from the middle of a transfer, which must not unwind
-        }
-    };
+    // Called from the middle of a transfer, which must not unwind: WriteLog throws nothing.
+    return [severity, functionTag](const std::wstring& message) { WriteLog(severity, __LINE__, functionTag, message); };
 }
 
 }  // namespace userauth

@@ -16,7 +16,8 @@ EC_GROUP* MakeCurve() {
     return EC_GROUP_new_by_curve_name(NID_X9_62_prime256v1);
 }
 
-// A key on the curve, without numbers yet; null when there is no memory. Making the curve takes longer than a key on it.
+// A key on the curve, without numbers yet; null when there is no memory. Making the curve takes longer than a
+// key on it.
 OwnedEcKey NewKey() {
     const EC_GROUP* const curve = KeptForProcess<MakeCurve, EC_GROUP_free>();
     OwnedEcKey key(EC_KEY_new());

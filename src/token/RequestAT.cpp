@@ -91,7 +91,8 @@ CodeExchangeReply ReadReply(const char* text) {
     return read;
 }
 
-// Both tokens, or neither when memory runs out between them: two of different sign-ins are of no use.
+// Both tokens, or neither when memory runs out between them: two of different sign-ins are of no use. The way back
+// takes memory too: when there is none for it either, the access token is the new one.
 void StoreTokens(UserAuthService& service, const CodeExchangeReply& reply) {
     const std::wstring former = service.GetCurrentAT();
     service.SetCurrentAT(reply.accessToken);

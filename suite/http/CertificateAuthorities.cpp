@@ -28,7 +28,17 @@ struct FileStamp {
     }
 };
 
-// Looks at the file; false when that is not possible. Every request does it, so the system is asked once.
+// Looks at the file, at a link's target; false when that is not possible.
+bool LookThroughLinks(FileStamp& stamp) {
+    std::error_code sizeError;
+    std::error_code timeError;
+    stamp.size = fs::file_size(stamp.path, sizeError);
+    stamp.written = fs::last_write_time(stamp.path, timeError).time_since_epoch().count();
+    return !sizeError && !timeError;
+}
+
+// The same. Every request does it, so the system is asked once, unless the file is a link: of that the one question
+// tells the link's own size, which is 0, and its own time.
 bool Look(FileStamp& stamp) {
 #if defined(_WIN32)
     WIN32_FILE_ATTRIBUTE_DATA data = {};
@@ -36,17 +46,16 @@ bool Look(FileStamp& stamp) {
         (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return false;
     }
+    if ((data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+        return LookThroughLinks(stamp);
+    }
     const auto joined = [](DWORD high, DWORD low) { return static_cast<std::uint64_t>(high) << 32 | low; };
     stamp.size = joined(data.nFileSizeHigh, data.nFileSizeLow);
     stamp.written =
         static_cast<std::int64_t>(joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime));
     return true;
 #else
-    std::error_code sizeError;
-    std::error_code timeError;
-    stamp.size = fs::file_size(stamp.path, sizeError);
-    stamp.written = fs::last_write_time(stamp.path, timeError).time_since_epoch().count();
-    return !sizeError && !timeError;
+    return LookThroughLinks(stamp);
 #endif
 }
 
@@ -55,6 +64,7 @@ struct Authorities {
     std::wstring defaultPath;
     FileStamp readStamp;
     std::shared_ptr<const AuthoritiesPem> read;
+    const std::shared_ptr<const AuthoritiesPem> none = std::make_shared<const AuthoritiesPem>();
 };
 
 // Never destroyed: a request may still read it while the process ends.
@@ -93,8 +103,7 @@ std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath
         stamp.path = Shared().defaultPath;
     }
     if (stamp.path.empty()) {
-        static const auto none = std::make_shared<const AuthoritiesPem>();
-        return none;
+        return Shared().none;
     }
     if (!Look(stamp)) {
         return nullptr;

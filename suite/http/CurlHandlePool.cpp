@@ -19,7 +19,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// There are never more handles than requests that ran at once: as many as a busy client's threads keep their connections.
+// There are never more handles than requests that ran at once: as many as a busy client's threads keep
+// their connections.
 constexpr std::size_t kMaxIdleHandles = 64;
 // libcurl takes up no connection that was idle for longer than 118 s.
 constexpr std::chrono::seconds kMaxIdleTime(120);

@@ -21,8 +21,8 @@ std::optional<std::string> EscapeUrl(const std::string& utf8);
 // Parts of an escaped URL; nothing when it is not an absolute http or https URL with a host.
 std::optional<UrlParts> ParseUrl(const std::string& url);
 
-// A URL as a caller gives it. escaped: nothing when the text holds CR, LF or NUL; parts: nothing when that is no absolute
-// http or https URL with a host.
+// A URL as a caller gives it. escaped: nothing when the text holds CR, LF or NUL; parts: nothing when that is no
+// absolute http or https URL with a host.
 struct GivenUrl {
     std::optional<std::string> escaped;
     std::optional<UrlParts> parts;

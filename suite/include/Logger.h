@@ -80,8 +80,8 @@ public:
                                    const std::map<std::wstring, std::wstring>& extraInformation);
 
     /// Masks a value in the lines that come: as it is, URL-encoded, escaped for JSON or XML, as UTF-16 with NULs
-    /// between, as hexadecimal digits, and inside base64 of either alphabet. The parameter store gives the tokens that it
-    /// is told.
+    /// between, as hexadecimal digits, and inside base64 of either alphabet. The parameter store gives the tokens that
+    /// it is told.
     /// @param name   tells the values apart, never logged; a second call replaces the value and wipes the former one
     /// @param value  empty: removes it
     /// @return false when the value cannot be masked: it is shorter than kShortestSecret, there are 32 already, or they

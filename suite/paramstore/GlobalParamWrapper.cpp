@@ -45,8 +45,8 @@ std::wstring Setting(std::wstring ClientConfiguration::*member) {
     return SettingsStore::Instance().Text(member);
 }
 
-// The logger knows a token before a line can hold it. Copied first, so that want of memory cannot come between the two
-// and leave the logger without the token that the store has kept.
+// The logger knows a token before a line can hold it. Copied first, so that nothing fails between the two: the logger
+// would have forgotten the token that the store has kept.
 void SetToken(PushedValues& values, const char* name, std::wstring PushedValues::*field, std::wstring token) {
     Logger::SetSecret(name, token);
     values.Set(field, std::move(token));
