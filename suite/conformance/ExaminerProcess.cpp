@@ -26,7 +26,7 @@ unsigned long RunAgain(const std::wstring& arguments) {
         GetExitCodeProcess(process.hProcess, &code);
     } else {
         TerminateProcess(process.hProcess, 1);
-        std::printf("\n  the examination does not end: stopped after ten minutes\n");
+        std::printf("FAILS: does not end, stopped after ten minutes\n");
     }
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);

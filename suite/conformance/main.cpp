@@ -26,7 +26,9 @@ constexpr char kUsage[] =
     "  --only TEXT     examines those points only whose promise has the text (ASCII)\n"
     "  --quick         leaves out the points that wait for half a minute and more\n"
     "\n"
-    "Exit code: 0 all points hold, 1 one does not, 2 wrong arguments or a library that cannot be loaded.\n";
+    "Exit code: 0 all examined points hold, 1 one does not, 2 wrong arguments, a library that cannot be loaded, or no "
+    "point\n"
+    "examined.\n";
 
 constexpr int kAllHold = 0;
 constexpr int kOneFails = 1;
@@ -89,12 +91,23 @@ int Examine(const Arguments& arguments) {
     }
     const auto examine = Entry<ExamineLibraryFunction>(points, kExamineLibrary);
     const std::string only(arguments.only.begin(), arguments.only.end());
-    return examine(arguments.library.c_str(), arguments.isQuick, only.c_str()) == 0 ? kAllHold : kOneFails;
+    return examine(arguments.library.c_str(), arguments.isQuick, only.c_str());
 }
 
 std::wstring Options(const Arguments& arguments) {
     const std::wstring only = arguments.only.empty() ? L"" : L" --only \"" + arguments.only + L"\"";
     return (arguments.isQuick ? L" --quick" : L"") + only + L" \"" + arguments.folder.wstring() + L"\"";
+}
+
+// The line of the last point is open when the library ended the process.
+int ResultOf(unsigned long code) {
+    if (code == kExaminedAllHold || code == kExaminedNothing) {
+        return kAllHold;
+    }
+    if (code != kExaminedBroken && code != kNotExamined) {
+        std::printf("FAILS: the process ended with code 0x%08lX\n", code);
+    }
+    return code == kNotExamined ? kNotExamined : kOneFails;
 }
 
 // One process a library: what one does to its process harms no other.
@@ -111,18 +124,15 @@ int ExamineEach(const Arguments& arguments) {
         if (!arguments.library.empty() && arguments.library != library) {
             continue;
         }
-        ++examined;
         std::printf("%s\n", file.u8string().c_str());
         std::fflush(stdout);
         const unsigned long code = RunAgain(L"--examine --library " + std::wstring(library) + Options(arguments));
-        if (code > kNotExamined) {
-            std::printf("\n  the process ended with code 0x%08lX in the point above\n", code);
-        }
-        result = code == 0 ? result : code == kNotExamined ? kNotExamined : std::max<int>(result, kOneFails);
+        examined += code == kExaminedNothing ? 0 : 1;
+        result = std::max(result, ResultOf(code));
     }
     std::printf("%s\n", examined == 0        ? "nothing was examined"
-                        : result == kAllHold ? "all points hold"
-                                             : "NOT all points hold");
+                        : result == kAllHold ? "all examined points hold"
+                                             : "NOT all examined points hold");
     return examined == 0 ? kNotExamined : result;
 }
 

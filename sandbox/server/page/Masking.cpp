@@ -22,16 +22,22 @@ std::string Masked(std::string_view value) {
                                           : "[hidden: " + std::to_string(value.size()) + " characters]";
 }
 
+// A line that begins with a blank continues the field before it, whatever that is.
 std::string MaskedField(std::string_view line) {
+    if (line.front() == ' ' || line.front() == '\t') {
+        return Masked(line);
+    }
     const auto colon = line.find(':');
-    const auto start = std::min(line.find_first_not_of(' ', std::min(colon, line.size() - 1) + 1), line.size());
-    return colon == std::string_view::npos || !IsSecretName(line.substr(0, colon))
-               ? std::string(line)
-               : std::string(line.substr(0, start)) + Masked(line.substr(start));
+    if (!IsSecretName(line.substr(0, colon))) {
+        return std::string(line);
+    }
+    const auto start =
+        colon == std::string_view::npos ? 0 : std::min(line.find_first_not_of(' ', colon + 1), line.size());
+    return std::string(line.substr(0, start)) + Masked(line.substr(start));
 }
 
-// "?name=value" or "&name=value" up to the next of "& ".
-std::string MaskedRequestLine(std::string_view line) {
+// A request line or a form: "name=value", from the start or one of "?& " to the next of them.
+std::string MaskedParameters(std::string_view line) {
     std::string masked;
     while (!line.empty()) {
         const auto end = std::min(line.find_first_of("?& ", 1), line.size());
@@ -65,8 +71,9 @@ bool IsName(std::string_view rest) {
 // Where a scan of JSON stands: how deep, and at which depth the member stands whose texts are secret.
 class SecretScope {
 public:
+    // A name with escapes may be any.
     void Name(std::string_view name) {
-        if (!m_secretDepth && IsSecretName(name)) {
+        if (!m_secretDepth && (IsSecretName(name) || name.find('\\') != std::string_view::npos)) {
             m_secretDepth = m_depth;
         }
     }
@@ -94,18 +101,25 @@ std::string MaskedHead(std::string_view head) {
     std::string masked;
     bool requestLine = true;
     while (!head.empty()) {
-        const auto end = std::min(head.find_first_of("\r\n"), head.size());
-        const auto next = std::min(head.find_first_not_of("\r\n", end), head.size());
-        const auto line = head.substr(0, end);
-        masked += requestLine ? MaskedRequestLine(line) : line.empty() ? std::string() : MaskedField(line);
-        masked += end < next ? "\n" : "";
-        head.remove_prefix(next);
+        // At line feeds alone: a carriage return within a field belongs to its value.
+        const auto end = std::min(head.find('\n'), head.size());
+        auto line = head.substr(0, end);
+        line.remove_suffix(!line.empty() && line.back() == '\r' ? 1 : 0);
+        head.remove_prefix(std::min(end + 1, head.size()));
+        if (line.empty()) {
+            continue;
+        }
+        masked += (requestLine ? MaskedParameters(line) : "\n" + MaskedField(line));
         requestLine = false;
     }
     return masked;
 }
 
 std::string MaskedBody(std::string_view body) {
+    if (const auto first = body.find_first_not_of(" \t\r\n");
+        first == std::string_view::npos || std::string_view("{[\"").find(body[first]) == std::string_view::npos) {
+        return MaskedParameters(body);
+    }
     std::string masked;
     SecretScope scope;
     while (!body.empty()) {

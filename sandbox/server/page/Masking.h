@@ -10,8 +10,8 @@ namespace sandbox {
 
 // Of a head: fields by their names, and parameters of the query by theirs.
 std::string MaskedHead(std::string_view head);
-// Of JSON: texts by the name of their member, and texts in an object or array of that name. Text that is no JSON, or is
-// cut, is read as far as it goes.
+// Of JSON: texts by the name of their member, and texts in an object or array of that name; JSON that is cut is read as
+// far as it goes. Of anything else: parameters of a form by their names.
 std::string MaskedBody(std::string_view body);
 
 }  // namespace sandbox

@@ -1,4 +1,4 @@
-import { byId, call, element, listen, showAccounts } from './platform.js';
+import { byId, call, element, listen, replaceContent, showAccounts } from './platform.js';
 
 // ---- Requests --------------------------------------------------------------------------------------------------------
 
@@ -114,12 +114,12 @@ function showFaultKind() {
 }
 
 function showFaults(faults) {
-  byId('faults').replaceChildren(...faults.map((fault) => {
+  replaceContent(byId('faults'), faults.map((fault) => {
     const times = fault.times === undefined ? 'every request' : fault.times === 1 ? 'next request' : `next ${fault.times} requests`;
     return element('li', {}, element('span', {}, element('strong', {}, fault.operation), `: ${describeFault(fault)}, ${times}`),
-      element('button', { type: 'button', className: 'small', ariaLabel: `Switch off the fault of ${fault.operation}`,
+      element('button', { type: 'button', className: 'small', id: `fault-off-${fault.endpoint}`, ariaLabel: `Switch off the fault of ${fault.operation}`,
         onclick: () => call('DELETE', `/sandbox/faults?endpoint=${encodeURIComponent(fault.endpoint)}`) }, 'Switch off'));
-  }));
+  }), byId('fault-operation'));
 }
 
 byId('fault-kind').append(...Object.entries(kinds).map(([value, { title }]) => element('option', { value }, title)));
@@ -152,20 +152,23 @@ function settingSwitch(id, title, on, change) {
 }
 
 function showModules(state) {
-  const focused = document.activeElement?.id;
   const modules = Object.entries(state.modules).map(([name, value]) =>
     settingSwitch(name, name.replace(/^funcfg_/, '').replaceAll('_', ' '), isOn(value),
       (on) => ({ modules: { [name]: String(on) } })));
-  byId('modules').replaceChildren(
+  replaceContent(byId('modules'), [
     settingSwitch('available', 'client may be used', isOn(state.available), (on) => ({ available: String(on) })),
-    settingSwitch('status', 'account is active', isOn(state.userStatus), (on) => ({ userStatus: on ? 1 : 0 })), ...modules);
-  if (focused?.startsWith('switch-')) byId(focused)?.focus();
+    settingSwitch('status', 'account is active', isOn(state.userStatus), (on) => ({ userStatus: on ? 1 : 0 })), ...modules]);
 }
 
+let waiting = '';
+
 function showWaiting(requests) {
-  byId('waiting').replaceChildren(...requests.map((request) => element('p', { className: 'banner' },
+  // A screen reader tells what is new here, so only news may touch it.
+  if (waiting === requests.join()) return;
+  waiting = requests.join();
+  replaceContent(byId('waiting'), requests.map((request) => element('p', { className: 'banner' },
     'A program waits for a person to sign in.',
-    element('a', { className: 'button primary', href: `/sign-in?request=${request}`, target: '_blank' }, 'Open the sign-in page'))));
+    element('a', { className: 'button primary', id: `open-${request}`, href: `/sign-in?request=${request}`, target: '_blank' }, 'Open the sign-in page'))));
 }
 
 function showState(state) {

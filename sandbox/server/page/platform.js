@@ -58,15 +58,21 @@ async function again(path, listeners, onConnection) {
   else listen(path, listeners, onConnection);
 }
 
-// A radio button for each account. Keeps the one that has the keyboard's focus.
+// New children in the place of the old ones. The keyboard's focus stays on the element of the same id; where that is gone,
+// it goes to the fallback.
+export function replaceContent(parent, children, fallback = null) {
+  const focused = parent.contains(document.activeElement) ? document.activeElement.id : '';
+  parent.replaceChildren(...children);
+  if (focused) (byId(focused) ?? fallback)?.focus();
+}
+
+// A radio button for each account.
 export function showAccounts(accounts, current, onChoice) {
-  const focused = document.activeElement?.name === 'account' ? document.activeElement.value : null;
-  byId('accounts').replaceChildren(...accounts.map((account) => {
-    const radio = element('input', { type: 'radio', name: 'account', value: account.userId,
+  replaceContent(byId('accounts'), accounts.map((account) => {
+    const radio = element('input', { type: 'radio', name: 'account', id: `account-${account.userId}`, value: account.userId,
       checked: account.userId === current, onchange: () => onChoice(account) });
     return element('label', { className: 'choice' }, radio,
       element('span', { className: 'choice-name', dir: 'auto' }, account.displayName),
       element('span', { className: 'muted' }, account.countryCode));
   }));
-  [...document.getElementsByName('account')].find((radio) => radio.value === focused)?.focus();
 }

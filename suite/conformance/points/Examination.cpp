@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdio>
 
+#include "ConformanceEntry.h"
+
 namespace conformance {
 
 namespace {
@@ -96,7 +98,7 @@ void Examination::Watch() {
         if (deadline != 0 && GetTickCount64() > deadline) {
             std::printf("FAILS: does not end\n");
             std::fflush(stdout);
-            TerminateProcess(GetCurrentProcess(), 1);
+            TerminateProcess(GetCurrentProcess(), kExaminedBroken);
         }
     }
 }

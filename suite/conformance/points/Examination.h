@@ -86,6 +86,7 @@ void ExamineHttpTrust(Examination& examination);
 
 // Called while the process ends, when its other threads are gone.
 void ExamineEventAdminAtTheEnd();
+void ExamineLoggerAtTheEnd();
 void ExamineParamStoreAtTheEnd();
 void ExamineHttpLibAtTheEnd();
 

@@ -22,7 +22,7 @@ struct Library {
 
 const Library kLibraries[] = {
     {L"EventAdmin", {&conformance::ExamineEventAdmin}, &conformance::ExamineEventAdminAtTheEnd},
-    {L"Logger", {&conformance::ExamineLogger}, nullptr},
+    {L"Logger", {&conformance::ExamineLogger}, &conformance::ExamineLoggerAtTheEnd},
     {L"ParamStore", {&conformance::ExamineParamStore}, &conformance::ExamineParamStoreAtTheEnd},
     {L"HttpLib",
      {&conformance::ExamineHttpRequests, &conformance::ExamineHttpReplies, &conformance::ExamineHttpTransfers,
@@ -34,7 +34,7 @@ const Library kLibraries[] = {
 [[noreturn]] void EndWith(const char* reason, unsigned long code) {
     std::printf("FAILS: %s 0x%08lX ends the process\n", reason, code);
     std::fflush(stdout);
-    TerminateProcess(GetCurrentProcess(), 1);
+    TerminateProcess(GetCurrentProcess(), conformance::kExaminedBroken);
     std::abort();
 }
 
@@ -55,7 +55,7 @@ void ExamineTheEnd() {
     std::printf("%s\n", fault.empty() ? "holds" : ("FAILS: " + fault).c_str());
     std::fflush(stdout);
     if (!fault.empty()) {
-        TerminateProcess(GetCurrentProcess(), 1);
+        TerminateProcess(GetCurrentProcess(), conformance::kExaminedBroken);
     }
 }
 
@@ -79,7 +79,9 @@ extern "C" CONFORMANCE_API int ExamineLibrary(const wchar_t* library, bool isQui
     std::printf("  %d points: %d hold, %d fail; %d left out\n", examined, examined - broken, broken,
                 examination.LeftOutCount());
     std::fflush(stdout);
-    return broken;
+    return broken > 0      ? conformance::kExaminedBroken
+           : examined == 0 ? conformance::kExaminedNothing
+                           : conformance::kExaminedAllHold;
 }
 
 extern "C" CONFORMANCE_API int WriteLine(const wchar_t* file, const wchar_t* line) {

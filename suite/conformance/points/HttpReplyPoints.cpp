@@ -23,7 +23,10 @@ void ExamineWholeReplies(Examination& examination) {
                     RequireEqual(call.BodyOf(form), std::string(isWhole ? kCutText : ""), "the text" + place);
                     Require(isWhole || call.received.find('.') == std::string::npos,
                             "the handler was told of the end" + place);
+                    Require(isWhole || form == RequestForm::kDownload || call.headers.empty(),
+                            "there are headers" + place);
                 }
+                RequireEqual(server.Requests().size(), row.script.size(), "the number of requests");
             }
         });
     }

@@ -58,6 +58,7 @@ void ExamineSentBytes(Examination& examination) {
             HttpCall call(server.Url(row.path), row.headers);
             call.strategy.SetPostData(row.postData);
             RequireEqual(row.post ? call.Post(row.postData) : call.Send(), 200, "the code");
+            RequireEqual(call.response, std::string("ok"), "the response");
             RequireEqual(server.Requests().size(), 1U, "the number of requests");
             const std::string request = server.Requests()[0];
             Require(Holds(request, row.sent), Shown(row.sent) + " is missing in " + Shown(request));
@@ -101,6 +102,14 @@ void ExamineRefusals(Examination& examination) {
         call.strategy.SetHttpRequestMethod(static_cast<HttpRequestMethod>(7));
         RequireEqual(call.Send(), int{kHttpInvalidRequest}, "the code");
         RequireEqual(server.AcceptCount(), 0, "the number of connections");
+    });
+    examination.Point("refused as invalid: no strategy, and a download without a handler", [] {
+        HttpCall call(L"http://127.0.0.1:1/");
+        CurlHttpLibContext none(nullptr);
+        CurlHttpLibContext context(&call.strategy);
+        RequireEqual(none.Request(call.response, -1), int{kHttpInvalidRequest}, "the code without a strategy");
+        RequireEqual(context.Request(call.response, static_cast<void*>(nullptr)), int{kHttpInvalidRequest},
+                     "the code without a handler");
     });
 }
 

@@ -53,6 +53,17 @@ void ExamineDownloads(Examination& examination) {
                               RequireEqual(calls, 1, "the number of calls");
                           });
     }
+    examination.Point("a handler without a function refuses every block; what its function throws comes out", [] {
+        FileTransferHandler handler;
+        Require(!handler.WriteData("x", 1, false), "it takes one");
+        handler.SetWriteDataFunc([](const char*, std::size_t&, bool) -> bool { throw std::length_error("disk full"); });
+        try {
+            handler.WriteData("x", 1, false);
+        } catch (const std::length_error&) {
+            return;
+        }
+        throw Broken("nothing comes out");
+    });
     examination.Point("a handler allows 2 GiB until it is told otherwise", [] {
         FileTransferHandler handler;
         RequireEqual(handler.MaxSize(), 2147483648U, "the size");

@@ -256,6 +256,17 @@ void ExamineLogger(Examination& examination) {
     ExamineConsole(examination);
     ExamineShutdown(examination);
     ExamineLoggerSecrets(examination);
+    // A sink stays open, for the end of the process.
+    LoggerSettings settings;
+    settings.console = true;
+    std::string error;
+    Logger::Configure(settings, error);
+}
+
+void ExamineLoggerAtTheEnd() {
+    LogFile::Write(L"at the end");
+    Logger::OutputOperationLog(1, 2, 3);
+    RequireWithin(1000, "Flush(200)", [] { Logger::Flush(200); });
 }
 
 }  // namespace conformance

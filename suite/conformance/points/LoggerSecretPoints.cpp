@@ -47,6 +47,7 @@ void ExamineValues(Examination& examination) {
         {"escaped for JSON by code points", "\\u0043ANARY\\u007e~/?\\u002B3\\u0022==", "ANARY"},
         {"escaped for XML", "CANARY~~/?+3&quot;&#61;&#x3D;", "CANARY"},
         {"as UTF-16 with NULs between", utf16, "A\\x00N"},
+        {"as hexadecimal digits", "43414e4152597e7e2f3f2b33223d3d", "414e4152"},
         {"in base64 with 0 bytes before it", "Q0FOQVJZfn4vPyszIj09Pw==", "FOQVJZ"},
         {"in base64 with 1 byte before it", "P0NBTkFSWX5+Lz8rMyI9PT8=", "NBTkFS"},
         {"in base64 with 2 bytes before it", "Pz9DQU5BUll+fi8/KzMiPT0/", "DQU5BU"},

@@ -4,6 +4,7 @@ import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
 import http from 'node:http';
 import { createRequire } from 'node:module';
+import net from 'node:net';
 import readline from 'node:readline';
 
 const [modules, executablePath, runWine, programs] = process.argv.slice(2);
@@ -78,6 +79,37 @@ try {
   const secret = JSON.parse(recorded.body).authorizationCode;
   assert.ok(secret.length > 20 && !(await page.content()).includes(secret), 'the code is masked');
   assert.match(await details.innerText(), /"authorizationCode":"\[hidden: 32 characters\]"[^]*"accessToken":"\[hidden/);
+
+  // What no client of ours sends is masked too, and shown as text.
+  const canary = 'CANARY-CANARY-CANARY';
+  for (const sent of [
+    `GET /gateway?access_token=${canary} HTTP/1.1\r\nAuthorization: Bearer\r\n ${canary}`,
+    `GET /gateway HTTP/1.1\r\nAuthorization: Bearer\rx: ${canary}`, `GET /gateway HTTP/1.1\r\nAuthorization ${canary}`,
+    `POST /pcclient/refreshtoken HTTP/1.1|refreshToken=${canary}`,
+    `POST /pcclient/refreshtoken HTTP/1.1|{"refreshT\\u006fken":"${canary}"}`,
+    'GET /<img/src=x> HTTP/1.1\r\nx-zv-trace-id: <img src=x>',
+  ]) {
+    const [head, body = ''] = sent.split('|');
+    await new Promise((resolve) => {
+      net.connect(new URL(base).port, '127.0.0.1').on('close', resolve).resume()
+        .end(`${head}\r\nContent-Length: ${body.length}\r\nConnection: close\r\n\r\n${body}`);
+    });
+  }
+  await page.getByText('<img src=x>', { exact: true }).waitFor();
+  const buttons = page.locator('.operation[aria-expanded=false]');
+  while (await buttons.count() > 0) {
+    const shown = await details.count();
+    await buttons.first().click();
+    await details.nth(shown).waitFor();
+  }
+  assert.ok(!(await page.content()).includes(canary) && await page.locator('img[src=x]').count() === 0);
+
+  // The keyboard's focus stays in place when what has it is gone.
+  await page.getByLabel('How often').selectOption('every request');
+  await page.getByRole('button', { name: 'Switch on' }).click();
+  await page.getByRole('button', { name: 'Switch off the fault' }).press('Enter');
+  await page.getByText(', every request').waitFor({ state: 'detached' });
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'fault-operation');
 
   // Two more programs: the person cancels one and closes the page of the other.
   for (const [what, reason] of [['cancel', 'cancelled the sign-in'], ['close', 'page was closed']]) {
