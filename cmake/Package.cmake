@@ -22,10 +22,12 @@ foreach(target IN ITEMS ${package_libraries} userauth_objects suite_platform)
 endforeach()
 
 # ./dev package builds these and no tests.
-add_custom_target(package_contents DEPENDS ${package_libraries} userauth sandbox-server ZVAccountSdk)
+add_custom_target(package_contents DEPENDS ${package_libraries} userauth sandbox-server ZVAccountSdk suite-conformance)
 
 install(TARGETS ${package_libraries} RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
-install(PROGRAMS "$<TARGET_FILE:userauth>" DESTINATION bin)
+# The conformance program takes the libraries that it does not examine from beside itself.
+install(PROGRAMS "$<TARGET_FILE:userauth>" "$<TARGET_FILE:suite-conformance>" "$<TARGET_FILE:suite-conformance-points>"
+        DESTINATION bin)
 # The libraries' and the compiler's DLLs; with a package manager the person who packs adds its own.
 install(PROGRAMS ${runtime_dlls} DESTINATION bin)
 # Beside what ships, not among it: its account SDK has the name of the platform's real one.

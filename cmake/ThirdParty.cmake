@@ -18,6 +18,21 @@ find_package(CURL CONFIG REQUIRED)
 find_package(ZLIB REQUIRED)
 find_package(GTest CONFIG REQUIRED)
 
+# The linker orders a DLL's imports by the paths of the import libraries. Through a link in the build folder these paths are
+# relative to it, and so the same wherever the checkout lies.
+if(USERAUTH_THIRD_PARTY AND CMAKE_HOST_UNIX)
+  file(CREATE_LINK "${USERAUTH_THIRD_PARTY}" "${CMAKE_BINARY_DIR}/third-party" SYMBOLIC)
+  foreach(target IN ITEMS OpenSSL::SSL OpenSSL::Crypto jsoncpp_lib CURL::libcurl)
+    foreach(property IN ITEMS IMPORTED_LOCATION IMPORTED_IMPLIB IMPORTED_IMPLIB_RELEASE)
+      get_target_property(library ${target} ${property})
+      if(library)
+        string(REPLACE "${USERAUTH_THIRD_PARTY}/" "${CMAKE_BINARY_DIR}/third-party/" library "${library}")
+        set_target_properties(${target} PROPERTIES ${property} "${library}")
+      endif()
+    endforeach()
+  endforeach()
+endif()
+
 # Header-only libraries.
 function(userauth_header_only target header)
   find_path(${target}_INCLUDE "${header}" REQUIRED)

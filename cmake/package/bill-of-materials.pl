@@ -86,7 +86,8 @@ for my $name (sort keys %inside) {
 # Every image must be known: a DLL that nobody put into the table above would otherwise ship without a word.
 my @images = sort map { substr $_, length($folder) + 1 } glob "$folder/{bin,sandbox}/*.{dll,exe}";
 my %ours = map { $_ => 1 } qw(UserAuthService.dll ParamStore.dll HttpLib.dll Logger.dll EventAdmin.dll userauth.exe
-                              ZVAccountSdk.dll sandbox-server.exe suite-conformance.exe);
+                              ZVAccountSdk.dll sandbox-server.exe suite-conformance.exe
+                              suite-conformance-points.dll);
 for my $image (@images) {
     die "$image: from where? Name it in $0\n" unless $origin{$image} || $ours{basename $image};
     my $owner = $origin{$image} ? identifier($origin{$image}) : $product;

@@ -68,12 +68,12 @@ make_package() {
 # Builds the commit in another folder, from the first file on, and compares the packages. A compiler cache may store what it
 # compiles there, and answers nothing.
 compare_package() {
-  local other=$root/build/another-folder-for-the-package zip
+  local other zip
   zip=build/package/$(package_name).zip
   [ -z "$(git -C "$root" status --porcelain)" ] || die "package: only a commit can be built again: commit your changes first"
-  rm -rf "$other"
+  other=$(mktemp -d)
   run_logged "$root/build/clone.log" git clone -q --no-local "$root" "$other"
-  say "package: building the commit again, in another folder"
+  say "package: building the commit again, in $other"
   run_logged "$root/build/again.log" env CCACHE_RECACHE=1 ${CCACHE_BASEDIR:+"CCACHE_BASEDIR=$other"} "$other/dev" package
   cmp "$root/$zip" "$other/$zip" || die "package: the second build differs ($other)"
   rm -rf "$other"

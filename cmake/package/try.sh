@@ -79,6 +79,8 @@ completes "--platform" demo --pl
 completes "export" contacts e
 completes "client.json" --config client.j
 
+wine suite-conformance.exe --library EventAdmin > "$work/points" || fail "the installed event hub: $(cat "$work/points")"
+
 # What is wrong with the SDK's configuration, the platform and the libraries is found, and nothing with what is right.
 wine userauth.exe doctor --platform "$url" > "$work/doctor" || fail "the doctor finds a fault: $(cat "$work/doctor")"
 echo '{}' > ZMSCoreConfig.json
@@ -87,4 +89,4 @@ cp "$prefix/bin/Logger.dll" "$work/" && rm "$prefix/bin/Logger.dll" && cp "$work
 for fault in 'Logger.dll comes from' 'has no "client_id"' 'no account platform answers'; do
   grep -q "FAILED .*$fault" "$work/doctor" || fail "the doctor does not find \"$fault\": $(cat "$work/doctor")"
 done
-echo "package: the installed library signed in; completion and doctor answer"
+echo "package: the installed library signed in; completion, doctor and conformance program answer"

@@ -1,9 +1,13 @@
+#include <HttpLib.h>
 #include <Logger.h>
 #include <ParamStore.h>
 #include <UserAuthService.h>
 
+#include <atomic>
 #include <chrono>
 #include <future>
+#include <memory>
+#include <thread>
 
 #include "platform/SandboxClient.h"
 #include "steps/ContactsFile.h"
@@ -11,6 +15,7 @@
 #include "system/WindowsHandle.h"
 #include "text/FieldText.h"
 #include "text/JsonObject.h"
+#include "text/ProgressLine.h"
 #include "text/TextEncoding.h"
 
 namespace host {
@@ -75,24 +80,52 @@ std::uint64_t BytesOf(const std::filesystem::path& file) {
     return handle && GetFileSizeEx(handle.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-// Shows the file's size and its rate on the current line of a terminal, until the end comes. Nobody else may write
-// meanwhile. The line stays as it is then.
-void WatchGrowth(Console& console, const std::filesystem::path& file, const std::future<void>& end) {
+// The size of the download that this thread makes next, 0 until its reply has announced it. Others may be under way.
+class AnnouncedSize {
+public:
+    AnnouncedSize() {
+        CurlHttpLibContext::SetDownloadObserver(
+            [bytes = m_bytes, thread = std::this_thread::get_id()](std::uint64_t announced) {
+                if (thread == std::this_thread::get_id()) {
+                    *bytes = announced;
+                }
+            });
+    }
+    ~AnnouncedSize() { CurlHttpLibContext::SetDownloadObserver(nullptr); }
+    AnnouncedSize(const AnnouncedSize&) = delete;
+    AnnouncedSize& operator=(const AnnouncedSize&) = delete;
+
+    std::uint64_t Bytes() const { return *m_bytes; }
+
+private:
+    // Shared with the observer, which may still be running when this is destroyed.
+    const std::shared_ptr<std::atomic<std::uint64_t>> m_bytes = std::make_shared<std::atomic<std::uint64_t>>(0);
+};
+
+// Shows how far the file is on the current line of a terminal, until the end comes. Nobody else may write meanwhile.
+// The line stays as it is then.
+void WatchGrowth(Console& console, const std::filesystem::path& file, const AnnouncedSize& announced,
+                 const std::future<void>& end) {
+    const std::string running = kRunning;
+    const std::size_t frame = running.size() + std::string(kRewriteLine).size();  // which Wine's console counts too
     const auto start = std::chrono::steady_clock::now();
     while (end.wait_for(kPause) == std::future_status::timeout) {
-        const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-        const std::uint64_t bytes = BytesOf(file);
-        const auto rate = static_cast<std::uintmax_t>(static_cast<double>(bytes) / seconds.count());
-        console.Write(kRewriteLine + (kRunning + (kTitle + ("  " + Bytes(bytes) + ", " + Bytes(rate) + "/s"))));
+        const std::size_t width = console.Width();
+        const std::string progress =
+            ProgressLine(BytesOf(file), announced.Bytes(), std::chrono::steady_clock::now() - start,
+                         width > frame ? width - frame : 0);
+        console.Write(kRewriteLine + (running + progress));
     }
 }
 
 bool Download(SessionState& state, const ContactsSource& source, const std::filesystem::path& file) {
-    std::future<void> watch;  // destroyed last: waits for the thread
+    const AnnouncedSize announced;
+    std::future<void> watch;  // destroyed before that: waits for the thread
     std::promise<void> end;
     if (ShowsRunningStep(state)) {
-        watch = std::async(std::launch::async,
-                           [&state, &file, ended = end.get_future()] { WatchGrowth(state.console, file, ended); });
+        watch = std::async(std::launch::async, [&state, &file, &announced, ended = end.get_future()] {
+            WatchGrowth(state.console, file, announced, ended);
+        });
     }
     const bool exported = state.service->ExportContracts(source.url, file.wstring(), source.cookies);
     end.set_value();

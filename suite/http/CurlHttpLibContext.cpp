@@ -1,9 +1,10 @@
 #include <chrono>
-#include <mutex>
+#include <utility>
 
 #include "CertificateAuthorities.h"
 #include "Exchange.h"
 #include "HttpLib.h"
+#include "ObserverSlot.h"
 #include "ProcessState.h"
 #include "ReplySink.h"
 #include "RequestCheck.h"
@@ -14,16 +15,9 @@ namespace suite {
 
 namespace {
 
-using Observer = std::function<void(const HttpExchange&)>;
-
-struct ObserverSlot {
-    std::mutex lock;
-    std::shared_ptr<const Observer> observer;
-};
-
 // Never destroyed: a request may still look for it while the process ends.
-ObserverSlot& Slot() {
-    static auto* const slot = new ObserverSlot;
+ObserverSlot<const HttpExchange&>& ExchangeSlot() {
+    static auto* const slot = new ObserverSlot<const HttpExchange&>;
     return *slot;
 }
 
@@ -65,17 +59,6 @@ std::wstring FailureText(const HttpExchange& exchange, const std::string& host, 
            suite::WideFromUtf8((host.empty() ? "request" : host) + " failed: " + cause);
 }
 
-void Observe(const HttpExchange& exchange) {
-    std::shared_ptr<const Observer> observer;
-    {
-        const std::lock_guard<std::mutex> hold(Slot().lock);
-        observer = Slot().observer;
-    }
-    if (observer) {
-        (*observer)(exchange);
-    }
-}
-
 int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sink) {
     const auto start = std::chrono::steady_clock::now();
     const GivenUrl url = ReadUrl(suite::Utf8FromWide(strategy.Url()));
@@ -98,7 +81,7 @@ int Execute(const IHttpLibStrategy& strategy, int timeoutSeconds, ReplySink& sin
         DropExceptions([&] { strategy.LogError(FailureText(exchange, host, outcome.cause)); });
     }
     DropExceptions([&] { strategy.Log(FinishText(exchange)); });
-    DropExceptions([&] { Observe(exchange); });
+    ExchangeSlot().Tell(exchange);
     return outcome.code;
 }
 
@@ -166,10 +149,13 @@ void CurlHttpLibContext::SetDefaultCertPath(const std::wstring& path) {
 }
 
 void CurlHttpLibContext::SetExchangeObserver(std::function<void(const HttpExchange&)> observer) {
-    if (suite::ProcessIsEnding()) {
-        return;
+    if (!suite::ProcessIsEnding()) {
+        suite::ExchangeSlot().Set(std::move(observer));
     }
-    auto shared = observer ? std::make_shared<const suite::Observer>(std::move(observer)) : nullptr;
-    const std::lock_guard<std::mutex> hold(suite::Slot().lock);
-    suite::Slot().observer.swap(shared);
+}
+
+void CurlHttpLibContext::SetDownloadObserver(std::function<void(std::uint64_t)> observer) {
+    if (!suite::ProcessIsEnding()) {
+        suite::DownloadSlot().Set(std::move(observer));
+    }
 }

@@ -19,6 +19,12 @@ constexpr std::uint64_t kMaxUnfoldRatio = 200;
 
 }  // namespace
 
+// Never destroyed: a download may still look for it while the process ends.
+ObserverSlot<std::uint64_t>& DownloadSlot() {
+    static auto* const slot = new ObserverSlot<std::uint64_t>;
+    return *slot;
+}
+
 void ReplySink::Attach(CURL* handle, bool isHttps) {
     m_handle = handle;
     m_isHttps = isHttps;
@@ -122,7 +128,16 @@ bool ReplySink::BeginBody() {
         return Refuse(kHttpBadEncoding, "the content encoding is not known");
     }
     m_decoder = std::move(choice.decoder);
-    return m_decoder || !length || *length <= MaxBytes() || RefuseSize();
+    if (m_decoder || !length) {
+        return true;
+    }
+    if (*length > MaxBytes()) {
+        return RefuseSize();
+    }
+    if (m_download != nullptr) {
+        DownloadSlot().Tell(*length);
+    }
+    return true;
 }
 
 bool ReplySink::AcceptBody(const char* data, std::size_t size) {

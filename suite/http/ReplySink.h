@@ -11,11 +11,15 @@
 #include "ChunkedBody.h"
 #include "ContentDecoder.h"
 #include "HttpLib.h"
+#include "ObserverSlot.h"
 #include "ReplyHead.h"
 #include "TransferPace.h"
 #include "TransportError.h"
 
 namespace suite {
+
+// Who is told the announced size of downloads.
+ObserverSlot<std::uint64_t>& DownloadSlot();
 
 // Receives the replies of one exchange and decides which of them are whole. The decoded body becomes the text or goes
 // to a download's handler, both within their limits; the body of a redirect or of a download's error page goes nowhere.

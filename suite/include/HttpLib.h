@@ -160,7 +160,7 @@ struct HttpExchange {
 };
 
 /// Executes a strategy, synchronously, on the calling thread; contexts on different threads share connections, TLS
-/// sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observer
+/// sessions and name look-ups. Nothing is thrown, and exceptions of the strategy's log functions and of the observers
 /// are dropped. Certificates and host names are always checked, TLS 1.2 at least. While the process ends (its other
 /// threads are gone) every request fails with kHttpInternalError.
 ///
@@ -236,6 +236,12 @@ public:
     /// Sets who is told of every exchange of the process. Any thread.
     /// @param observer  called after the exchange, on its thread; empty removes it
     static void SetExchangeObserver(std::function<void(const HttpExchange&)> observer);
+
+    /// Sets who is told the size of every download of the process whose reply announces it: the body has a
+    /// Content-Length and no content encoding. Any thread.
+    /// @param observer  called on the download's thread, before its first block, with the bytes that will come when
+    /// the reply is whole; empty removes it
+    static void SetDownloadObserver(std::function<void(std::uint64_t)> observer);
 
 private:
     IHttpLibStrategy* m_strategy;

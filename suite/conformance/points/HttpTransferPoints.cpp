@@ -217,6 +217,20 @@ void ExamineObserver(Examination& examination) {
             Require(seen[0].code == 200 && seen[2].code == kHttpInvalidRequest, "a code is wrong");
             Require(!seen[0].connectionReused && seen[1].connectionReused, "connectionReused is wrong");
         });
+    examination.Point("the download observer hears the announced size of a download, before its first block", [] {
+        RawServer server({OkReply("sized"), OkReply("text")});
+        HttpCall call(server.Url());
+        std::vector<std::uint64_t> announced;
+        CurlHttpLibContext::SetDownloadObserver([&](std::uint64_t bytes) {
+            announced.push_back(bytes + call.received.size());
+            throw std::runtime_error("dropped");
+        });
+        RequireEqual(call.SendAs(RequestForm::kDownload), 200, "the code");
+        HttpCall(server.Url()).Send();
+        CurlHttpLibContext::SetDownloadObserver(nullptr);
+        RequireEqual(announced.size(), 1U, "the number of calls");
+        RequireEqual(announced[0], std::uint64_t{5}, "the size, and what had come by then");
+    });
 }
 
 }  // namespace
