@@ -4,22 +4,18 @@
 # What they learn stays in build/fuzz/corpus; an input that ends a fuzzer lies in build/fuzz/findings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-# shellcheck source=/dev/null
-. "$root/cmake/setup/common.sh"
+for piece in common native; do
+  # shellcheck source=/dev/null
+  . "$root/cmake/setup/$piece.sh"
+done
 
 # What was freed is remembered for a while, not for hundreds of megabytes.
 export ASAN_OPTIONS=quarantine_size_mb=64
 export LC_ALL=C.UTF-8
 folder=$root/build/fuzz
+built=$root/build/sanitize-address
 tests=$root/tests/fuzz
 programs=(fuzz_service fuzz_suite)
-
-build_fuzzers() {
-  [ -x "$folder/${programs[1]}" ] || say "building the fuzzers, 5 minutes the first time"
-  run_logged "$folder/configure.log" cmake -S "$root/instruments" -B "$folder" -G Ninja -DCMAKE_CXX_COMPILER=clang++ \
-    -DUSERAUTH_FUZZ=ON
-  run_logged "$folder/build.log" ninja -C "$folder" "${programs[@]}"
-}
 
 # The file of a target has one seed a line, with the escapes of printf.
 write_seeds() {
@@ -35,14 +31,14 @@ statistic() { sed -n "s/^stat::$1: *//p" "$2"; }
 
 # run_target PROGRAM TARGET SECONDS
 run_target() {
-  local program=$folder/$1 target=$2 corpus=$folder/corpus/$2 log=$folder/$2.log dictionary=$tests/${2%%-*}.dict start=$SECONDS
+  local program=$built/$1 target=$2 corpus=$folder/corpus/$2 log=$folder/$2.log dictionary=$tests/${2%%-*}.dict start=$SECONDS
   local options=(-max_len=2048 -timeout=60 -rss_limit_mb=1024 -print_final_stats=1 "-artifact_prefix=$folder/findings/$target-")
   mkdir -p "$corpus" "$folder/findings"
   write_seeds "$target" "$corpus"
   [ ! -f "$dictionary" ] || options+=("-dict=$dictionary")
-  if ! (cd "$folder" && "$program" "--target=$target" "-max_total_time=$3" "${options[@]}" "$corpus") > "$log" 2>&1 < /dev/null; then
+  if ! (cd "$built" && "$program" "--target=$target" "-max_total_time=$3" "${options[@]}" "$corpus") > "$log" 2>&1 < /dev/null; then
     grep -E '^finding:|ERROR: |runtime error:|Test unit written' "$log" >&2 || tail -n 20 "$log" >&2
-    say "$target: a finding (whole log: $log). Again, with the file named above: (cd $folder && $program --target=$target FILE)"
+    say "$target: a finding (whole log: $log). Again, with the file named above: (cd $built && $program --target=$target FILE)"
     return 1
   fi
   printf '%-16s %9s executions in %4s s, %4s MB at most\n' "$target" "$(statistic number_of_executed_units "$log")" \
@@ -52,11 +48,11 @@ run_target() {
 seconds=${1:-${USERAUTH_FUZZ_SECONDS:-1}}
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || die "fuzz takes a number of seconds, then targets"
 [ $# -eq 0 ] || shift
-build_fuzzers
+native_build address address,undefined "${programs[@]}"
 failed=0
 known=
 for program in "${programs[@]}"; do
-  for target in $("$folder/$program" --list); do
+  for target in $("$built/$program" --list); do
     known+=" $target "
     [[ $# -eq 0 || " $* " == *" $target "* ]] || continue
     run_target "$program" "$target" "$seconds" || failed=1
