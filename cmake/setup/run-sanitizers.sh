@@ -44,7 +44,7 @@ run_thread() {
   run_unit_tests thread
 }
 
-# Wine validates the heap of these programs in every call (docs/reliability.md) from "validated on" to "validated off".
+# Between "validated on" and "validated off" Wine validates the heap of these programs in every call: docs/reliability.md.
 validated() {
   local program options='HKLM\Software\Microsoft\Windows NT\CurrentVersion\Image File Execution Options'
   for program in unit_tests write-after-release; do
@@ -69,7 +69,6 @@ run_heap_validation() {
   heap_reports "$log" > /dev/null || die "Wine's heap validation did not see a write into a released block ($log)"
   (cd "$folder/tests" && WINEPATH="Z:$folder/bin" "$run_wine" unit/unit_tests.exe --gtest_brief=1 \
     "--gtest_filter=-$with_threads") > "$log" 2>&1 < /dev/null || show_failure "$log"
-  validated off
   ! heap_reports "$log" >&2 || die "unit_tests.exe: the heap is spoilt (whole log: $log)"
   grep -aE 'tests? ran' "$log" >&2
 }
@@ -83,7 +82,7 @@ run_target() {
   local folder=$root/build/mingw-traps
   export WINEDEBUG=warn+heap
   stop_wine
-  trap stop_wine EXIT
+  trap 'validated off; stop_wine' EXIT
   wake_wine
   [ -f "$folder/build.ninja" ] || say "building for the target with checks that trap, some minutes the first time"
   (cd "$root" && run_logged "$folder/configure.log" cmake --preset "$preset" -B "$folder" -DUSERAUTH_TRAPS=ON)
