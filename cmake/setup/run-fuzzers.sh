@@ -32,7 +32,8 @@ statistic() { sed -n "s/^stat::$1: *//p" "$2"; }
 # run_target PROGRAM TARGET SECONDS
 run_target() {
   local program=$built/$1 target=$2 corpus=$folder/corpus/$2 log=$folder/$2.log dictionary=$tests/${2%%-*}.dict start=$SECONDS
-  local options=(-max_len=2048 -timeout=60 -rss_limit_mb=1024 -print_final_stats=1 "-artifact_prefix=$folder/findings/$target-")
+  local options=(-max_len=2048 -timeout=60 -rss_limit_mb=1024 -print_final_stats=1 "-seed=$seed"
+    "-artifact_prefix=$folder/findings/$target-")
   mkdir -p "$corpus" "$folder/findings"
   write_seeds "$target" "$corpus"
   [ ! -f "$dictionary" ] || options+=("-dict=$dictionary")
@@ -46,6 +47,9 @@ run_target() {
 }
 
 seconds=${1:-${USERAUTH_FUZZ_SECONDS:-1}}
+# As a test it begins with the same inputs each time; asked for by a person it tries others.
+seed=0
+[ $# -gt 0 ] || seed=1
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || die "fuzz takes a number of seconds, then targets"
 [ $# -eq 0 ] || shift
 native_build address address,undefined "${programs[@]}"

@@ -19,7 +19,9 @@ constexpr std::size_t kSeenByBlock = kBlock + kMark.size() - 1;
 bool MayHoldMark(const char* block) {
     unsigned char found = 0;
     for (std::size_t at = 0; at < kBlock; ++at) {
-        found = static_cast<unsigned char>(found | (int{block[at + 2] == kMark[2]} & int{block[at + 4] == kMark[4]}));
+        const unsigned char isThird = block[at + 2] == kMark[2] ? 1 : 0;
+        const unsigned char isLast = block[at + 4] == kMark[4] ? 1 : 0;
+        found = static_cast<unsigned char>(found | (isThird & isLast));
     }
     return found != 0;
 }

@@ -134,8 +134,9 @@ std::string Authority(const std::string& url) {
 }
 
 void Redirect(FuzzInput input) {
+    const std::string url = "https://portal.example.com/a/b?c";
     const suite::CheckedRequest request = {
-        "https://portal.example.com/a/b?c", true, {{"Authorization", "at"}, {"Cookie", "c"}, {"Accept", "*"}}, "code"};
+        url, *suite::ParseUrl(url), true, {{"Authorization", "at"}, {"Cookie", "c"}, {"Accept", "*"}}, "code"};
     const long status = 300 + static_cast<long>(input.Choice(9));
     const auto outcome = suite::FollowRedirect(request, status, input.text);
     if (const auto* const next = std::get_if<suite::CheckedRequest>(&outcome)) {
