@@ -32,6 +32,12 @@ else()
   target_link_options(project_settings INTERFACE -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--nxcompat
                       -Wl,--high-entropy-va -Wl,--exclude-all-symbols -fstack-protector-strong)
 endif()
+# For a build that is only tested: "./dev sanitize". There is no runtime for reports on this target, so a finding traps.
+option(USERAUTH_TRAPS "Undefined behaviour and broken promises to the standard library end the program" OFF)
+if(USERAUTH_TRAPS)
+  target_compile_options(project_settings INTERFACE -fsanitize=undefined -fsanitize-undefined-trap-on-error)
+  target_compile_definitions(project_settings INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MSVC)
   target_compile_definitions(project_settings INTERFACE _FORTIFY_SOURCE=2)
 endif()

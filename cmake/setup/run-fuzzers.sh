@@ -1,25 +1,20 @@
 #!/usr/bin/env bash
 # run-fuzzers.sh [SECONDS [TARGET...]]: builds the fuzzers and gives each target, or each of the named ones, so many seconds
 # (USERAUTH_FUZZ_SECONDS, else one).
-# What they learn stays in build/fuzz/corpus; an input that ends a fuzzer lies in build/fuzz/findings.
+# What they learn stays in build/sanitize-address/corpus; an input that ends a fuzzer lies in build/sanitize-address/findings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-# shellcheck source=/dev/null
-. "$root/cmake/setup/common.sh"
+for piece in common native; do
+  # shellcheck source=/dev/null
+  . "$root/cmake/setup/$piece.sh"
+done
 
 # What was freed is remembered for a while, not for hundreds of megabytes.
 export ASAN_OPTIONS=quarantine_size_mb=64
 export LC_ALL=C.UTF-8
-folder=$root/build/fuzz
+folder=$root/build/sanitize-address
 tests=$root/tests/fuzz
 programs=(fuzz_service fuzz_suite)
-
-build_fuzzers() {
-  [ -x "$folder/${programs[1]}" ] || say "building the fuzzers, 5 minutes the first time"
-  run_logged "$folder/configure.log" cmake -S "$root/instruments" -B "$folder" -G Ninja -DCMAKE_CXX_COMPILER=clang++ \
-    -DUSERAUTH_FUZZ=ON
-  run_logged "$folder/build.log" ninja -C "$folder" "${programs[@]}"
-}
 
 # The file of a target has one seed a line, with the escapes of printf.
 write_seeds() {
@@ -56,7 +51,7 @@ seed=0
 [ $# -gt 0 ] || seed=1
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || die "fuzz takes a number of seconds, then targets"
 [ $# -eq 0 ] || shift
-build_fuzzers
+native_build address address,undefined "${programs[@]}"
 failed=0
 known=
 for program in "${programs[@]}"; do
