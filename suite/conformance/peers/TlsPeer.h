@@ -11,8 +11,12 @@
 
 using TestKey = std::shared_ptr<EVP_PKEY>;
 
-inline TestKey NewEcKey() { return {EVP_EC_gen("P-256"), &EVP_PKEY_free}; }
-inline TestKey NewRsaKey() { return {EVP_RSA_gen(2048), &EVP_PKEY_free}; }
+inline TestKey NewEcKey() {
+    return {EVP_EC_gen("P-256"), &EVP_PKEY_free};
+}
+inline TestKey NewRsaKey() {
+    return {EVP_RSA_gen(2048), &EVP_PKEY_free};
+}
 
 // A certificate and its key, signed by the authority or, without one, by itself.
 struct TestIdentity {
