@@ -4,6 +4,7 @@
 #include <json/writer.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iomanip>
@@ -18,7 +19,7 @@ constexpr int kCallsOfRound = 100;
 
 double Quantile(std::vector<double> values, double part) {
     std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1) + 0.5)];
+    return values[static_cast<std::size_t>(std::lround(part * static_cast<double>(values.size() - 1)))];
 }
 double Median(const std::vector<double>& values) {
     return Quantile(values, 0.5);

@@ -74,7 +74,7 @@ void BenchHeaders(Report& report) {
         });
     report.Cpu(
         "GetTraceID", {}, [] { return Service().GetTraceID(BaseCmd::kRequestAccessToken); },
-        [traceId] { return traceId; });
+        [traceId] { return std::wstring(traceId); });
 }
 
 }  // namespace bench

@@ -74,6 +74,7 @@ template <typename MakeRequest>
 double SecondsOfThreads(int count, MakeRequest makeRequest) {
     return SecondsOf([&] {
         std::vector<std::thread> threads;
+        threads.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             threads.emplace_back([i, &makeRequest] {
                 const auto request = makeRequest(i);
@@ -94,6 +95,7 @@ void BenchThreads(Report& report, const LoopbackServer& server, int count) {
         return;
     }
     std::vector<std::unique_ptr<BareCurl>> handles;
+    handles.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         handles.push_back(BareUserId(server, ""));
     }
