@@ -85,7 +85,7 @@ std::atomic<DWORD> g_lastThreadId{0};
 thread_local DWORD g_threadId = ++g_lastThreadId;
 
 struct ThreadLeaves {
-    HMODULE library;
+    HMODULE module;
 };
 
 #define CURRENT_PROCESS (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
@@ -125,7 +125,7 @@ std::uintptr_t _beginthreadex(void*, unsigned, unsigned (*run)(void*), void* arg
             try {
                 run(argument);
             } catch (const ThreadLeaves& leaving) {
-                library = leaving.library;
+                library = leaving.module;
             }
             FreeLibrary(library);
         }).detach();

@@ -36,7 +36,7 @@ constexpr int kNotExamined = 2;
 
 struct Arguments {
     std::filesystem::path folder;
-    std::wstring library;
+    std::wstring examined;  // one library, or empty for all
     std::wstring only;
     bool isQuick = false;
     bool isExaminer = false;  // the process that does it, for one library
@@ -61,7 +61,7 @@ bool Read(const std::vector<std::wstring>& words, Arguments& arguments) {
         } else if (words[i] == L"--examine") {
             arguments.isExaminer = true;
         } else if (words[i] == L"--library" && hasNext && Known(words[i + 1])) {
-            arguments.library = words[++i];
+            arguments.examined = words[++i];
         } else if (words[i] == L"--only" && hasNext) {
             arguments.only = words[++i];
         } else if (words[i] == L"--write-line" && i + 2 < words.size()) {
@@ -91,7 +91,7 @@ int Examine(const Arguments& arguments) {
     }
     const auto examine = Entry<ExamineLibraryFunction>(points, kExamineLibrary);
     const std::string only(arguments.only.begin(), arguments.only.end());
-    return examine(arguments.library.c_str(), arguments.isQuick, only.c_str());
+    return examine(arguments.examined.c_str(), arguments.isQuick, only.c_str());
 }
 
 std::wstring Options(const Arguments& arguments) {
@@ -121,7 +121,7 @@ int ExamineEach(const Arguments& arguments) {
             std::printf("%ls.dll: not in the folder, not examined\n", library);
             continue;
         }
-        if (!arguments.library.empty() && arguments.library != library) {
+        if (!arguments.examined.empty() && arguments.examined != library) {
             continue;
         }
         std::printf("%s\n", file.u8string().c_str());
