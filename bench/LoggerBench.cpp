@@ -55,10 +55,11 @@ void BenchLogger(Report& report) {
     {
         const auto pool = std::make_shared<spdlog::details::thread_pool>(8192, 1);
         const auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>((folder / "bare.log").string(), true);
-        spdlog::async_logger bare("bare", sink, pool, spdlog::async_overflow_policy::overrun_oldest);
+        const auto bare =
+            std::make_shared<spdlog::async_logger>("bare", sink, pool, spdlog::async_overflow_policy::overrun_oldest);
         const auto bareBurst = [&] {
             const double seconds =
-                BurstSeconds(kBurst, [&] { bare.info("[module 10] [progress] {}:{} {}", "RequestAT", 42, narrow); });
+                BurstSeconds(kBurst, [&] { bare->info("[module 10] [progress] {}:{} {}", "RequestAT", 42, narrow); });
             Sleep(20);  // its queue empties
             return seconds;
         };

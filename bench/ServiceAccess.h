@@ -6,9 +6,6 @@
 class UserAuthServiceAccess {
 public:
     static std::string Authorization(UserAuthService& service) { return service.GetAuthorizationContents(); }
-    static void CountContacts(UserAuthService& service, std::string content) {
-        service.ContractsCounts(std::move(content));
-    }
 };
 
 namespace bench {

@@ -1,6 +1,7 @@
 #include "CurlHandlePool.h"
 
 #if !defined(_WIN32)
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #endif
@@ -42,6 +43,17 @@ int CloseNative(curl_socket_t socket) {
 #endif
 }
 
+// Of an orderly end there are none: libcurl sees that itself.
+bool HasBytesToRead(curl_socket_t socket) {
+#if defined(_WIN32)
+    u_long count = 0;
+    return ioctlsocket(socket, FIONREAD, &count) == 0 && count > 0;
+#else
+    int count = 0;
+    return ioctl(socket, FIONREAD, &count) == 0 && count > 0;
+#endif
+}
+
 void LockShared(CURL* handle, curl_lock_data data, curl_lock_access access, void* locks);
 void UnlockShared(CURL* handle, curl_lock_data data, void* locks);
 
@@ -67,12 +79,8 @@ int CloseSocket(void* data, curl_socket_t closed) {
     return CloseNative(closed);
 }
 
-// libcurl's sockets never block. An orderly end is no byte: libcurl sees that itself.
 bool HasUnaskedBytes(const CurlHandle& handle) {
-    return std::any_of(handle.sockets.begin(), handle.sockets.end(), [](curl_socket_t socket) {
-        char byte = 0;
-        return recv(socket, &byte, 1, MSG_PEEK) > 0;
-    });
+    return std::any_of(handle.sockets.begin(), handle.sockets.end(), HasBytesToRead);
 }
 
 // Closing a connection still looks for its socket in the list.
