@@ -9,10 +9,10 @@
 
 namespace bench {
 
-// The replies of the platform's operations that are measured.
-inline void AnswerAsPlatform(LoopbackServer& server) {
+// The replies of the platform's operations that are measured, the look-up of the user's id after a pause.
+inline void AnswerAsPlatform(LoopbackServer& server, unsigned pauseMilliseconds = 0) {
     server.Answer("/gw", {R"({"uid":"2850086000000000001","open_id":"MDFA1234567890","expire_in":3600,"scope":"all"})",
-                          "Content-Type: application/json\r\n"});
+                          "Content-Type: application/json\r\n", 1, pauseMilliseconds});
     server.Answer(
         "/pcclient/getAccessTokenByCode",
         {R"({"accessToken":"DQEBAPnlqMWQWZ9yLXRoZS1iZW5jaC1hY2Nlc3MtdG9rZW4tMTIzNDU2Nzg5MGFiY2RlZmdoaWprbG1u",)"

@@ -1,19 +1,16 @@
 #include <HttpLib.h>
 #include <json/reader.h>
 #include <json/value.h>
-#include <openssl/pem.h>
-#include <windows.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <thread>
 
+#include "Authorities.h"
 #include "BareCurl.h"
 #include "Platform.h"
 #include "ServiceAccess.h"
 #include "Subjects.h"
-#include "crypto/Certificates.h"
 
 namespace bench {
 namespace {
@@ -21,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kRequestsOfThread = 40;
-constexpr std::size_t kBundleBytes = 220 * 1024;
 
 std::string PathAndQuery() {
     const std::wstring token = AccessToken();
@@ -115,27 +111,6 @@ void BenchThreads(Report& report, const LoopbackServer& server, int count) {
     warm = true;
     report.Timed(what, AtLeast(0.9), ours, bare, true);
     report.Figure("new connections meanwhile, " + std::to_string(count) + " threads", AtMost(0), "", made);
-}
-
-// The server's authority among certificates that nobody uses.
-std::string Bundle(const std::string& authority) {
-    std::string pem = authority;
-    for (int i = 0; pem.size() < kBundleBytes; ++i) {
-        const sandbox::ServerIdentity other = sandbox::MakeServerIdentity("other-" + std::to_string(i) + ".example");
-        const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), &BIO_free);
-        PEM_write_bio_X509(memory.get(), other.certificate.get());
-        char* text = nullptr;
-        const long size = BIO_get_mem_data(memory.get(), &text);
-        pem.append(text, static_cast<std::size_t>(size));
-    }
-    return pem;
-}
-
-// Named after the process: another one's authority is not this one's.
-fs::path WritePem(const std::string& name, const std::string& pem) {
-    fs::path file = fs::temp_directory_path() / ("bench-" + std::to_string(GetCurrentProcessId()) + name);
-    std::ofstream(file, std::ios::binary) << pem;
-    return file;
 }
 
 std::string Fields(int count) {

@@ -10,7 +10,8 @@ namespace {
 constexpr int kRounds = 11;
 
 void RunAll(bench::Report& report) {
-    bench::BenchExport(report);  // first: it looks at the peak of memory
+    bench::BenchMemory(report);  // first: as a client's process is after its start
+    bench::BenchExport(report);  // then: it looks at the peak of memory
     bench::BenchBase64(report);
     bench::BenchHeaders(report);
     bench::BenchJson(report);
@@ -28,6 +29,9 @@ void RunAll(bench::Report& report) {
 int main(int count, char** arguments) {
     int code = 2;
     try {
+        if (count == 3 && arguments[1] == std::string("--serve")) {
+            bench::ServePlatform(arguments[2]);
+        }
         bench::Report report(count > 1 ? arguments[1] : "", kRounds);
         RunAll(report);
         code = report.Finish(count > 2 ? arguments[2] : "") ? 0 : 1;

@@ -4,6 +4,11 @@
 #include <windows.h>
 #endif
 
+#include <openssl/err.h>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
@@ -59,17 +64,17 @@ bool Look(FileStamp& stamp) {
 #endif
 }
 
-struct Authorities {
+struct KnownAuthorities {
     std::mutex lock;
     std::wstring defaultPath;
     FileStamp readStamp;
-    std::shared_ptr<const AuthoritiesPem> read;
-    const std::shared_ptr<const AuthoritiesPem> none = std::make_shared<const AuthoritiesPem>();
+    std::shared_ptr<const Authorities> read;
+    const std::shared_ptr<const Authorities> none = std::make_shared<const Authorities>();
 };
 
 // Never destroyed: a request may still read it while the process ends.
-Authorities& Shared() {
-    static auto* const instance = new Authorities;
+KnownAuthorities& Shared() {
+    static auto* const instance = new KnownAuthorities;
     return *instance;
 }
 
@@ -78,15 +83,82 @@ bool HoldsCertificate(const std::string& pem) {
            pem.find("-----BEGIN TRUSTED CERTIFICATE-----") != std::string::npos;
 }
 
+struct BioDeleter {
+    void operator()(BIO* bio) const { BIO_free(bio); }
+};
+using OwnedBio = std::unique_ptr<BIO, BioDeleter>;
+
+struct EntriesDeleter {
+    void operator()(STACK_OF(X509_INFO) * entries) const { sk_X509_INFO_pop_free(entries, X509_INFO_free); }
+};
+using Entries = std::unique_ptr<STACK_OF(X509_INFO), EntriesDeleter>;
+
+// Of the file's content, in hexadecimal digits and with a line's end.
+std::string DigestLine(const std::string& content) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned length = 0;
+    if (EVP_Digest(content.data(), content.size(), digest.data(), &length, EVP_sha256(), nullptr) != 1) {
+        return {};
+    }
+    std::string line;
+    for (unsigned at = 0; at < length; ++at) {
+        line += {"0123456789abcdef"[digest[at] >> 4], "0123456789abcdef"[digest[at] & 15]};
+    }
+    return line + "\n";
+}
+
+std::string PemOf(X509* certificate) {
+    const OwnedBio memory(BIO_new(BIO_s_mem()));
+    char* text = nullptr;
+    if (!memory || PEM_write_bio_X509(memory.get(), certificate) != 1) {
+        return {};
+    }
+    const long length = BIO_get_mem_data(memory.get(), &text);
+    return {text, static_cast<std::size_t>(length)};
+}
+
+// As libcurl does it: every entry counts, one that cannot be added spoils all.
+bool AddEntries(X509_STORE* store, const STACK_OF(X509_INFO) * entries) {
+    for (int i = 0; i < sk_X509_INFO_num(entries); ++i) {
+        const X509_INFO* const entry = sk_X509_INFO_value(entries, i);
+        if ((entry->x509 != nullptr && X509_STORE_add_cert(store, entry->x509) != 1) ||
+            (entry->crl != nullptr && X509_STORE_add_crl(store, entry->crl) != 1)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Reading 150 certificates takes OpenSSL longer than all the rest of a handshake, and they take a megabyte.
+Authorities Prepared(std::string content) {
+    const OwnedBio source(BIO_new_mem_buf(content.data(), static_cast<int>(content.size())));
+    const Entries entries(source ? PEM_X509_INFO_read_bio(source.get(), nullptr, nullptr, nullptr) : nullptr);
+    std::shared_ptr<X509_STORE> store(X509_STORE_new(), X509_STORE_free);
+    ERR_clear_error();  // of a damaged file
+    const std::string digest = DigestLine(content);
+    if (!entries || !store || digest.empty() || !AddEntries(store.get(), entries.get())) {
+        return {std::move(content), nullptr};
+    }
+    for (int i = 0; i < sk_X509_INFO_num(entries.get()); ++i) {
+        X509* const certificate = sk_X509_INFO_value(entries.get(), i)->x509;
+        const std::string pem = certificate != nullptr ? PemOf(certificate) : std::string();
+        if (!pem.empty()) {
+            return {digest + pem, std::move(store)};
+        }
+    }
+    return {std::move(content), nullptr};
+}
+
 // Read here and not by libcurl, which opens paths in the ANSI code page.
-std::shared_ptr<const AuthoritiesPem> ReadPem(const FileStamp& stamp) {
+std::shared_ptr<const Authorities> ReadFile(const FileStamp& stamp) {
     if (stamp.size > kMaxPemBytes) {
         return nullptr;
     }
     std::ifstream file(fs::path(stamp.path), std::ios::binary);
-    AuthoritiesPem pem(static_cast<std::size_t>(stamp.size), '\0');
-    const bool whole = file.is_open() && file.read(pem.data(), static_cast<std::streamsize>(pem.size()));
-    return whole && HoldsCertificate(pem) ? std::make_shared<const AuthoritiesPem>(std::move(pem)) : nullptr;
+    std::string content(static_cast<std::size_t>(stamp.size), '\0');
+    const bool whole = file.is_open() && file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    return whole && HoldsCertificate(content) ? std::make_shared<const Authorities>(Prepared(std::move(content)))
+                                              : nullptr;
 }
 
 }  // namespace
@@ -96,7 +168,7 @@ void SetDefaultAuthoritiesPath(const std::wstring& path) {
     Shared().defaultPath = path;
 }
 
-std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath) {
+std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath) {
     FileStamp stamp{ownPath, 0, 0};
     if (stamp.path.empty()) {
         const std::lock_guard<std::mutex> hold(Shared().lock);
@@ -114,13 +186,13 @@ std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath
             return Shared().read;
         }
     }
-    std::shared_ptr<const AuthoritiesPem> pem = ReadPem(stamp);
-    if (pem) {
+    std::shared_ptr<const Authorities> authorities = ReadFile(stamp);
+    if (authorities) {
         const std::lock_guard<std::mutex> hold(Shared().lock);
         Shared().readStamp = stamp;
-        Shared().read = pem;
+        Shared().read = authorities;
     }
-    return pem;
+    return authorities;
 }
 
 }  // namespace suite

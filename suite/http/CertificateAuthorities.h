@@ -1,12 +1,20 @@
 #pragma once
 
+#include <openssl/ossl_typ.h>
+
 #include <memory>
 #include <string>
 
 namespace suite {
 
-// PEM text of the authorities to trust; empty means that Windows judges.
-using AuthoritiesPem = std::string;
+// The authorities to trust.
+struct Authorities {
+    // PEM for libcurl, which reads it for every connection and tells connections apart by it. Empty: Windows judges.
+    std::string pem;
+    // All certificates of the file, read once. The PEM is one of them then, behind the digest of the file. Null: the PEM
+    // is the file's, which OpenSSL cannot read.
+    std::shared_ptr<X509_STORE> certificates;
+};
 
 // Remembers the file for requests that name none; empty: Windows judges. Any thread.
 void SetDefaultAuthoritiesPath(const std::wstring& path);
@@ -14,6 +22,6 @@ void SetDefaultAuthoritiesPath(const std::wstring& path);
 // The authorities of a request: of its own file, else of the default file, else none. The file read last is kept for as
 // long as its size and time stay. Null when the file cannot be read, is larger than any sensible bundle, or holds no
 // certificate. Any thread.
-std::shared_ptr<const AuthoritiesPem> AuthoritiesFor(const std::wstring& ownPath);
+std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath);
 
 }  // namespace suite

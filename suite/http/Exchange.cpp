@@ -224,7 +224,7 @@ private:
     const std::wstring& m_certPath;
     ReplySink& m_sink;
     std::optional<Clock::time_point> m_deadline;
-    std::shared_ptr<const AuthoritiesPem> m_authorities;  // outlives the handle's options, which point into it
+    std::shared_ptr<const Authorities> m_authorities;  // outlives the handle's options, which point into it
     CurlLease m_handle;
     ExchangeOutcome m_outcome;
     long m_connectionsMade = 0;

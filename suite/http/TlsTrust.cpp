@@ -55,7 +55,7 @@ std::string ServerName(X509_STORE_CTX* context) {
     return name != nullptr ? name : "";
 }
 
-int JudgedByPlatform(X509_STORE_CTX* context) {
+int JudgedByPlatform(X509_STORE_CTX* context, X509_STORE*) {
     X509* const certificate = X509_STORE_CTX_get0_cert(context);
     if (X509_cmp_current_time(X509_get0_notBefore(certificate)) > 0) {
         return X509_V_ERR_CERT_NOT_YET_VALID;  // for Windows it is the same as expired
@@ -63,17 +63,33 @@ int JudgedByPlatform(X509_STORE_CTX* context) {
     return PlatformVerdict(SentChain(context), ServerName(context));
 }
 
-int JudgedByAuthorities(X509_STORE_CTX* context) {
-    return X509_verify_cert(context) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(context);
+struct VerificationDeleter {
+    void operator()(X509_STORE_CTX* verification) const { X509_STORE_CTX_free(verification); }
+};
+
+// OpenSSL's own verification with all that libcurl and the handshake set for it, but with these authorities.
+int JudgedByAuthorities(X509_STORE_CTX* context, X509_STORE* authorities) {
+    if (authorities == nullptr) {
+        return X509_verify_cert(context) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(context);
+    }
+    const std::unique_ptr<X509_STORE_CTX, VerificationDeleter> verification(X509_STORE_CTX_new());
+    if (!verification ||
+        X509_STORE_CTX_init(verification.get(), authorities, X509_STORE_CTX_get0_cert(context),
+                            X509_STORE_CTX_get0_untrusted(context)) != 1 ||
+        X509_VERIFY_PARAM_set1(X509_STORE_CTX_get0_param(verification.get()), X509_STORE_CTX_get0_param(context)) !=
+            1) {
+        return X509_V_ERR_OUT_OF_MEM;
+    }
+    return X509_verify_cert(verification.get()) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(verification.get());
 }
 
 // OpenSSL calls these instead of its own verification. The error becomes CURLINFO_SSL_VERIFYRESULT and libcurl's text.
 // No exception may pass through OpenSSL.
-template <int (*Judge)(X509_STORE_CTX*)>
-int Verify(X509_STORE_CTX* context, void*) noexcept {
+template <int (*Judge)(X509_STORE_CTX*, X509_STORE*)>
+int Verify(X509_STORE_CTX* context, void* authorities) noexcept {
     int error = X509_V_ERR_OUT_OF_MEM;
     try {
-        error = Judge(context);
+        error = Judge(context, static_cast<X509_STORE*>(authorities));
     } catch (const std::exception&) {
     }
     if (error == X509_V_OK && !NamesAHost(X509_STORE_CTX_get0_cert(context))) {
@@ -83,10 +99,33 @@ int Verify(X509_STORE_CTX* context, void*) noexcept {
     return error == X509_V_OK ? 1 : 0;
 }
 
-template <int (*Judge)(X509_STORE_CTX*)>
-CURLcode PrepareConnection(CURL*, void* context, void*) noexcept {
+void FreeAuthorities(void*, void* authorities, CRYPTO_EX_DATA*, int, long, void*) {
+    X509_STORE_free(static_cast<X509_STORE*>(authorities));
+}
+
+// A kept connection may verify once more when its request has long ended: it holds a reference of its own.
+bool HoldAuthorities(SSL_CTX* tls, X509_STORE* authorities) {
+    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeAuthorities);
+    if (authorities == nullptr) {
+        return true;
+    }
+    if (index < 0 || X509_STORE_up_ref(authorities) != 1) {
+        return false;
+    }
+    if (SSL_CTX_set_ex_data(tls, index, authorities) != 1) {
+        X509_STORE_free(authorities);
+        return false;
+    }
+    return true;
+}
+
+template <int (*Judge)(X509_STORE_CTX*, X509_STORE*)>
+CURLcode PrepareConnection(CURL*, void* context, void* authorities) noexcept {
     auto* const tls = static_cast<SSL_CTX*>(context);
-    SSL_CTX_set_cert_verify_callback(tls, &Verify<Judge>, nullptr);
+    if (!HoldAuthorities(tls, static_cast<X509_STORE*>(authorities))) {
+        return CURLE_OUT_OF_MEMORY;
+    }
+    SSL_CTX_set_cert_verify_callback(tls, &Verify<Judge>, authorities);
     // libcurl would write the session's secrets to the file that SSLKEYLOGFILE names.
     SSL_CTX_set_keylog_callback(tls, nullptr);
     return CURLE_OK;
@@ -97,20 +136,21 @@ CURLcode PrepareConnection(CURL*, void* context, void*) noexcept {
 // libcurl compares the authorities before it takes up a kept connection or TLS session, having none among them, so one
 // made under other authorities or under Windows' verdict is never used here. It does not compare the functions: they
 // follow from the authorities alone.
-void SetTlsOptions(CURL* handle, const AuthoritiesPem& authorities) {
+void SetTlsOptions(CURL* handle, const Authorities& authorities) {
     SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
     SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
     SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
     SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-    if (authorities.empty()) {
+    if (authorities.pem.empty()) {
         SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByPlatform>);
         return;
     }
     // Read only; libcurl's connections and sessions keep copies of their own.
-    curl_blob blob = {const_cast<char*>(authorities.data()), authorities.size(), CURL_BLOB_NOCOPY};
+    curl_blob blob = {const_cast<char*>(authorities.pem.data()), authorities.pem.size(), CURL_BLOB_NOCOPY};
     SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
     SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByAuthorities>);
+    SetCurlOption(handle, CURLOPT_SSL_CTX_DATA, authorities.certificates.get());
 }
 
 }  // namespace suite

@@ -13,6 +13,11 @@ TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
     const std::filesystem::path damaged = m_folder / "damaged.pem";
     WriteFile(damaged,
               ReadFile(m_folder / "authority.pem") + "-----BEGIN CERTIFICATE-----\nMIIB\n-----END CERTIFICATE-----\n");
+    // They begin alike, so that a connection made under the one may seem to fit the other.
+    const std::filesystem::path rightBehindAnother = m_folder / "right-behind.pem";
+    WriteFile(rightBehindAnother, ReadFile(otherAuthority) + ReadFile(m_folder / "authority.pem"));
+    const std::filesystem::path twoOthers = m_folder / "two-others.pem";
+    WriteFile(twoOthers, ReadFile(otherAuthority) + ReadFile(oldAuthority));
     const struct {
         const char* name;
         std::filesystem::path authority;
@@ -20,6 +25,8 @@ TEST_F(HttpCertificate, CertificateFaultsHaveTheirOwnCodesAndTexts) {
         int code;
     } rows[] = {
         {"right", m_folder / "authority.pem", m_sandbox.m_https, 200},
+        {"right behind another", rightBehindAnother, m_sandbox.m_https, 200},
+        {"two others", twoOthers, m_sandbox.m_https, kHttpCertificateUntrusted},
         {"another authority", otherAuthority, m_sandbox.m_https, kHttpCertificateUntrusted},
         {"wrong name", otherAuthority, wrongName.m_https, kHttpCertificateWrongName},
         {"TLS 1.1 at most", oldAuthority, oldTls.m_https, kHttpTlsFailed},
