@@ -42,7 +42,9 @@ std::string LogTextOf(std::wstring_view text, const SecretValues* secrets) {
     std::string kept = Utf8FromWide(text.substr(0, kMaxUnits));
     const std::wstring_view beyond = text.substr(std::min(text.size(), kMaxUnits));
     if (secrets != nullptr) {
-        kept = secrets->Masked(kept + Utf8FromWide(beyond.substr(0, secrets->LongestForm())), kept.size());
+        const std::size_t limit = kept.size();
+        kept += Utf8FromWide(beyond.substr(0, secrets->LongestForm()));
+        kept = secrets->Masked(kept, limit);
     }
     if (!beyond.empty()) {
         kept += " [cut: " + std::to_string(beyond.size()) + " more]";

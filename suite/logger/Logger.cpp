@@ -59,8 +59,10 @@ void Replace(const std::shared_ptr<LogPipeline>& pipeline) {
 // The tag is masked before the colon is added: behind a tag that ends in "Token" the line number would be taken for a
 // secret.
 std::string PlaceOf(int moduleType, int severity, int line, const std::string& functionTag) {
-    return "[module " + std::to_string(moduleType) + "] [" + SeverityName(severity) + "] " + MaskSecrets(functionTag) +
-           ":" + std::to_string(line);
+    std::string place = "[module ";
+    place.reserve(functionTag.size() + 64);
+    place.append(std::to_string(moduleType)).append("] [").append(SeverityName(severity)).append("] ");
+    return place.append(MaskSecrets(functionTag)).append(":").append(std::to_string(line));
 }
 
 // Nothing leaves the logger: a reason for which there is no memory is a short one.
@@ -104,16 +106,16 @@ void Logger::Output(int moduleType, int severity, int line, const std::string& f
         return;
     }
     try {
-        const std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
-        const std::string text = suite::LogTextOf(message, State().secrets.Current().get());
+        std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
+        std::string text = suite::LogTextOf(message, State().secrets.Current().get());
         const bool urgent = severity >= kSeverityFailure;
         const std::lock_guard<std::mutex> lock(State().mutex);
         LogPipeline* const pipeline = State().pipeline.get();
-        if (pipeline != nullptr && toFile) {
-            pipeline->Post(LogTarget::kFile, urgent, place, text);
-        }
         if (pipeline != nullptr && severity >= pipeline->ConsoleSeverity()) {
             pipeline->Post(LogTarget::kConsole, urgent, place, text);
+        }
+        if (pipeline != nullptr && toFile) {
+            pipeline->Post(LogTarget::kFile, urgent, std::move(place), std::move(text));
         }
     } catch (...) {
         // Out of memory: the line is lost, the caller goes on.

@@ -17,8 +17,14 @@ struct Span {
 
 constexpr Span kNoSecret = {0, 0};
 
-// Of "authorization", "bearer", "code", "cookie" and "token".
-constexpr std::string_view kFirstLetters = "abctABCT";
+// Position of the next "a", "b", "c" or "t" in any letter case: what begins "authorization", "bearer", "code", "cookie"
+// and "token".
+std::size_t NextFirstLetter(std::string_view text, std::size_t at) {
+    return Skip(text, at, [](char c) {
+        const char lower = Lower(c);
+        return lower != 'a' && lower != 'b' && lower != 'c' && lower != 't';
+    });
+}
 
 // Looks for names in the unwrapped text, and for the ends of values in the original: there the escapes of a quote tell
 // which quote closes the value.
@@ -103,7 +109,7 @@ Span SecretScan::SecretAt(std::size_t at) const {
 
 std::string SecretScan::Masked() {
     std::vector<Span> secrets;
-    for (std::size_t i = 0; (i = m_plain.find_first_of(kFirstLetters, i)) != kNone; ++i) {
+    for (std::size_t i = NextFirstLetter(m_plain, 0); i < m_plain.size(); i = NextFirstLetter(m_plain, i + 1)) {
         const Span secret = SecretAt(i);
         if (secret.begin < secret.end) {
             secrets.push_back(secret);

@@ -1,5 +1,6 @@
 #include "UnwrappedText.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "TextScan.h"
@@ -93,7 +94,8 @@ UnwrappedText::UnwrappedText(std::string_view original, const LevelFunction& onL
 }
 
 bool UnwrappedText::IsWrapped(std::string_view text) {
-    return text.find_first_of(std::string_view("%\\&\0", 4)) != kNone;
+    // Every character of every line comes by here: a library call for each, as find_first_of makes it, would show.
+    return std::any_of(text.begin(), text.end(), [](char c) { return c == '%' || c == '\\' || c == '&' || c == '\0'; });
 }
 
 void UnwrappedText::TakeOneLevelOff() {
