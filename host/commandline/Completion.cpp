@@ -3,11 +3,14 @@
 namespace host {
 namespace {
 
-// Files where a file is asked for. The rest needs no more than its first letters.
+// Files where a file is asked for, with a backslash before a blank and a slash behind a folder. The rest needs no more
+// than its first letters.
 constexpr char kBash[] = R"(_userauth() {
     local word=${COMP_WORDS[COMP_CWORD]}
     case ${COMP_WORDS[COMP_CWORD-1]} in
-        --config|--certificate-authority|--cookie-file|--log|export) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        --config|--certificate-authority|--cookie-file|--log|export)
+            compopt -o filenames 2> /dev/null || true
+            mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         contacts) mapfile -t COMPREPLY < <(compgen -W export -- "$word") ;;
         completion) mapfile -t COMPREPLY < <(compgen -W 'bash powershell' -- "$word") ;;
         *) mapfile -t COMPREPLY < <(compgen -W '{words}' -- "$word") ;;
