@@ -5,7 +5,8 @@ namespace {
 
 // Files where a file is asked for, with a backslash before a blank and a slash behind a folder. The rest needs no more
 // than its first letters.
-constexpr char kBash[] = R"(_userauth() {
+constexpr char kBash[] = R"(# In ~/.bashrc: source <(userauth completion bash)
+_userauth() {
     local word=${COMP_WORDS[COMP_CWORD]}
     case ${COMP_WORDS[COMP_CWORD-1]} in
         --config|--certificate-authority|--cookie-file|--log|export)
@@ -19,7 +20,8 @@ constexpr char kBash[] = R"(_userauth() {
 complete -F _userauth userauth userauth.exe
 )";
 
-constexpr char kPowerShell[] = R"(Register-ArgumentCompleter -Native -CommandName userauth, userauth.exe -ScriptBlock {
+constexpr char kPowerShell[] = R"(# In the profile: userauth completion powershell | Out-String | Invoke-Expression
+Register-ArgumentCompleter -Native -CommandName userauth, userauth.exe -ScriptBlock {
     param($word)
     '{words}'.Split(' ') | Where-Object { $_ -like "$word*" } |
         ForEach-Object { [System.Management.Automation.CompletionResult]::new($_) }
