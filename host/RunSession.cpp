@@ -129,9 +129,9 @@ constexpr Command kCommands[] = {
 
 constexpr char kAfterDemo[] =
     "\n"
-    "To try next: sandbox-server --http-port 8080      a platform that keeps running, in a terminal of its own\n"
+    "To try next: sandbox-server --http-port 8080   a platform, in a second terminal\n"
     "             userauth sign-in whoami devices --platform http://127.0.0.1:8080\n"
-    "             userauth --help                      every command, each with an example\n";
+    "             userauth --help                   each command with an example\n";
 
 const Command& CommandOf(const CommandCall& call) {
     return *std::find_if(std::begin(kCommands), std::end(kCommands),

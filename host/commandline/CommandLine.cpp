@@ -57,15 +57,15 @@ void Describe(CLI::App& app, Options& options, RawOptions& raw) {
     addText("--url", "URL", options.contactsUrl, "contacts export: where the portal has the contacts");
     // The option takes one text, so that the commands after it stay commands.
     app.add_option("--cookie", raw.cookies,
-                   "contacts export: a cookie of the portal's login; once for each. Other users can see it in the list "
-                   "of processes: rather use --cookie-file")
+                   "contacts export: a cookie of the portal's login; once for each. Other users\n"
+                   "can see it in the list of processes: rather use --cookie-file")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     addText("--cookie-file", "FILE", raw.cookieFile,
             "contacts export: the cookies, a line NAME=VALUE each; - reads them from standard input");
     app.add_flag("--https", options.https, "demo: speak https with the sandbox, and trust the authority that it made");
     app.add_flag("--interactive", options.interactive,
-                 "With the sandbox's SDK: a person signs in on the sandbox's page, which opens in the browser");
+                 "With the sandbox's SDK: a person signs in on the sandbox's page, which opens\nin the browser");
     app.add_flag("--json", options.json, "For machines: one JSON object a line and step");
     addText("--log", "FILE", raw.log, "Write the log to this file, events to FILE.operations.jsonl");
     app.add_flag("--verbose", options.verbose, "Show the log on standard error");

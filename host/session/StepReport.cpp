@@ -99,12 +99,16 @@ struct Outcome {
 // verdict: what the line starts with. width: of the terminal, 0 without one.
 std::string TextLines(const Outcome& outcome, const std::string& verdict, std::size_t width) {
     const std::string time = Milliseconds(outcome.time);
-    std::string line = verdict + Padded(outcome.step.title, kTitleWidth);
+    std::string line = Padded(outcome.step.title, kTitleWidth);
     line += Padded("", kTimeWidth - std::min(kTimeWidth, time.size())) + time + "  ";
     line += ExchangeTexts(outcome.exchanges) + Printable(outcome.result.detail);
     line.erase(line.find_last_not_of("; ") + 1);
+    // With the colours' characters: Wine's console gives each of them a column.
+    line = verdict + Wrapped(line, verdict.size(), kFieldIndent, width);
+    constexpr std::size_t kValueIndent = kFieldIndent + kFieldWidth;
     for (const auto& [name, value] : outcome.result.fields) {
-        line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) + Printable(value);
+        line += "\n" + std::string(kFieldIndent, ' ') + Padded(name, kFieldWidth) +
+                Wrapped(Printable(value), kValueIndent, kValueIndent, width);
     }
     return line + TableText(outcome.result.table, kFieldIndent, width) + "\n";
 }
@@ -169,8 +173,8 @@ bool StepReport::Finish(const Step& step, Clock::time_point start, StepResult re
 
     ++m_count;
     m_time += time;
-    if (!ok && m_failed.empty()) {
-        m_failed = step.title;
+    if (!ok) {
+        m_failed += (m_failed.empty() ? "" : ", ") + std::string(step.title);
     }
     if (m_state.options.verbose) {
         Logger::Flush(kLongestFlushMilliseconds);  // the step's log lines come before its own

@@ -63,7 +63,7 @@ private:
     ExchangeLog m_exchanges;
     int m_count = 0;
     Clock::duration m_time{};
-    std::string m_failed;  // title of the first step that failed
+    std::string m_failed;  // titles of the steps that failed
 };
 
 }  // namespace host

@@ -107,4 +107,22 @@ std::string TableText(const Table& table, std::size_t indent, std::size_t width)
     return text;
 }
 
+std::string Wrapped(const std::string& text, std::size_t taken, std::size_t indent, std::size_t width) {
+    std::string wrapped;
+    for (std::size_t gap = 0, end = 0; gap < text.size(); gap = end) {
+        const std::size_t word = std::min(text.find_first_not_of(' ', gap), text.size());
+        end = std::min(text.find(' ', word), text.size());
+        const std::size_t cells = CellsOf(text.substr(gap, end - gap));
+        if (width != 0 && gap != 0 && taken + cells > width) {
+            wrapped += "\n" + std::string(indent, ' ');
+            taken = indent + cells - (word - gap);
+        } else {
+            wrapped.append(text, gap, word - gap);
+            taken += cells;
+        }
+        wrapped.append(text, word, end - word);
+    }
+    return wrapped;
+}
+
 }  // namespace host

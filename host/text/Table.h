@@ -16,4 +16,8 @@ struct Table {
 // width: columns of the terminal, to which the widest texts are cut; 0 cuts nothing.
 std::string TableText(const Table& table, std::size_t indent, std::size_t width);
 
+// The text broken at blanks, so that a terminal of so many columns does not break it within a word; lines after the
+// first start with the indent. taken: columns before the text. width 0 breaks nothing; a longer word stays whole.
+std::string Wrapped(const std::string& text, std::size_t taken, std::size_t indent, std::size_t width);
+
 }  // namespace host
