@@ -1,5 +1,6 @@
 #include "FuzzTarget.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -47,6 +48,11 @@ std::string Expanded(const std::string& text, const std::string& mark, const std
     return at == std::string::npos
                ? text
                : text.substr(0, at) + replacement + Expanded(text.substr(at + mark.size()), mark, replacement);
+}
+
+std::string Stretched(const std::string& text, char mark, const std::string& replacement) {
+    const bool few = std::count(text.begin(), text.end(), mark) < 4;
+    return few ? Expanded(text, {mark}, replacement) : text;
 }
 
 // "--list" prints the program's targets, "--target=NAME" selects one; libFuzzer passes over words that begin so.

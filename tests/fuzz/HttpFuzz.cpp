@@ -64,34 +64,41 @@ Received Receive(std::string bytes, std::size_t blockBytes, bool isHttps, bool i
     return whole ? Received(isDownload ? file : sink.TakeText()) : std::nullopt;
 }
 
-// Head and body in any shape: the blocks in which a reply comes do not decide about it.
+// Head and body in any shape: the blocks in which a reply comes do not decide about it. Two "^" are more fields than a
+// head may have.
 void Reply(FuzzInput input) {
     const bool isHttps = input.Choice(2) == 1;
     const bool isDownload = input.Choice(2) == 1;
-    Require(Receive(input.text, 1, isHttps, isDownload) == Receive(input.text, 1 << 20, isHttps, isDownload),
+    static const std::string fields = Expanded(std::string(600, '^'), "^", "a:b\r\n");
+    const std::string text = Stretched(input.text, '^', fields);
+    Require(Receive(text, 1, isHttps, isDownload) == Receive(text, 1 << 20, isHttps, isDownload),
             "the blocks decide about a reply");
 }
 
-std::string LittleEndian(std::uint32_t number) { return {reinterpret_cast<const char*>(&number), sizeof(number)}; }
-
-// The text in gzip, zlib's wrapping, raw deflate, br or nothing.
+// The text in gzip, zlib's wrapping, raw deflate, br or nothing. Small windows: making large ones would take longest.
 std::string Encoded(const std::string& text, std::size_t coding) {
-    const auto* const bytes = reinterpret_cast<const Bytef*>(text.data());
+    constexpr int kWindowBits = 10;
+    constexpr int kWrappings[] = {kWindowBits + 16, kWindowBits, -kWindowBits};
+    if (coding > 3) {
+        return text;
+    }
     std::string coded(text.size() * 2 + 1024, '\0');
     auto* const out = reinterpret_cast<Bytef*>(coded.data());
     std::size_t size = coded.size();
     if (coding == 3) {
-        BrotliEncoderCompress(5, BROTLI_DEFAULT_WINDOW, BROTLI_MODE_GENERIC, text.size(), bytes, &size, out);
+        BrotliEncoderCompress(5, kWindowBits, BROTLI_MODE_GENERIC, text.size(),
+                              reinterpret_cast<const std::uint8_t*>(text.data()), &size, out);
         return coded.substr(0, size);
     }
-    compress(out, &size, bytes, text.size());
-    const std::string raw = coded.substr(2, size - 6);
-    const auto sum = static_cast<std::uint32_t>(crc32(0, bytes, static_cast<uInt>(text.size())));
-    return coding == 0 ? std::string("\x1F\x8B\x08\0\0\0\0\0\0\x03", 10) + raw + LittleEndian(sum) +
-                             LittleEndian(static_cast<std::uint32_t>(text.size()))
-           : coding == 1 ? coded.substr(0, size)
-           : coding == 2 ? raw
-                         : text;
+    z_stream stream = {};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWrappings[coding], 1, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = out;
+    stream.avail_out = static_cast<uInt>(size);
+    deflate(&stream, Z_FINISH);
+    deflateEnd(&stream);
+    return coded.substr(0, stream.total_out);
 }
 
 std::string Chunked(const std::string& body, std::size_t chunkBytes) {
@@ -111,6 +118,9 @@ void Coded(FuzzInput input) {
     const std::size_t chunkBytes = 1 + input.Choice(255);
     const std::size_t cut = input.Choice(6);  // within the last chunk
     const std::size_t changed = input.Choice(256);
+    for (std::size_t doublings = input.Choice(8); doublings > 0 && input.text.size() < 65536; --doublings) {
+        input.text += input.text;
+    }
     std::string body = Encoded(input.text, coding);
     const bool isChanged = coding < 2 && changed < body.size();
     if (isChanged) {

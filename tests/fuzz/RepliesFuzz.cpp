@@ -16,6 +16,8 @@ namespace {
 // Made before any target asks for it; without an account SDK it would show a message box.
 UserAuthService& g_service = []() -> UserAuthService& {
     const InstalledSdk sdk("scripted-sdk.dll");
+    // A reply that is too long ends the process of a client that has no handler.
+    _set_invalid_parameter_handler([](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {});
     return Singleton();
 }();
 
@@ -85,7 +87,8 @@ const Fields& Prepare() {
     return prepared = AccountFields(g_service);
 }
 
-// The text of the input are the replies; the status is that of the last one.
+// The text of the input are the replies; the status is that of the last one. "#" is more than a reply may hold, two "^"
+// are more nesting than the library reads.
 void Replies(FuzzInput input) {
     static constexpr int kStatuses[] = {200, 201, 204, 401, 500, kHttpConnectionBroken, 200, 200};
     static const std::wstring legacyItem = Wide(LegacyItem("legacy" + kLegacyTimeStamp));
@@ -96,6 +99,7 @@ void Replies(FuzzInput input) {
     Recording().appDataFolder = L"/dev/null/folder";
     Recording().legacyItem = legacyItem;
     Recording().onMainWindowAsked = [] { ++g_windowAsked; };
+    input.text = Stretched(Stretched(input.text, '^', std::string(600, '[')), '#', std::string(41000, ' '));
     for (const std::string& body : input.Parts()) {
         Recording().replies.push_back({200, body, {{"name", body}}});
     }
