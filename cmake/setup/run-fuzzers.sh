@@ -37,7 +37,7 @@ run_target() {
   local target=$2 corpus=$folder/corpus/$2 log=$folder/$2.log dictionary=$tests/${2%%-*}.dict start=$SECONDS
   local home=$folder/fuzzers/$target program=./$1  # the service looks for files beside its program
   # Without entropic scheduling, which takes longer than it saves where an input reaches a thousand places.
-  local options=("-max_len=${longest[$target]:-2048}" -timeout=60 -rss_limit_mb=1024 -entropic=0 -print_final_stats=1
+  local options=("-max_len=${longest[$target]:-2048}" "-runs=${USERAUTH_FUZZ_EXECUTIONS:--1}" -timeout=60 -rss_limit_mb=1024 -entropic=0 -print_final_stats=1
     "-seed=$seed" "-artifact_prefix=$folder/findings/$target-")
   mkdir -p "$corpus" "$folder/findings" "$home"
   ln -f "$folder/$1" "$folder/scripted-sdk.dll" "$home"
@@ -62,20 +62,26 @@ native_build address address,undefined "${programs[@]}"
 failed=0
 known=
 running=0
+lanes=$(($(nproc) > 1 ? 2 : 1))
 await_one() {
   wait -n || failed=1
   running=$((running - 1))
 }
 # Each in a process group of its own, which ends with this script.
 set -m
-trap 'for group in $(jobs -p); do kill -- "-$group" 2> /dev/null || true; done' EXIT
+# shellcheck disable=SC2317 # called by the trap
+end_all() {
+  local group
+  for group in $(jobs -p); do kill -- "-$group" 2> /dev/null || true; done
+}
+trap end_all EXIT
 for program in "${programs[@]}"; do
   for target in $("$folder/$program" --list); do
     known+=" $target "
     [[ $# -eq 0 || " $* " == *" $target "* ]] || continue
     run_target "$program" "$target" "$seconds" &
     running=$((running + 1))
-    [ "$running" -lt 2 ] && [ "$(nproc)" -gt 1 ] || await_one
+    [ "$running" -lt "$lanes" ] || await_one
   done
 done
 while [ "$running" -gt 0 ]; do await_one; done

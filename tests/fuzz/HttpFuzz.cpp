@@ -135,26 +135,34 @@ void Coded(FuzzInput input) {
     Require(!received || received == input.text, "a reply arrives changed");
 }
 
-// What stands behind "//", without user information, up to the path; in small letters.
-std::string Authority(const std::string& url) {
-    const std::size_t begin = url.find("//") + 2;
-    std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
-    std::transform(authority.begin(), authority.end(), authority.begin(), [](char c) { return std::tolower(c); });
-    return authority.substr(authority.rfind('@') + 1);
+// Scheme, host and port in small letters: without user information, an address's zone, and the scheme's own port.
+std::string Party(const std::string& url) {
+    const std::size_t colon = url.find("://");
+    std::string authority = url.substr(colon + 3, url.find_first_of("/?#", colon + 3) - colon - 3);
+    authority.erase(0, authority.rfind('@') + 1);
+    std::string party = url.substr(0, colon) + " " + authority;
+    std::transform(party.begin(), party.end(), party.begin(), [](char c) { return std::tolower(c); });
+    if (const std::size_t zone = party.find("%25"); zone < party.find(']')) {
+        party.erase(zone, party.find(']') - zone);
+    }
+    return Expanded(Expanded(party + "|", colon == 4 ? ":80|" : ":443|", "|"), "|", "");
 }
 
 void Redirect(FuzzInput input) {
-    const std::string url = "https://portal.example.com/a/b?c";
+    static const std::string kUrls[] = {"https://portal.example.com/a/b?c", "http://portal.example.com/a",
+                                        "https://[fe80::1]:8443/"};
+    const std::string& url = kUrls[input.Choice(std::size(kUrls))];
     const suite::CheckedRequest request = {
         url, *suite::ParseUrl(url), true, {{"Authorization", "at"}, {"Cookie", "c"}, {"Accept", "*"}}, "code"};
     const long status = 300 + static_cast<long>(input.Choice(9));
     const auto outcome = suite::FollowRedirect(request, status, input.text);
     if (const auto* const next = std::get_if<suite::CheckedRequest>(&outcome)) {
-        Require(next->url.rfind("https://", 0) == 0, "a redirect out of https");
+        const bool isHttps = next->url.rfind("https://", 0) == 0;
+        Require(isHttps || (next->url.rfind("http://", 0) == 0 && &url == &kUrls[1]), "a redirect out of https");
         Require(next->url.find_first_of(std::string(" \r\n\0", 4)) == std::string::npos, "a URL that forges a line");
-        const std::string party = Authority(next->url);
-        Require(party == "portal.example.com" || party == "portal.example.com:443" ||
-                    (next->body.empty() && next->headers.size() == 1),
+        const std::string party = Party(next->url);
+        const bool upgraded = &url == &kUrls[1] && party == "https portal.example.com";
+        Require(party == Party(url) || upgraded || (next->body.empty() && next->headers.size() == 1),
                 "secrets go to another party");
     }
 }
