@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # run-fuzzers.sh [SECONDS [TARGET...]]: builds the fuzzers and gives each target, or each of the named ones, so many seconds
-# (USERAUTH_FUZZ_SECONDS, else one), two at a time where there are two processors.
+# (USERAUTH_FUZZ_SECONDS, else one) or USERAUTH_FUZZ_EXECUTIONS, two at a time where there are two processors.
 # What they learn stays in build/sanitize-address/corpus; an input that ends a fuzzer lies in build/sanitize-address/findings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -37,8 +37,8 @@ run_target() {
   local target=$2 corpus=$folder/corpus/$2 log=$folder/$2.log dictionary=$tests/${2%%-*}.dict start=$SECONDS
   local home=$folder/fuzzers/$target program=./$1  # the service looks for files beside its program
   # Without entropic scheduling, which takes longer than it saves where an input reaches a thousand places.
-  local options=("-max_len=${longest[$target]:-2048}" "-runs=${USERAUTH_FUZZ_EXECUTIONS:--1}" -timeout=60 -rss_limit_mb=1024 -entropic=0 -print_final_stats=1
-    "-seed=$seed" "-artifact_prefix=$folder/findings/$target-")
+  local options=("-max_len=${longest[$target]:-2048}" "-runs=${USERAUTH_FUZZ_EXECUTIONS:--1}" -timeout=60 -rss_limit_mb=1024
+    -entropic=0 -reload=0 -print_final_stats=1 "-seed=$seed" "-artifact_prefix=$folder/findings/$target-")
   mkdir -p "$corpus" "$folder/findings" "$home"
   ln -f "$folder/$1" "$folder/scripted-sdk.dll" "$home"
   write_seeds "$target" "$corpus"

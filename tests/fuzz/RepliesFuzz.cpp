@@ -75,6 +75,7 @@ const Fields& Prepare() {
     if (!prepared.empty() && AccountFields(g_service) == prepared) {
         return prepared;
     }
+    g_service.SetAtExpireCallback([] {});
     UserAuthServiceAccess::Country(g_service) = L"TH";
     g_service.SetCurrentAT(L"at");
     g_service.SetCurrentRT(L"rt");
