@@ -145,7 +145,9 @@ std::string Party(const std::string& url) {
     if (const std::size_t zone = party.find("%25"); zone < party.find(']')) {
         party.erase(zone, party.find(']') - zone);
     }
-    return Expanded(Expanded(party + "|", colon == 4 ? ":80|" : ":443|", "|"), "|", "");
+    const std::string ownPort = colon == 4 ? ":80" : ":443";
+    const std::size_t at = party.rfind(ownPort);
+    return at != std::string::npos && at + ownPort.size() == party.size() ? party.substr(0, at) : party;
 }
 
 void Redirect(FuzzInput input) {
