@@ -138,9 +138,8 @@ void Coded(FuzzInput input) {
 // Scheme, host and port in small letters: without user information, an address's zone, and the scheme's own port.
 std::string Party(const std::string& url) {
     const std::size_t colon = url.find("://");
-    std::string authority = url.substr(colon + 3, url.find_first_of("/?#", colon + 3) - colon - 3);
-    authority.erase(0, authority.rfind('@') + 1);
-    std::string party = url.substr(0, colon) + " " + authority;
+    const std::string authority = url.substr(colon + 3, url.find_first_of("/?#", colon + 3) - colon - 3);
+    std::string party = url.substr(0, colon) + " " + authority.substr(authority.rfind('@') + 1);
     std::transform(party.begin(), party.end(), party.begin(), [](char c) { return std::tolower(c); });
     if (const std::size_t zone = party.find("%25"); zone < party.find(']')) {
         party.erase(zone, party.find(']') - zone);

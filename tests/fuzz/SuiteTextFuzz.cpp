@@ -68,16 +68,15 @@ std::string Hex(const std::string& text, const std::string& before, const std::s
 // Any text around a known secret, in each form in which it may stand.
 void Values(FuzzInput input) {
     static const suite::SecretValues secrets({{"at", kCanary}, {"rt", "AnotherSecret%2B\"with\\escapes"}});
-    static const std::string kForms[] = {
-        kCanary,
-        Hex(kCanary, "%"),
-        Hex(Hex(kCanary, "%"), "%"),
-        Hex(kCanary, ""),
-        Hex(kCanary, "\\u00"),
-        Hex(kCanary, "&#x", ";"),
-        "Q2FuYXJ5T2YyNExldHRlcnNBbmRNb3Jl",
-        "NhbmFyeU9mMjRMZXR0ZXJzQW5kTW9yZ",  // base64 behind one more byte
-    };
+    // The last two are base64, the second behind one more byte.
+    static const std::string kForms[] = {kCanary,
+                                         Hex(kCanary, "%"),
+                                         Hex(Hex(kCanary, "%"), "%"),
+                                         Hex(kCanary, ""),
+                                         Hex(kCanary, "\\u00"),
+                                         Hex(kCanary, "&#x", ";"),
+                                         "Q2FuYXJ5T2YyNExldHRlcnNBbmRNb3Jl",
+                                         "NhbmFyeU9mMjRMZXR0ZXJzQW5kTW9yZ"};
     const std::string& form = kForms[input.Choice(std::size(kForms))];
     Require(MaskedLine(input, form, &secrets).find(form) == std::string::npos, "a canary got out encoded");
 }
