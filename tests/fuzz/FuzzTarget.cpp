@@ -1,5 +1,6 @@
 #include "FuzzTarget.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -43,10 +44,18 @@ void Require(bool holds, const char* text) {
 }
 
 std::string Expanded(const std::string& text, const std::string& mark, const std::string& replacement) {
-    const std::size_t at = text.find(mark);
-    return at == std::string::npos
-               ? text
-               : text.substr(0, at) + replacement + Expanded(text.substr(at + mark.size()), mark, replacement);
+    std::string expanded;
+    std::size_t begin = 0;
+    for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, begin)) {
+        expanded.append(text, begin, at - begin).append(replacement);
+        begin = at + mark.size();
+    }
+    return expanded.append(text, begin);
+}
+
+std::string Stretched(const std::string& text, char mark, const std::string& replacement) {
+    const bool few = std::count(text.begin(), text.end(), mark) < 4;
+    return few ? Expanded(text, {mark}, replacement) : text;
 }
 
 // "--list" prints the program's targets, "--target=NAME" selects one; libFuzzer passes over words that begin so.

@@ -22,3 +22,6 @@ void Require(bool holds, const char* text);
 
 // Replaces every mark, but not in what it was replaced with.
 std::string Expanded(const std::string& text, const std::string& mark, const std::string& replacement);
+
+// A few marks stand for something long, so that a short input reaches the limits; many stand for themselves.
+std::string Stretched(const std::string& text, char mark, const std::string& replacement);

@@ -64,34 +64,41 @@ Received Receive(std::string bytes, std::size_t blockBytes, bool isHttps, bool i
     return whole ? Received(isDownload ? file : sink.TakeText()) : std::nullopt;
 }
 
-// Head and body in any shape: the blocks in which a reply comes do not decide about it.
+// Head and body in any shape: the blocks in which a reply comes do not decide about it. Two "^" are more fields than a
+// head may have.
 void Reply(FuzzInput input) {
     const bool isHttps = input.Choice(2) == 1;
     const bool isDownload = input.Choice(2) == 1;
-    Require(Receive(input.text, 1, isHttps, isDownload) == Receive(input.text, 1 << 20, isHttps, isDownload),
+    static const std::string fields = Expanded(std::string(600, '^'), "^", "a:b\r\n");
+    const std::string text = Stretched(input.text, '^', fields);
+    Require(Receive(text, 1, isHttps, isDownload) == Receive(text, 1 << 20, isHttps, isDownload),
             "the blocks decide about a reply");
 }
 
-std::string LittleEndian(std::uint32_t number) { return {reinterpret_cast<const char*>(&number), sizeof(number)}; }
-
-// The text in gzip, zlib's wrapping, raw deflate, br or nothing.
+// The text in gzip, zlib's wrapping, raw deflate, br or nothing. Small windows: making large ones would take longest.
 std::string Encoded(const std::string& text, std::size_t coding) {
-    const auto* const bytes = reinterpret_cast<const Bytef*>(text.data());
+    constexpr int kWindowBits = 10;
+    constexpr int kWrappings[] = {kWindowBits + 16, kWindowBits, -kWindowBits};
+    if (coding > 3) {
+        return text;
+    }
     std::string coded(text.size() * 2 + 1024, '\0');
     auto* const out = reinterpret_cast<Bytef*>(coded.data());
     std::size_t size = coded.size();
     if (coding == 3) {
-        BrotliEncoderCompress(5, BROTLI_DEFAULT_WINDOW, BROTLI_MODE_GENERIC, text.size(), bytes, &size, out);
+        BrotliEncoderCompress(5, kWindowBits, BROTLI_MODE_GENERIC, text.size(),
+                              reinterpret_cast<const std::uint8_t*>(text.data()), &size, out);
         return coded.substr(0, size);
     }
-    compress(out, &size, bytes, text.size());
-    const std::string raw = coded.substr(2, size - 6);
-    const auto sum = static_cast<std::uint32_t>(crc32(0, bytes, static_cast<uInt>(text.size())));
-    return coding == 0 ? std::string("\x1F\x8B\x08\0\0\0\0\0\0\x03", 10) + raw + LittleEndian(sum) +
-                             LittleEndian(static_cast<std::uint32_t>(text.size()))
-           : coding == 1 ? coded.substr(0, size)
-           : coding == 2 ? raw
-                         : text;
+    z_stream stream = {};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kWrappings[coding], 1, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = out;
+    stream.avail_out = static_cast<uInt>(size);
+    deflate(&stream, Z_FINISH);
+    deflateEnd(&stream);
+    return coded.substr(0, stream.total_out);
 }
 
 std::string Chunked(const std::string& body, std::size_t chunkBytes) {
@@ -111,6 +118,9 @@ void Coded(FuzzInput input) {
     const std::size_t chunkBytes = 1 + input.Choice(255);
     const std::size_t cut = input.Choice(6);  // within the last chunk
     const std::size_t changed = input.Choice(256);
+    for (std::size_t doublings = input.Choice(8); doublings > 0 && input.text.size() < 65536; --doublings) {
+        input.text += input.text;
+    }
     std::string body = Encoded(input.text, coding);
     const bool isChanged = coding < 2 && changed < body.size();
     if (isChanged) {
@@ -125,26 +135,35 @@ void Coded(FuzzInput input) {
     Require(!received || received == input.text, "a reply arrives changed");
 }
 
-// What stands behind "//", without user information, up to the path; in small letters.
-std::string Authority(const std::string& url) {
-    const std::size_t begin = url.find("//") + 2;
-    std::string authority = url.substr(begin, url.find_first_of("/?#", begin) - begin);
-    std::transform(authority.begin(), authority.end(), authority.begin(), [](char c) { return std::tolower(c); });
-    return authority.substr(authority.rfind('@') + 1);
+// Scheme, host and port in small letters: without user information, an address's zone, and the scheme's own port.
+std::string Party(const std::string& url) {
+    const std::size_t colon = url.find("://");
+    const std::string authority = url.substr(colon + 3, url.find_first_of("/?#", colon + 3) - colon - 3);
+    std::string party = url.substr(0, colon) + " " + authority.substr(authority.rfind('@') + 1);
+    std::transform(party.begin(), party.end(), party.begin(), [](char c) { return std::tolower(c); });
+    if (const std::size_t zone = party.find("%25"); zone < party.find(']')) {
+        party.erase(zone, party.find(']') - zone);
+    }
+    const std::string ownPort = colon == 4 ? ":80" : ":443";
+    const std::size_t at = party.rfind(ownPort);
+    return at != std::string::npos && at + ownPort.size() == party.size() ? party.substr(0, at) : party;
 }
 
 void Redirect(FuzzInput input) {
-    const std::string url = "https://portal.example.com/a/b?c";
+    static const std::string kUrls[] = {"https://portal.example.com/a/b?c", "http://portal.example.com/a",
+                                        "https://[fe80::1]:8443/"};
+    const std::string& url = kUrls[input.Choice(std::size(kUrls))];
     const suite::CheckedRequest request = {
         url, *suite::ParseUrl(url), true, {{"Authorization", "at"}, {"Cookie", "c"}, {"Accept", "*"}}, "code"};
     const long status = 300 + static_cast<long>(input.Choice(9));
     const auto outcome = suite::FollowRedirect(request, status, input.text);
     if (const auto* const next = std::get_if<suite::CheckedRequest>(&outcome)) {
-        Require(next->url.rfind("https://", 0) == 0, "a redirect out of https");
+        const bool isHttps = next->url.rfind("https://", 0) == 0;
+        Require(isHttps || (next->url.rfind("http://", 0) == 0 && &url == &kUrls[1]), "a redirect out of https");
         Require(next->url.find_first_of(std::string(" \r\n\0", 4)) == std::string::npos, "a URL that forges a line");
-        const std::string party = Authority(next->url);
-        Require(party == "portal.example.com" || party == "portal.example.com:443" ||
-                    (next->body.empty() && next->headers.size() == 1),
+        const std::string party = Party(next->url);
+        const bool upgraded = &url == &kUrls[1] && party == "https portal.example.com";
+        Require(party == Party(url) || upgraded || (next->body.empty() && next->headers.size() == 1),
                 "secrets go to another party");
     }
 }

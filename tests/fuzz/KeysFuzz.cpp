@@ -1,6 +1,7 @@
 // The key exchange: what the key server sends, in its shapes or in none.
 
 #include <ParamStore.h>
+#include <openssl/err.h>
 
 #include <algorithm>
 
@@ -32,14 +33,18 @@ void RequireSound(const std::uint8_t (&key)[Size], const wchar_t (&uuid)[Charact
     Require(std::find(uuid, uuid + Characters, L'\0') != uuid + Characters, "a uuid without its end");
 }
 
-// A list's text, in which "@k" and "@K" stand for the wrapped keys, "@d" and "@D" for their digests.
+// A list's text, in which "@k" and "@K" stand for the wrapped keys, "@d" and "@D" for their digests; "@l" and "@L" for a
+// key that is too long, "@z" for the digest of what a failed unwrapping leaves.
 void List(FuzzInput input) {
     static const auto digest = [](const Bytes& key) { return FromHex(userauth::Sha256Hex(key)); };
     static const std::pair<const char*, std::string> kMarks[] = {
         {"@k", KeyServerPeer::Wrap(kTemporaryKey, kShortKey)},
         {"@K", KeyServerPeer::Wrap(kTemporaryKey, kLongKey)},
         {"@d", KeyServerPeer::Wrap(kTemporaryKey, digest(kShortKey))},
-        {"@D", KeyServerPeer::Wrap(kTemporaryKey, digest(kLongKey))}};
+        {"@D", KeyServerPeer::Wrap(kTemporaryKey, digest(kLongKey))},
+        {"@l", KeyServerPeer::Wrap(kTemporaryKey, Bytes(64, 0x33))},
+        {"@L", KeyServerPeer::Wrap(kTemporaryKey, digest(Bytes(64, 0x33)))},
+        {"@z", KeyServerPeer::Wrap(kTemporaryKey, digest(Bytes(1)))}};
     const std::wstring dataType = input.Choice(2) == 0 ? kSyncDriveDataType : kCloudPhotoDataType;
     for (const auto& [mark, wrapped] : kMarks) {
         input.text = Expanded(input.text, mark, wrapped);
@@ -74,6 +79,7 @@ void ServerKey(FuzzInput input) {
     Require(sandbox::Base64UrlDecoded(token.substr(0, 124)) && sandbox::Base64UrlDecoded(token.substr(125)),
             "a token that is no base64");
     Require(!intact || peer.UnwrapTemporaryKey(token) == kTemporaryKey, "the peer cannot unwrap the key");
+    ERR_clear_error();  // what stays for the thread would look like a leak of this input
 }
 
 // A blob of any bytes, or one that was wrapped, disturbed by the text.

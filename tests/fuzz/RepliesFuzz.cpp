@@ -2,8 +2,7 @@
 // left the state's lock held would be found by the fuzzer's time limit.
 
 #include <HttpLib.h>
-
-#include <atomic>
+#include <semaphore.h>
 
 #include "AccountFields.h"
 #include "FuzzTarget.h"
@@ -16,18 +15,17 @@ namespace {
 // Made before any target asks for it; without an account SDK it would show a message box.
 UserAuthService& g_service = []() -> UserAuthService& {
     const InstalledSdk sdk("scripted-sdk.dll");
+    // A reply that is too long ends the process of a client that has no handler.
+    _set_invalid_parameter_handler([](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) {});
     return Singleton();
 }();
 
-std::atomic<int> g_windowAsked = 0;
+sem_t g_windowAsked;
 
 bool RequestUserInfo(UserAuthService& service) {
-    g_windowAsked = 0;
-    const bool done = service.RequestUserInfo();
-    while (done && g_windowAsked == 0) {  // the last thing that a portrait download does
-        Sleep(0);
-    }
-    return done;
+    sem_init(&g_windowAsked, 0, 0);
+    // Asking for the window is the last thing that a portrait download does.
+    return service.RequestUserInfo() && sem_wait(&g_windowAsked) == 0;
 }
 
 bool GetLoginDevicesHistory(UserAuthService& service) {
@@ -73,6 +71,7 @@ const Fields& Prepare() {
     if (!prepared.empty() && AccountFields(g_service) == prepared) {
         return prepared;
     }
+    g_service.SetAtExpireCallback([] {});
     UserAuthServiceAccess::Country(g_service) = L"TH";
     g_service.SetCurrentAT(L"at");
     g_service.SetCurrentRT(L"rt");
@@ -85,7 +84,7 @@ const Fields& Prepare() {
     return prepared = AccountFields(g_service);
 }
 
-// The text of the input are the replies; the status is that of the last one.
+// The text of the input are the replies; the status is that of the last one. "#" is more than a reply may hold.
 void Replies(FuzzInput input) {
     static constexpr int kStatuses[] = {200, 201, 204, 401, 500, kHttpConnectionBroken, 200, 200};
     static const std::wstring legacyItem = Wide(LegacyItem("legacy" + kLegacyTimeStamp));
@@ -95,7 +94,8 @@ void Replies(FuzzInput input) {
     Recording() = SuiteRecording();
     Recording().appDataFolder = L"/dev/null/folder";
     Recording().legacyItem = legacyItem;
-    Recording().onMainWindowAsked = [] { ++g_windowAsked; };
+    Recording().onMainWindowAsked = [] { sem_post(&g_windowAsked); };
+    input.text = Stretched(input.text, '#', std::string(41000, ' '));
     for (const std::string& body : input.Parts()) {
         Recording().replies.push_back({200, body, {{"name", body}}});
     }

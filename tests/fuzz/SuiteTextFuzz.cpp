@@ -56,10 +56,11 @@ void Names(FuzzInput input) {
     MaskedLine(input, "\n" + name + kCanary, nullptr);
 }
 
-std::string Percent(const std::string& text) {
+// Each character in hexadecimal, between the two.
+std::string Hex(const std::string& text, const std::string& before, const std::string& behind = {}) {
     std::string escaped;
     for (const char c : text) {
-        escaped += {'%', "0123456789abcdef"[(c >> 4) & 0x0F], "0123456789ABCDEF"[c & 0x0F]};
+        escaped += before + "0123456789ABCDEF"[(c >> 4) & 0x0F] + "0123456789ABCDEF"[c & 0x0F] + behind;
     }
     return escaped;
 }
@@ -67,7 +68,15 @@ std::string Percent(const std::string& text) {
 // Any text around a known secret, in each form in which it may stand.
 void Values(FuzzInput input) {
     static const suite::SecretValues secrets({{"at", kCanary}, {"rt", "AnotherSecret%2B\"with\\escapes"}});
-    static const std::string kForms[] = {kCanary, Percent(kCanary), Percent(Percent(kCanary))};
+    // The last two are base64, the second behind one more byte.
+    static const std::string kForms[] = {kCanary,
+                                         Hex(kCanary, "%"),
+                                         Hex(Hex(kCanary, "%"), "%"),
+                                         Hex(kCanary, ""),
+                                         Hex(kCanary, "\\u00"),
+                                         Hex(kCanary, "&#x", ";"),
+                                         "Q2FuYXJ5T2YyNExldHRlcnNBbmRNb3Jl",
+                                         "NhbmFyeU9mMjRMZXR0ZXJzQW5kTW9yZ"};
     const std::string& form = kForms[input.Choice(std::size(kForms))];
     Require(MaskedLine(input, form, &secrets).find(form) == std::string::npos, "a canary got out encoded");
 }

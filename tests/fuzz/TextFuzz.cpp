@@ -1,6 +1,7 @@
 // Texts, bytes and files that the service takes apart.
 
 #include <json/json.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 
@@ -80,10 +81,9 @@ bool ReadByLibrary(const std::string& text, Json::Value& value) try {
     return false;
 }
 
-// A few "#" in the text stand for 600 digits: two of them are more than the service converts.
+// Two "#" are more digits than the service converts.
 void Document(FuzzInput input) {
-    const bool few = std::count(input.text.begin(), input.text.end(), '#') < 8;
-    const std::string text = few ? Expanded(input.text, "#", std::string(600, '7')) : input.text;
+    const std::string text = Stretched(input.text, '#', std::string(600, '7'));
     Json::Value value;
     Json::Value expected;
     const bool done = userauth::ParseDocument(text, value);
@@ -104,8 +104,16 @@ void Smbios(FuzzInput input) {
             "a name with control characters");
 }
 
+// In memory: a disk writes a file that was emptied and filled again at once.
+std::filesystem::path SdkConfigurationFile() {
+    const std::filesystem::path path = ProgramFolder() / "ZMSCoreConfig.json";
+    std::filesystem::remove(path);
+    std::filesystem::create_symlink("/proc/self/fd/" + std::to_string(memfd_create("configuration", 0)), path);
+    return path;
+}
+
 void SdkConfiguration(FuzzInput input) {
-    static const std::filesystem::path path = ProgramFolder() / "ZMSCoreConfig.json";
+    static const std::filesystem::path path = SdkConfigurationFile();
     Json::Value before;
     Json::Value after;
     WriteFile(path, input.text);
