@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # run-sanitizers.sh [all]: the unit tests and those with failing allocations on this machine itself, under the address,
-# undefined-behaviour and leak sanitizers. With "all" the unit tests under the thread sanitizer too, and on the target:
-# with checks that trap and under Wine's heap validation, for which a display is needed. A finding ends it and is shown.
+# undefined-behaviour and leak sanitizers. With "all" the end-to-end suite too, both under the thread sanitizer, and the unit
+# tests on the target: with checks that trap and under Wine's heap validation, for which a display is needed. A finding ends
+# it and is shown.
 #
 # shellcheck disable=SC2154 # the sourced pieces set preset and run_wine
 set -euo pipefail
@@ -15,9 +16,16 @@ done
 # its own.
 left_out='SysConf.OperationsLog:BoundedFormat.WithoutAHandlerTheProcessEnds:Singleton.*'
 
+# Of the end-to-end suite, what is Windows' own: an open file that cannot be moved, the host as a second process, drives. And
+# replies whose first header line begins with a blank: the distribution's libcurl reads freed memory then, in the store of
+# headers that the library's own libcurl is built without (its row of the fault matrix is left out likewise).
+left_out_e2e='LoggerTest.FullFilesMoveOnAndOneThatIsBeingReadLosesNothing:LoggerTest.SecondProcessWritesToAFileOfItsOwn'
+left_out_e2e+=':ParamStoreSystemUuid.ADrivesRootIsNotTheFolderThatIsCurrentOnIt'
+left_out_e2e+=':HttpReply.FiftyThatBeginWithABlankLeaveTheirHandleSound'
+
 # Tests that start threads, about which Wine's heap validation reports falsely.
 with_threads='*.ReadersSeeWholeValuesWhileWritersWrite:*.TheCallbackMayDoAnything:*.OperationsHoldNoLockDuringAnExchange*'
-with_threads+=':*.WithoutTheSdkABoxShowsTheError*:RequestUserInfo.*:Singleton.*'
+with_threads+=':*.WithoutTheSdkABoxShowsTheError*:RequestUserInfo.Outcomes:RequestUserInfo.T*:Singleton.*'
 
 # run_native NAME PROGRAM [FILTER]. Folders lie behind two slashes, which the target's rules take for an absolute path.
 run_native() {
@@ -30,6 +38,12 @@ run_native() {
 run_unit_tests() {
   run_native "$1" unit_tests "-$left_out"
   run_native "$1" unit_tests 'Singleton.*'
+}
+
+# The fault matrix as far as "./dev test" tries it.
+run_end_to_end() {
+  native_build "$1" "$2" sandbox-server ZVAccountSdk e2e_tests
+  run_native "$1" e2e/e2e_tests "-$left_out_e2e"
 }
 
 run_address() {
@@ -98,7 +112,9 @@ case "${1:-}" in
   '') run_address ;;
   all)
     run_address
+    run_end_to_end address address,undefined
     run_thread
+    run_end_to_end thread thread
     run_target
     say "sanitizers: nothing found"
     ;;

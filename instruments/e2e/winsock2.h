@@ -25,7 +25,7 @@ inline int WSACleanup() {
 
 struct SocketSet {
     unsigned fd_count = 0;
-    SOCKET fd_array[64];
+    SOCKET fd_array[FD_SETSIZE];
 };
 #define fd_set SocketSet
 #undef FD_ZERO
@@ -45,7 +45,7 @@ inline bool IsIn(SOCKET socket, const SocketSet& set) {
     return false;
 }
 inline int select(int, SocketSet* readable, void*, void*, const timeval* limit) {
-    pollfd polled[64];
+    pollfd polled[FD_SETSIZE];
     for (unsigned index = 0; index < readable->fd_count; ++index) {
         polled[index] = {Native(readable->fd_array[index]), POLLIN, 0};
     }

@@ -62,7 +62,9 @@ bool MayShare(const std::string& path, DWORD neededOfThem, DWORD offeredToThem) 
     for (const dirent* entry = readdir(folder.get()); entry != nullptr; entry = readdir(folder.get())) {
         const int native = std::atoi(entry->d_name);
         struct stat other {};
-        if (fstat(native, &other) != 0 || other.st_dev != wanted.st_dev || other.st_ino != wanted.st_ino) {
+        // By name, because another thread may close it now.
+        if (fstatat(dirfd(folder.get()), entry->d_name, &other, 0) != 0 || other.st_dev != wanted.st_dev ||
+            other.st_ino != wanted.st_ino) {
             continue;
         }
         const Mode mode = Modes().count(native) != 0 ? Modes()[native] : Mode();

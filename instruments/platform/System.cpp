@@ -1,6 +1,6 @@
-// The machine, the process and its environment, whose names have no letter case. The numbers are
-// those of a workstation with version 10.0 behind a version record that says 6.2. The firmware has a table only when
-// USERAUTH_INSTRUMENT_SMBIOS names a file with one.
+// The machine, the process and its environment, whose names have no letter case; a write to a connection or pipe that is
+// closed fails and raises no signal. The numbers are those of a workstation with version 10.0 behind a version record that
+// says 6.2. The firmware has no table.
 
 #include <shellapi.h>
 #include <sys/mman.h>
@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -21,6 +22,8 @@
 #include "WideText.h"
 
 namespace {
+
+[[maybe_unused]] const auto g_formerPipeSignal = std::signal(SIGPIPE, SIG_IGN);
 
 void RtlGetNtVersionNumbers(DWORD* major, DWORD* minor, DWORD* build) {
     *major = 10;
@@ -101,14 +104,8 @@ UINT GetSystemDirectoryW(wchar_t* path, UINT capacity) {
     return HandOut(L"C:\\windows\\system32", path, capacity);
 }
 
-UINT GetSystemFirmwareTable(DWORD, DWORD, void* buffer, DWORD bytes) {
-    const char* const path = std::getenv("USERAUTH_INSTRUMENT_SMBIOS");
-    std::ifstream file(path == nullptr ? "" : path, std::ios::binary);
-    const std::string table{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (table.size() <= bytes && buffer != nullptr) {
-        std::memcpy(buffer, table.data(), table.size());
-    }
-    return static_cast<UINT>(table.size());
+UINT GetSystemFirmwareTable(DWORD, DWORD, void*, DWORD) {
+    return 0;
 }
 
 DWORD GetEnvironmentVariableW(LPCWSTR wide, wchar_t* value, DWORD capacity) {

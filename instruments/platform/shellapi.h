@@ -3,3 +3,9 @@
 #include <windows.h>
 
 LPWSTR* CommandLineToArgvW(LPCWSTR commandLine, int* count);
+
+// A machine without a browser: nothing is associated with a URL.
+constexpr int SW_SHOWNORMAL = 1;
+inline HINSTANCE ShellExecuteW(HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, int) {
+    return reinterpret_cast<HINSTANCE>(std::intptr_t{31});
+}

@@ -3,5 +3,4 @@
 #include <windows.h>
 
 BOOL PathAppendW(wchar_t* path, LPCWSTR more);
-BOOL PathMatchSpecW(LPCWSTR name, LPCWSTR patterns);
 int StrCmpIW(LPCWSTR left, LPCWSTR right);

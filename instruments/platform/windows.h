@@ -31,6 +31,7 @@ using LONG = std::int32_t;
 using HRESULT = LONG;
 using ULONGLONG = std::uint64_t;
 using ULONG_PTR = std::uintptr_t;
+using INT_PTR = std::intptr_t;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;

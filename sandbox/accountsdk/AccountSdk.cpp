@@ -1,5 +1,6 @@
 #include "AccountSdk.h"
 
+#include <new>
 #include <utility>
 
 #include "../SignInContract.h"
@@ -24,7 +25,9 @@ Code CheckSignInArguments(const SignInArguments& arguments, const std::string& c
 
 AccountSdk& AccountSdk::Instance() {
     // Never destroyed: at process exit the system has killed a running sign-in anywhere, perhaps inside these members.
-    static AccountSdk* const instance = new AccountSdk;
+    // Not on the heap: its room goes with the library when that is unloaded.
+    alignas(AccountSdk) static unsigned char room[sizeof(AccountSdk)];
+    static AccountSdk* const instance = new (room) AccountSdk;
     return *instance;
 }
 

@@ -51,6 +51,9 @@ protected:
 
     std::string LogText();
 
+    // Where the service keeps it, as it writes the path.
+    std::filesystem::path Portrait() const { return m_folder.wstring() + L"\\HeadPortrait"; }
+
     std::filesystem::path m_folder;  // of this test: configuration, log, state
     SandboxServer m_sandbox;
     UserAuthService* m_service = nullptr;

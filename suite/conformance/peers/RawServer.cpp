@@ -1,6 +1,7 @@
 #include "RawServer.h"
 
 // For as many connections as a test has threads.
+#undef FD_SETSIZE
 #define FD_SETSIZE 1024
 #include <winsock2.h>
 

@@ -43,8 +43,8 @@ std::string Deflated(const std::string& body) {
 }
 
 void SetProxy(const std::string& url) {
-    for (const char* variable : {"http_proxy", "https_proxy"}) {
-        SetEnvironmentVariableA(variable, url.empty() ? nullptr : url.c_str());
+    for (const wchar_t* variable : {L"http_proxy", L"https_proxy"}) {
+        SetEnvironmentVariableW(variable, url.empty() ? nullptr : Wide(url).c_str());
     }
 }
 
@@ -94,7 +94,7 @@ bool FaultSession::Keep(const std::string& text) {
 Fields FaultSession::State() {
     const st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
     Fields state = AccountFields(*m_service);
-    if (state["portrait path"] == (m_folder / "HeadPortrait").wstring()) {
+    if (state["portrait path"] == Portrait().wstring()) {
         state["portrait path"] = L"its file";
     }
     const std::pair<const char*, std::wstring> more[] = {

@@ -18,8 +18,6 @@ protected:
     // Fetches the profile and waits for its message, so that no download runs into the next step.
     bool ProfileWithMessage() { return m_service->RequestUserInfo() && m_window.Messages(1) == 1; }
 
-    std::filesystem::path Portrait() { return m_folder / "HeadPortrait"; }
-
     std::string m_code;
     PortraitWindow m_window;
 };

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 TEST_F(LoggerTest, LineHasTimeModuleSeverityAndPlaceAndCannotBeForged) {
     Write(L"one\r\n2026-01-01 forged\rtwo\x1B[31m \u2028 \u0085");
-    Write(L"caf\u00E9 \xD83D\xDE00 " + std::wstring(1, static_cast<wchar_t>(0xD800)), 7);
+    Write(L"caf\u00E9 \U0001F600 " + std::wstring(1, static_cast<wchar_t>(0xD800)), 7);
     Write(L"not for the file", kSeverityFailure, false);
     const std::string text = ReadBack(L"client.log");
     const std::string place = "UserAuthService::GetAccessTokenByRefrshToken:123 ";

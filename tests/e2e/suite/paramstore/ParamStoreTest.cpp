@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <map>
 #include <thread>
@@ -31,9 +32,14 @@ bool Load(const std::string& text, std::string& error) {
     return GlobalParamWrapper::GetInstance()->LoadConfiguration(Written(L"client.json", text).wstring(), error);
 }
 
+// As the store writes the path.
+fs::path UuidFile(const fs::path& folder) { return folder.wstring() + L"\\device-uuid"; }
+
 std::wstring UuidIn(const fs::path& folder) {
     std::string error;
-    EXPECT_TRUE(Load("{\"stateFolder\":\"" + folder.generic_u8string() + "\"}", error)) << error;
+    std::string text = folder.u8string();
+    std::replace(text.begin(), text.end(), '\\', '/');
+    EXPECT_TRUE(Load("{\"stateFolder\":\"" + text + "\"}", error)) << error;
     return GlobalParamWrapper::GetInstance()->GetSystemUUid();
 }
 
@@ -136,35 +142,40 @@ TEST(ParamStoreSystemUuid, IsMadeOnceKeptAndReplacedWhenTheFileIsDamaged) {
     const std::wstring first = UuidIn(Folder() / "new" / "a");
     EXPECT_EQ(first.size(), 32U);
     EXPECT_EQ(first.find_first_not_of(L"0123456789abcdef"), std::wstring::npos);
-    EXPECT_EQ(ReadFile(Folder() / "new" / "a" / "device-uuid"), Narrow(first));
+    EXPECT_EQ(ReadFile(UuidFile(Folder() / "new" / "a")), Narrow(first));
     EXPECT_NE(UuidIn(Folder() / "b"), first);  // a folder of its own, an identity of its own
     EXPECT_EQ(UuidIn(Folder() / "new" / "a"), first);
     for (const char* damaged : {"", "0123456789ABCDEF0123456789ABCDEF", "0123456789abcdef0123456789abcdef0"}) {
         UuidIn(Folder() / "b");
-        Written(L"device-uuid", damaged);
+        WriteFile(UuidFile(Folder()), damaged);
         const std::wstring replaced = UuidIn(Folder());
         EXPECT_EQ(replaced.size(), 32U) << damaged;
-        EXPECT_EQ(ReadFile(Folder() / "device-uuid"), Narrow(replaced)) << damaged;
+        EXPECT_EQ(ReadFile(UuidFile(Folder())), Narrow(replaced)) << damaged;
     }
-    const fs::path root = Folder().root_path();  // "C:\\", not the folder that is current on C:
-    const fs::path before = fs::current_path();
-    fs::current_path(Folder() / "b");
-    fs::remove("device-uuid");
-    UuidIn(root);
-    EXPECT_FALSE(fs::exists("device-uuid"));
-    fs::current_path(before);
-    std::error_code ignored;
-    fs::remove(root / "device-uuid", ignored);
     const std::wstring unwritable = UuidIn(Written(L"file", "") / "sub");
     EXPECT_EQ(unwritable.size(), 32U);
     EXPECT_EQ(GlobalParamWrapper::GetInstance()->GetSystemUUid(), unwritable);
     EXPECT_NE(GlobalParamWrapper::GetInstance()->GetSystemUUidFault(), "");
 }
 
+TEST(ParamStoreSystemUuid, ADrivesRootIsNotTheFolderThatIsCurrentOnIt) {
+    const fs::path current = Folder() / "b";
+    fs::create_directories(current);
+    const fs::path root = Folder().root_path();
+    const fs::path before = fs::current_path();
+    fs::current_path(current);
+    fs::remove("device-uuid");
+    UuidIn(root);
+    EXPECT_FALSE(fs::exists("device-uuid"));
+    fs::current_path(before);
+    std::error_code ignored;
+    fs::remove(root / "device-uuid", ignored);
+}
+
 TEST(ParamStoreSystemUuid, AFileThatAnotherProgramHoldsIsNeverReplaced) {
     fs::remove_all(Folder());
     const std::wstring kept = UuidIn(Folder() / "held");
-    const fs::path file = Folder() / "held" / "device-uuid";
+    const fs::path file = UuidFile(Folder() / "held");
     const struct {
         const char* name;
         std::chrono::milliseconds held;

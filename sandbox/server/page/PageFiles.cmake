@@ -1,0 +1,13 @@
+# The page's files, as arrays of bytes in a source of their own: PageFiles.cpp in the build folder of whoever includes this.
+set(page_arrays "")
+set(page_list "")
+foreach(name IN ITEMS index.html sign-in.html page.js sign-in.js platform.js page.css icon.svg)
+  set(file "${CMAKE_CURRENT_LIST_DIR}/${name}")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+  file(READ "${file}" bytes HEX)
+  string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
+  string(MAKE_C_IDENTIFIER "k_${name}" array)
+  string(APPEND page_arrays "const char ${array}[] = {${bytes}};\n")
+  string(APPEND page_list "        {\"${name}\", {${array}, sizeof(${array})}},\n")
+endforeach()
+configure_file("${CMAKE_CURRENT_LIST_DIR}/PageFiles.cpp.in" PageFiles.cpp @ONLY)
