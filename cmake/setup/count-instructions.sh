@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2154
+# shellcheck shell=bash disable=SC2154,SC2016
 # Instruction counts of the measurements' rows; sourced by ./dev.
 
 # count_instructions [FILTER]: builds the subjects for this machine and prints what callgrind counted for a call of each side.

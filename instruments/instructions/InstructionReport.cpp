@@ -1,6 +1,6 @@
-// The benchmark's report, where instructions take the place of seconds: under valgrind's callgrind, which counts what the
-// calling thread executes between two requests and then writes the sum under a name. Both sides of a row run one after
-// the other; nothing else on the machine shows in the figures.
+// The benchmark's report, where instructions take the place of seconds: under valgrind's callgrind, which counts what
+// the calling thread executes between two requests and then writes the sum under a name. Both sides of a row run one
+// after the other; nothing else on the machine shows in the figures.
 
 #include <valgrind/callgrind.h>
 

@@ -5,8 +5,8 @@
 
 namespace userauth {
 
-// How often "BEGIN" stands in the text. Every occurrence counts, wherever it stands, and the search goes on one character
-// behind it, so that "BEGINBEGIN" is one. Kept as it is.
+// How often "BEGIN" stands in the text. Every occurrence counts, wherever it stands, and the search goes on one
+// character behind it, so that "BEGINBEGIN" is one. Kept as it is.
 std::size_t CountCards(std::string_view content);
 
 }  // namespace userauth

@@ -11,8 +11,8 @@ namespace suite {
 struct Authorities {
     // PEM for libcurl, which reads it for every connection and tells connections apart by it. Empty: Windows judges.
     std::string pem;
-    // All certificates of the file, read once. The PEM is one of them then, behind the digest of the file. Null: the PEM
-    // is the file's, which OpenSSL cannot read.
+    // All certificates of the file, read once. The PEM is one of them then, behind the digest of the file. Null: the
+    // PEM is the file's, which OpenSSL cannot read.
     std::shared_ptr<X509_STORE> certificates;
 };
 

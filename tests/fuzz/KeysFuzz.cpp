@@ -33,8 +33,8 @@ void RequireSound(const std::uint8_t (&key)[Size], const wchar_t (&uuid)[Charact
     Require(std::find(uuid, uuid + Characters, L'\0') != uuid + Characters, "a uuid without its end");
 }
 
-// A list's text, in which "@k" and "@K" stand for the wrapped keys, "@d" and "@D" for their digests; "@l" and "@L" for a
-// key that is too long, "@z" for the digest of what a failed unwrapping leaves.
+// A list's text, in which "@k" and "@K" stand for the wrapped keys, "@d" and "@D" for their digests; "@l" and "@L" for
+// a key that is too long, "@z" for the digest of what a failed unwrapping leaves.
 void List(FuzzInput input) {
     static const auto digest = [](const Bytes& key) { return FromHex(userauth::Sha256Hex(key)); };
     static const std::pair<const char*, std::string> kMarks[] = {
