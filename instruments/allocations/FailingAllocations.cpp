@@ -21,6 +21,8 @@ struct Plan {
 };
 thread_local Plan g_plan;
 
+}  // namespace
+
 bool Fails(Allocator allocator) {
     if (!g_plan.counting || g_plan.allocator != allocator || g_plan.number-- > 0 ||
         (g_plan.failed > 0 && !g_plan.lasting)) {
@@ -29,6 +31,8 @@ bool Fails(Allocator allocator) {
     ++g_plan.failed;
     return true;
 }
+
+namespace {
 
 void Free(void* memory) {
     Collect(memory);

@@ -2,9 +2,11 @@
 
 #include <string>
 
-// Lets allocations of the calling thread fail: those of operator new, the C++ runtime's and the JSON library's too, or
-// those of OpenSSL.
-enum class Allocator { kNew, kOpenSsl };
+// Lets allocations of the calling thread fail: those of operator new (the C++ runtime's and the JSON library's too), of
+// OpenSSL, or of libcurl in a program that gives it functions that ask Fails.
+enum class Allocator { kNew, kOpenSsl, kLibcurl };
+// Whether the allocation that is asked for now is to fail.
+bool Fails(Allocator allocator);
 
 class FailingAllocations {
 public:

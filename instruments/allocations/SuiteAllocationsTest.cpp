@@ -3,10 +3,13 @@
 #include <Logger.h>
 #include <ParamStore.h>
 #include <arpa/inet.h>
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <new>
@@ -17,6 +20,30 @@
 namespace {
 
 namespace fs = std::filesystem;
+
+void* CurlMalloc(std::size_t size) {
+    return Fails(Allocator::kLibcurl) ? nullptr : std::malloc(size);
+}
+void* CurlRealloc(void* memory, std::size_t size) {
+    return Fails(Allocator::kLibcurl) ? nullptr : std::realloc(memory, size);
+}
+char* CurlStrdup(const char* text) {
+    return Fails(Allocator::kLibcurl) ? nullptr : strdup(text);
+}
+void* CurlCalloc(std::size_t count, std::size_t size) {
+    return Fails(Allocator::kLibcurl) ? nullptr : std::calloc(count, size);
+}
+
+// To "/a", to "/chunks" and to "/moved", which leads to "/a".
+std::string ReplyTo(const std::string& request) {
+    const std::string body(40, 'r');
+    if (request.find(" /moved") != std::string::npos) {
+        return "HTTP/1.1 302 X\r\nLocation: /a\r\nContent-Length: 40\r\n\r\n" + body;
+    }
+    return request.find(" /chunks") == std::string::npos
+               ? "HTTP/1.1 200 OK\r\nContent-Length: 40\r\nX-A: b\r\n\r\n" + body
+               : "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nX-A: b\r\n\r\n28\r\n" + body + "\r\n0\r\n\r\n";
+}
 
 // Answers every request, on kept connections, until the program ends; never stopped.
 int StartServer() {
@@ -37,9 +64,8 @@ int StartServer() {
                 for (ssize_t bytes = 0; (bytes = recv(peer, block, sizeof(block), 0)) > 0;) {
                     received.append(block, static_cast<std::size_t>(bytes));
                     if (received.find("\r\n\r\n") != std::string::npos) {
+                        const std::string reply = ReplyTo(received);
                         received.clear();
-                        const std::string reply =
-                            "HTTP/1.1 200 OK\r\nContent-Length: 40\r\nX-A: b\r\n\r\n" + std::string(40, 'r');
                         send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
                     }
                 }
@@ -58,6 +84,7 @@ struct Row {
     std::function<std::string()> state;  // what a reader sees; "" where there is nothing to see
     std::function<void()> restore = [] {};
     bool throws = false;
+    Allocator allocator = Allocator::kNew;
 };
 
 class SuiteAllocations : public testing::Test {
@@ -68,9 +95,9 @@ protected:
         fs::remove_all(m_folder);
     }
 
-    int Get(bool withHeaders) {
+    int Get(bool withHeaders, const wchar_t* path = L"/a") {
         BasicHttpLibStrategy strategy;
-        strategy.SetUrl(L"http://127.0.0.1:" + std::to_wstring(g_port) + L"/a?query=long-enough-for-the-heap");
+        strategy.SetUrl(L"http://127.0.0.1:" + std::to_wstring(g_port) + path + L"?query=long-enough-for-the-heap");
         strategy.SetHeaders({{L"a-name", L"a value that is long enough for the heap"}});
         strategy.SetLogFunction([](const std::wstring&) {});
         std::string response;
@@ -101,7 +128,7 @@ protected:
                 row.restore();
                 bool done = false;
                 {
-                    const FailingAllocations failing(Allocator::kNew, number, lasting);
+                    const FailingAllocations failing(row.allocator, number, lasting);
                     try {
                         done = row.call();
                     } catch (const std::bad_alloc&) {
@@ -115,8 +142,10 @@ protected:
             }
         }
         std::printf("%-34s %5d failed allocations\n", row.name, failures);
+        m_failures += failures;
     }
 
+    int m_failures = 0;
     const fs::path m_folder = fs::temp_directory_path() / ("suite-allocations-" + std::to_string(getpid()));
 };
 
@@ -218,6 +247,11 @@ TEST_F(SuiteAllocations, MayFailInEveryCall) {
         {"SyncDriveKeyOk", [&] { return hub.SyncDriveKeyOk(), true; }, nothing},
         {"Request", [&] { return Get(false) == 200; }, nothing, [] {}, true},
         {"Request with reply headers", [&] { return Get(true) == 200; }, nothing, [] {}, true},
+        {"Request, libcurl's", [&] { return Get(true) == 200; }, nothing, [] {}, true, Allocator::kLibcurl},
+        {"Request of chunks, libcurl's", [&] { return Get(true, L"/chunks") == 200; }, nothing, [] {}, true,
+         Allocator::kLibcurl},
+        {"Request that is moved, libcurl's", [&] { return Get(true, L"/moved") == 200; }, nothing, [] {}, true,
+         Allocator::kLibcurl},
         {"SetDefaultCertPath", [&] { return CurlHttpLibContext::SetDefaultCertPath(value), true; }, nothing, [] {},
          true},
         {"SetExchangeObserver",
@@ -225,9 +259,13 @@ TEST_F(SuiteAllocations, MayFailInEveryCall) {
          nothing, [] {}, true},
     };
     Logger::Configure(settings, error);
+    // Before the library starts it.
+    ASSERT_EQ(curl_global_init_mem(CURL_GLOBAL_ALL, CurlMalloc, std::free, CurlRealloc, CurlStrdup, CurlCalloc),
+              CURLE_OK);
     for (const Row& row : rows) {
         Try(row);
     }
+    EXPECT_GT(m_failures, 0) << "control";
     CurlHttpLibContext::SetExchangeObserver(nullptr);
     EXPECT_EQ(Get(true), 200) << "after all that";
 }

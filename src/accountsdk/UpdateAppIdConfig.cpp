@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
 #include "UserAuthService.h"
 #include "core/DeploymentConstants.h"
@@ -21,6 +22,15 @@ bool ReadFile(const std::filesystem::path& path, std::string& text) {
     return true;
 }
 
+// The writer ends a name at its first zero byte, so that two names may come out as one, whose last value counts.
+void RemoveMembersWrittenAs(std::string_view name, Json::Value& object) {
+    for (const std::string& member : object.getMemberNames()) {
+        if (member.c_str() == name) {
+            object.removeMember(member.data(), member.data() + member.size(), nullptr);
+        }
+    }
+}
+
 }  // namespace
 
 void UserAuthService::UpdateAppIdConfig() try {
@@ -30,6 +40,7 @@ void UserAuthService::UpdateAppIdConfig() try {
     if (!ReadFile(path, text) || !userauth::ParseDocument(text, root) || !(root.isObject() || root.isNull())) {
         return;
     }
+    RemoveMembersWrittenAs("client_id", root);
     root["client_id"] = userauth::WideToMultiByte(userauth::kApplicationId, userauth::kUtf8CodePage);
     const std::string document = userauth::WriteStyledDocument(root);
     // With a buffer of its own, because the stream would take one after the file has been emptied.
