@@ -17,7 +17,7 @@ void BenchLogger(Report& report);
 void BenchMemory(Report& report);
 
 // The platform that BenchMemory asks, in a process of its own: writes its origin and its authority to the file, and
-// serves until the process is ended.
+// serves for two minutes, or until the process is ended.
 void ServePlatform(const std::string& file);
 
 }  // namespace bench
