@@ -5,8 +5,9 @@ set(package_folder lib/cmake/UserAuthService)
 # What clients load carries its symbols, which the installation takes out, and no path of this machine. Its casts of functions go
 # through core/EntryPoint.h.
 add_library(shipped_casts INTERFACE)
+add_library(shipped_paths INTERFACE)
 add_library(shipped_settings INTERFACE)
-target_link_libraries(shipped_settings INTERFACE project_settings shipped_casts)
+target_link_libraries(shipped_settings INTERFACE project_settings shipped_casts shipped_paths)
 if(NOT MSVC)
   target_compile_options(shipped_casts INTERFACE -Wcast-function-type)  # after project_settings, which switches it off
   # The last that fits counts. A compiler cache may make paths relative to the build folder: they become the same.
@@ -14,11 +15,16 @@ if(NOT MSVC)
   file(RELATIVE_PATH top "${CMAKE_BINARY_DIR}" "${PROJECT_SOURCE_DIR}/.")
   string(REGEX REPLACE "/$" "" above "./${above}")
   string(REGEX REPLACE "/$" "" top "${top}")
-  target_compile_options(shipped_settings INTERFACE -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=."
-                                                    "-ffile-prefix-map=..=${above}" "-ffile-prefix-map=${top}=.")
+  target_compile_options(shipped_paths INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=."
+                                                 "-ffile-prefix-map=..=${above}" "-ffile-prefix-map=${top}=.")
+  target_compile_options(shipped_settings INTERFACE -g)
 endif()
 foreach(target IN ITEMS ${package_libraries} userauth_objects suite_platform)
   target_link_libraries(${target} PRIVATE shipped_settings)
+endforeach()
+# The programs hold paths too: OpenSSL's macros write the source's into them.
+foreach(target IN ITEMS userauth sandbox-server ZVAccountSdk suite-conformance suite-conformance-points)
+  target_link_libraries(${target} PRIVATE shipped_paths)
 endforeach()
 
 # ./dev package builds these and no tests.
