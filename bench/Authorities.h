@@ -28,10 +28,10 @@ inline std::string Bundle(const std::string& authority) {
 }
 
 // A file in the folder for temporary ones, named after the process: another one's authority is not this one's.
-inline std::filesystem::path WritePem(const std::string& name, const std::string& pem) {
+inline std::filesystem::path WriteText(const std::string& name, const std::string& text) {
     std::filesystem::path file =
         std::filesystem::temp_directory_path() / ("bench-" + std::to_string(GetCurrentProcessId()) + name);
-    std::ofstream(file, std::ios::binary) << pem;
+    std::ofstream(file, std::ios::binary) << text;
     return file;
 }
 

@@ -53,7 +53,7 @@ void BenchExport(Report& report) {
         const std::string url = origin + pathOf(megabytes);
         Require(Service().ExportContracts(std::wstring(url.begin(), url.end()), file.wstring(), {}), "ExportContracts");
     };
-    // First: nothing may have raised the peak before.
+    // Early: nothing may have raised the peak above what this row needs.
     const char* const memory = "memory of an export of 100 MB against its text";
     if (report.Wants(memory)) {
         exportContacts(1);

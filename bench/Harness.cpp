@@ -38,12 +38,6 @@ std::size_t CallsOfSlice(const Slice& slice) {
     return calls;
 }
 
-std::string Lowered(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 std::string Printed(double value, int decimals) {
     std::ostringstream text;
     text << std::fixed << std::setprecision(decimals) << value;
@@ -65,10 +59,6 @@ std::string Printed(double value, const std::string& unit) {
 }
 
 }  // namespace
-
-bool Report::Wants(const std::string& what) const {
-    return Lowered(what).find(Lowered(m_filter)) != std::string::npos;
-}
 
 void Report::Sliced(const std::string& what, Target target, const Slice& ours, const Slice& reference, double factor) {
     if (!Wants(what)) {
@@ -135,6 +125,9 @@ void Report::Timed(const std::string& what, Target target, const Measured& ours,
 
 void Report::Figure(const std::string& what, Target target, const std::string& unit, double ours,
                     std::optional<double> reference) {
+    if (!Wants(what)) {
+        return;
+    }
     Add({what, unit, ours, reference, reference && *reference != 0 ? ours / *reference : ours, 0, {}, target});
 }
 

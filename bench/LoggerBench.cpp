@@ -74,11 +74,10 @@ void BenchLogger(Report& report) {
         return text;
     }();
     for (const std::size_t factor : {10U, 100U}) {
-        constexpr int kFewLines = 30;  // a hundred times as many still fit the logger's queue
+        const int few = static_cast<int>(3000 / factor);  // what is more than that may not fit the logger's queue
         report.Growth(
             "growth: log lines, x" + std::to_string(factor), static_cast<double>(factor),
-            [&] { return OursDrained(kFewLines * static_cast<int>(factor), message); },
-            [&] { return OursDrained(kFewLines, message); });
+            [&] { return OursDrained(3000, message); }, [&] { return OursDrained(few, message); });
         report.Growth(
             "growth: masked text, x" + std::to_string(factor), static_cast<double>(factor),
             [&] { return OursDrained(10, longer.substr(0, 600 * factor)); },

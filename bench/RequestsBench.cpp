@@ -156,14 +156,14 @@ void BenchRequests(Report& report) {
     BenchOperations(report, http, "http", "", AtMost(1.1), AtMost(1.2));
     BenchFields(report, http);
 
-    const fs::path authority = WritePem("-authority.pem", https.AuthorityPem());
+    const fs::path authority = WriteText("-authority.pem", https.AuthorityPem());
     CurlHttpLibContext::SetDefaultCertPath(authority.wstring());
     BenchOperations(report, https, "https", authority.string(), AtMost(1.1), AtMost(1.25));
     report.Calls(
         "fresh bare handles over https against RequestUserID", AtLeast(4),
         [&] { Parse(BareUserId(https, authority.string())->Perform()); }, AskUserId);
 
-    const fs::path bundle = WritePem("-bundle.pem", Bundle(https.AuthorityPem()));
+    const fs::path bundle = WriteText("-bundle.pem", Bundle(https.AuthorityPem()));
     CurlHttpLibContext::SetDefaultCertPath(bundle.wstring());
     BenchOperations(report, https, "https with a bundle of 220 KB", bundle.string(), AtMost(1.12), AtMost(1.25));
     CurlHttpLibContext::SetDefaultCertPath({});

@@ -9,6 +9,7 @@ count_instructions() {
   mkdir -p "$counts"
   (cd "$root/build/sanitize-none/instructions" && valgrind --tool=callgrind --collect-atstart=no "--callgrind-out-file=$counts/out" \
     ./count-instructions "$@") > "$counts/log" 2>&1 < /dev/null 9>&- || die "counting failed; see $counts/log"
+  compgen -G "$counts/out.?*" > /dev/null || die "no row of single calls has that name"
   echo '| what | instructions | reference | ratio |'
   echo '| --- | --- | --- | --- |'
   # The newest count of each row and side; "50|ours|NAME" says of how many calls.

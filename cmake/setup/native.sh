@@ -7,7 +7,7 @@ native_build() {
   local folder=$root/build/sanitize-$1 sanitizers=$2
   shift 2
   if [ ! -f "$folder/build.ninja" ]; then
-    say "building for this machine under $sanitizers, some minutes the first time"
+    say "building for this machine${sanitizers:+ under $sanitizers}, some minutes the first time"
     run_logged "$folder/configure.log" cmake -S "$root/instruments" -B "$folder" -G Ninja -DCMAKE_CXX_COMPILER=clang++ \
       "-DUSERAUTH_SANITIZE=$sanitizers"
   fi

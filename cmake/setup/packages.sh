@@ -18,6 +18,7 @@ sanitize_packages=(
   libcurl4-openssl-dev libspdlog-dev libfmt-dev zlib1g-dev libbrotli-dev
 )
 package_packages=(zip)
+count_packages=(valgrind)
 
 lists_log=$root/build/package-lists.log
 update_package_lists() { "$@" apt-get --error-on=any update > "$lists_log" 2>&1 < /dev/null 9>&-; }

@@ -29,10 +29,6 @@ void Count(const std::string& what, const char* side, const Slice& slice) {
 
 }  // namespace
 
-bool Report::Wants(const std::string& what) const {
-    return what.find(m_filter) != std::string::npos;
-}
-
 void Report::Sliced(const std::string& what, Target, const Slice& ours, const Slice& reference, double factor) {
     if (factor == 1 && Wants(what)) {
         Count(what, "ours", ours);
@@ -51,7 +47,7 @@ void Report::Calls(const std::string& what, Target target, const Work& ours, con
     Sliced(what, target, repeated(ours), repeated(reference), 1);
 }
 
-// Several threads, or seconds of waiting: not a matter of instructions.
+// Several threads, waiting, or so much memory that instructions tell little.
 void Report::Timed(const std::string&, Target, const Measured&, const Measured&, bool) {}
 void Report::Figure(const std::string&, Target, const std::string&, double, std::optional<double>) {}
 

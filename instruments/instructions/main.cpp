@@ -4,7 +4,7 @@
 
 #include "Subjects.h"
 
-// count-instructions [FILTER]: the benchmark's rows that one thread works off; what valgrind writes is the result.
+// count-instructions [FILTER]: the benchmark's rows of single calls; what valgrind writes is the result.
 int main(int count, char** arguments) {
     try {
         bench::Report report(count > 1 ? arguments[1] : "", 1);

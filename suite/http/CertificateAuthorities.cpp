@@ -8,11 +8,13 @@
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <system_error>
+#include <vector>
 
 namespace suite {
 
@@ -21,6 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t kMaxPemBytes = 8'000'000;  // libcurl takes no more
+constexpr std::size_t kMaxFiles = 4;                // a default, and those of single requests
 
 // What tells one state of a file from another without reading it.
 struct FileStamp {
@@ -64,11 +67,16 @@ bool Look(FileStamp& stamp) {
 #endif
 }
 
+struct ReadFile {
+    FileStamp stamp;
+    std::shared_ptr<const Authorities> authorities;
+};
+
 struct KnownAuthorities {
-    std::mutex lock;
+    std::mutex reading;  // held while a file is read: the others want the same one. Taken before the lock
+    std::mutex lock;     // guards what follows
     std::wstring defaultPath;
-    FileStamp readStamp;
-    std::shared_ptr<const Authorities> read;
+    std::vector<ReadFile> files;  // newest last
     const std::shared_ptr<const Authorities> none = std::make_shared<const Authorities>();
 };
 
@@ -150,7 +158,7 @@ Authorities Prepared(std::string content) {
 }
 
 // Read here and not by libcurl, which opens paths in the ANSI code page.
-std::shared_ptr<const Authorities> ReadFile(const FileStamp& stamp) {
+std::shared_ptr<const Authorities> ReadAuthorities(const FileStamp& stamp) {
     if (stamp.size > kMaxPemBytes) {
         return nullptr;
     }
@@ -159,6 +167,27 @@ std::shared_ptr<const Authorities> ReadFile(const FileStamp& stamp) {
     const bool whole = file.is_open() && file.read(content.data(), static_cast<std::streamsize>(content.size()));
     return whole && HoldsCertificate(content) ? std::make_shared<const Authorities>(Prepared(std::move(content)))
                                               : nullptr;
+}
+
+std::shared_ptr<const Authorities> Known(const FileStamp& stamp) {
+    const std::lock_guard<std::mutex> hold(Shared().lock);
+    for (const ReadFile& file : Shared().files) {
+        if (file.stamp == stamp) {
+            return file.authorities;
+        }
+    }
+    return nullptr;
+}
+
+void Remember(const ReadFile& file) {
+    const std::lock_guard<std::mutex> hold(Shared().lock);
+    std::vector<ReadFile>& files = Shared().files;
+    const auto sameFile = [&file](const ReadFile& former) { return former.stamp.path == file.stamp.path; };
+    files.erase(std::remove_if(files.begin(), files.end(), sameFile), files.end());
+    if (files.size() == kMaxFiles) {
+        files.erase(files.begin());
+    }
+    files.push_back(file);
 }
 
 }  // namespace
@@ -180,17 +209,16 @@ std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath) {
     if (!Look(stamp)) {
         return nullptr;
     }
-    {
-        const std::lock_guard<std::mutex> hold(Shared().lock);
-        if (Shared().read && Shared().readStamp == stamp) {
-            return Shared().read;
-        }
+    if (auto known = Known(stamp)) {
+        return known;
     }
-    std::shared_ptr<const Authorities> authorities = ReadFile(stamp);
+    const std::lock_guard<std::mutex> one(Shared().reading);
+    if (auto known = Known(stamp)) {
+        return known;
+    }
+    std::shared_ptr<const Authorities> authorities = ReadAuthorities(stamp);
     if (authorities) {
-        const std::lock_guard<std::mutex> hold(Shared().lock);
-        Shared().readStamp = stamp;
-        Shared().read = authorities;
+        Remember({stamp, authorities});
     }
     return authorities;
 }

@@ -191,7 +191,9 @@ private:
             return Fail({kHttpReplyTooLarge, "a header line of the reply is too large"});
         }
         const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
-        return Fail(refusal ? *refusal : DescribeFailure(result, detail, InfoOf(handle, CURLINFO_SSL_VERIFYRESULT)));
+        const long ofProxy = InfoOf(handle, CURLINFO_PROXY_SSL_VERIFYRESULT);
+        const long judged = ofProxy > 1 ? ofProxy : InfoOf(handle, CURLINFO_SSL_VERIFYRESULT);  // 1: nothing yet
+        return Fail(refusal ? *refusal : DescribeFailure(result, detail, judged));
     }
 
     bool SetAuthorities() {

@@ -4,6 +4,7 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <new>
 
@@ -105,14 +106,17 @@ void FreeAuthorities(void*, void* authorities, CRYPTO_EX_DATA*, int, long, void*
 
 // A kept connection may verify once more when its request has long ended: it holds a reference of its own.
 bool HoldAuthorities(SSL_CTX* tls, X509_STORE* authorities) {
-    static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeAuthorities);
+    static std::atomic<int> place{-1};  // of the context's data; asked for again when there was no memory
     if (authorities == nullptr) {
         return true;
     }
-    if (index < 0 || X509_STORE_up_ref(authorities) != 1) {
+    if (place < 0) {
+        place = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeAuthorities);
+    }
+    if (place < 0 || X509_STORE_up_ref(authorities) != 1) {
         return false;
     }
-    if (SSL_CTX_set_ex_data(tls, index, authorities) != 1) {
+    if (SSL_CTX_set_ex_data(tls, place, authorities) != 1) {
         X509_STORE_free(authorities);
         return false;
     }
@@ -135,11 +139,12 @@ CURLcode PrepareConnection(CURL*, void* context, void* authorities) noexcept {
 
 // libcurl compares the authorities before it takes up a kept connection or TLS session, having none among them, so one
 // made under other authorities or under Windows' verdict is never used here. It does not compare the functions: they
-// follow from the authorities alone.
+// follow from the authorities alone, and judge a proxy's certificate too, so the proxy's authorities are the same.
 void SetTlsOptions(CURL* handle, const Authorities& authorities) {
     SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
     SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
     SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    SetCurlOption(handle, CURLOPT_PROXY_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
     SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     if (authorities.pem.empty()) {
@@ -149,6 +154,7 @@ void SetTlsOptions(CURL* handle, const Authorities& authorities) {
     // Read only; libcurl's connections and sessions keep copies of their own.
     curl_blob blob = {const_cast<char*>(authorities.pem.data()), authorities.pem.size(), CURL_BLOB_NOCOPY};
     SetCurlOption(handle, CURLOPT_CAINFO_BLOB, &blob);
+    SetCurlOption(handle, CURLOPT_PROXY_CAINFO_BLOB, &blob);
     SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByAuthorities>);
     SetCurlOption(handle, CURLOPT_SSL_CTX_DATA, authorities.certificates.get());
 }

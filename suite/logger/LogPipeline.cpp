@@ -90,10 +90,10 @@ LogPipeline::LogPipeline(const LoggerSettings& settings) : m_consoleSeverity(set
     }
 }
 
-void LogPipeline::Post(LogTarget target, bool urgent, std::string place, std::string text) noexcept {
+void LogPipeline::Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept {
     SinkThread* const sink = m_sinks[static_cast<std::size_t>(target)].get();
     if (sink != nullptr) {
-        sink->Post(std::move(place), std::move(text), urgent);
+        sink->Post(place, text, urgent);
     }
 }
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <chrono>
 #include <memory>
-#include <string>
+#include <string_view>
 
 #include "Logger.h"
 #include "SinkThread.h"
@@ -22,7 +22,7 @@ public:
 
     // Queues a line for a target that is open; does nothing for one that is not. UTF-8; the text is masked by name when
     // it is written, the place and events are masked already. urgent: written through to the file at once. Any thread.
-    void Post(LogTarget target, bool urgent, std::string place, std::string text) noexcept;
+    void Post(LogTarget target, bool urgent, std::string_view place, std::string_view text) noexcept;
 
     void Start() noexcept;
 

@@ -106,16 +106,16 @@ void Logger::Output(int moduleType, int severity, int line, const std::string& f
         return;
     }
     try {
-        std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
-        std::string text = suite::LogTextOf(message, State().secrets.Current().get());
+        const std::string place = suite::PlaceOf(moduleType, severity, line, functionTag);
+        const std::string text = suite::LogTextOf(message, State().secrets.Current().get());
         const bool urgent = severity >= kSeverityFailure;
         const std::lock_guard<std::mutex> lock(State().mutex);
         LogPipeline* const pipeline = State().pipeline.get();
+        if (pipeline != nullptr && toFile) {
+            pipeline->Post(LogTarget::kFile, urgent, place, text);
+        }
         if (pipeline != nullptr && severity >= pipeline->ConsoleSeverity()) {
             pipeline->Post(LogTarget::kConsole, urgent, place, text);
-        }
-        if (pipeline != nullptr && toFile) {
-            pipeline->Post(LogTarget::kFile, urgent, std::move(place), std::move(text));
         }
     } catch (...) {
         // Out of memory: the line is lost, the caller goes on.

@@ -127,17 +127,16 @@ SinkThread::~SinkThread() {
     }
 }
 
-void SinkThread::Post(std::string place, std::string text, bool urgent) noexcept {
+void SinkThread::Post(std::string_view place, std::string_view text, bool urgent) noexcept {
     const std::lock_guard<std::mutex> lock(m_state->mutex);
-    const std::size_t size = text.size();
     try {
-        m_state->lines.push_back({std::move(place), std::move(text), std::chrono::system_clock::now(), urgent});
+        m_state->lines.push_back({std::string(place), std::string(text), std::chrono::system_clock::now(), urgent});
     } catch (...) {
         ++m_state->lost;
         return;
     }
     ++m_state->posted;
-    m_state->bytes += size;
+    m_state->bytes += text.size();
     const bool somebodyMayGoOn = m_state->lines.size() == 1 || m_state->waiting > 0;
     while (m_state->lines.size() > 1 && (m_state->lines.size() > kMaxLines || m_state->bytes > kMaxBytes)) {
         m_state->DropOldest();

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace spdlog::sinks {
@@ -28,7 +29,7 @@ public:
 
     // UTF-8. place: the part of the line that the sink's formatter does not mask; urgent: written through at once. Any
     // thread. For want of memory the line is lost, and counted.
-    void Post(std::string place, std::string text, bool urgent) noexcept;
+    void Post(std::string_view place, std::string_view text, bool urgent) noexcept;
 
     // From now on the thread writes.
     void Start() noexcept;

@@ -172,6 +172,20 @@ TEST_F(HttpTrust, AConnectionIsKeptForItsOwnAuthorities) {
     EXPECT_EQ(Ask(byWindows)[0].substr(0, 3), "-5 ") << "the authority has been removed";
 }
 
+TEST_F(HttpTrust, AnHttpsProxyIsJudgedByTheRequestsOwnAuthorities) {
+    TlsPeer proxy(TestIdentity("x", {{NID_subject_alt_name, "IP:127.0.0.1"}}, &m_filed));
+    WriteFile(m_folder / "other.pem", Pem(m_unknown));
+    const std::wstring url = L"http://origin.example/ ";
+    const std::wstring right = url + m_file.wstring() + L" ";
+    SetEnvironmentVariableW(L"http_proxy", (L"https://127.0.0.1:" + std::to_wstring(proxy.port)).c_str());
+    const auto answers = Ask(right + url + (m_folder / "other.pem").wstring() + L" " + url + L"- " + right);
+    SetEnvironmentVariableW(L"http_proxy", nullptr);
+    const char* const codes[] = {"404", "-5 ", "-5 ", "404"};  // the peer has no such page, but it was asked
+    for (std::size_t i = 0; i < std::size(codes); ++i) {
+        EXPECT_EQ(answers[i].substr(0, 3), codes[i]) << i << ": " << answers[i];
+    }
+}
+
 TEST_F(HttpTrust, BytesBehindTheLengthInOneRecordAreNoReply) {
     TlsPeer peer(TestIdentity("x", {{NID_subject_alt_name, "IP:127.0.0.1"}}, &m_filed));
     peer.server.Get("/excess", [](const httplib::Request&, httplib::Response& reply) {
