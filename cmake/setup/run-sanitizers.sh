@@ -16,7 +16,7 @@ done
 # its own.
 left_out='SysConf.OperationsLog:BoundedFormat.WithoutAHandlerTheProcessEnds:Singleton.*'
 
-# Of the end-to-end suite, what is Windows' own: an open file that cannot be moved, the host as a second process, drives.
+# Of the end-to-end suite, what is Windows' own: an open file that cannot be moved, drives, the host as second process.
 # And replies whose first header line begins with a blank: the distribution's libcurl reads freed memory then, in the
 # store of headers that the project's own libcurl is built without. Their row of the fault matrix is left out likewise.
 left_out_e2e='LoggerTest.FullFilesMoveOnAndOneThatIsBeingReadLosesNothing:LoggerTest.SecondProcessWritesToAFileOfItsOwn'
