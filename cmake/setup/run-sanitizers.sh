@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # run-sanitizers.sh [all]: the unit tests and those with failing allocations on this machine itself, under the address,
-# undefined-behaviour and leak sanitizers. With "all" the end-to-end suite too, both under the thread sanitizer, and the unit
-# tests on the target: with checks that trap and under Wine's heap validation, for which a display is needed. A finding ends
-# it and is shown.
+# undefined-behaviour and leak sanitizers. With "all" the end-to-end suite too, both under the thread sanitizer, and the
+# unit tests on the target: with checks that trap and under Wine's heap validation, for which a display is needed. A
+# finding ends it and is shown.
 #
 # shellcheck disable=SC2154 # the sourced pieces set preset and run_wine
 set -euo pipefail
@@ -16,9 +16,9 @@ done
 # its own.
 left_out='SysConf.OperationsLog:BoundedFormat.WithoutAHandlerTheProcessEnds:Singleton.*'
 
-# Of the end-to-end suite, what is Windows' own: an open file that cannot be moved, the host as a second process, drives. And
-# replies whose first header line begins with a blank: the distribution's libcurl reads freed memory then, in the store of
-# headers that the library's own libcurl is built without (its row of the fault matrix is left out likewise).
+# Of the end-to-end suite, what is Windows' own: an open file that cannot be moved, drives, the host as second process.
+# And replies whose first header line begins with a blank: the distribution's libcurl reads freed memory then, in the
+# store of headers that the project's own libcurl is built without. Their row of the fault matrix is left out likewise.
 left_out_e2e='LoggerTest.FullFilesMoveOnAndOneThatIsBeingReadLosesNothing:LoggerTest.SecondProcessWritesToAFileOfItsOwn'
 left_out_e2e+=':ParamStoreSystemUuid.ADrivesRootIsNotTheFolderThatIsCurrentOnIt'
 left_out_e2e+=':HttpReply.FiftyThatBeginWithABlankLeaveTheirHandleSound'

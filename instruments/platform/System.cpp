@@ -1,4 +1,4 @@
-// The machine, the process and its environment, whose names have no letter case; a write to a connection or pipe that
+// The machine, the process and its environment, whose names have no letter case. A write to a connection or pipe that
 // is closed fails and raises no signal. The numbers are those of a workstation with version 10.0 behind a version
 // record that says 6.2. The firmware has no table.
 
