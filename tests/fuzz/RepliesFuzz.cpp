@@ -21,11 +21,16 @@ UserAuthService& g_service = []() -> UserAuthService& {
 }();
 
 sem_t g_windowAsked;
+[[maybe_unused]] const int g_windowAskedMade = sem_init(&g_windowAsked, 0, 0);
 
 bool RequestUserInfo(UserAuthService& service) {
-    sem_init(&g_windowAsked, 0, 0);
+    if (!service.RequestUserInfo()) {
+        return false;
+    }
     // Asking for the window is the last thing that a portrait download does.
-    return service.RequestUserInfo() && sem_wait(&g_windowAsked) == 0;
+    while (sem_wait(&g_windowAsked) != 0) {  // a signal came
+    }
+    return true;
 }
 
 bool GetLoginDevicesHistory(UserAuthService& service) {
