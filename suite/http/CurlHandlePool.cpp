@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <iterator>
 #include <mutex>
 
 #include "LibcurlStart.h"
@@ -20,8 +21,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// There are never more handles than requests that ran at once: as many as a busy client's threads keep
-// their connections.
+// Never more for a host than requests to it that ran at once: as many as a busy client's threads keep their
+// connections.
 constexpr std::size_t kMaxIdleHandles = 64;
 // libcurl takes up no connection that was idle for longer than 118 s.
 constexpr std::chrono::seconds kMaxIdleTime(120);
@@ -109,18 +110,19 @@ public:
         }
     }
 
-    CurlHandle* Take() {
+    CurlHandle* Take(const std::string& origin) {
         if (!m_started) {
             return nullptr;
         }
         DropStale();
-        while (CurlHandle* const handle = TakeIdle()) {
+        while (CurlHandle* const handle = TakeIdle(origin)) {
             if (!HasUnaskedBytes(*handle)) {
                 return handle;
             }
             Destroy(handle);
         }
         auto handle = std::make_unique<CurlHandle>();
+        handle->origin = origin;
         handle->easy = curl_easy_init();
         if (handle->easy == nullptr) {
             return nullptr;
@@ -134,14 +136,18 @@ public:
     void Return(CurlHandle* handle) {
         curl_easy_reset(handle->easy);  // keeps connections and the share
         DropStale();
+        CurlHandle* oldest = nullptr;
         {
             const std::lock_guard<std::mutex> hold(m_idleLock);
-            if (m_idle.size() < kMaxIdleHandles) {
-                m_idle.push_back({handle, Clock::now()});
-                return;
+            if (m_idle.size() == kMaxIdleHandles) {
+                oldest = m_idle.front().handle;
+                m_idle.erase(m_idle.begin());
             }
+            m_idle.push_back({handle, Clock::now()});
         }
-        Destroy(handle);
+        if (oldest != nullptr) {
+            Destroy(oldest);
+        }
     }
 
     using Locks = std::array<std::mutex, CURL_LOCK_DATA_LAST>;
@@ -153,13 +159,15 @@ private:
     };
 
     // Last in, first out: the handle used last is the likeliest to hold a live connection to the host. Null: none.
-    CurlHandle* TakeIdle() {
+    CurlHandle* TakeIdle(const std::string& origin) {
         const std::lock_guard<std::mutex> hold(m_idleLock);
-        if (m_idle.empty()) {
+        const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
+                                        [&origin](const Idle& idle) { return idle.handle->origin == origin; });
+        if (found == m_idle.rend()) {
             return nullptr;
         }
-        CurlHandle* const handle = m_idle.back().handle;
-        m_idle.pop_back();
+        CurlHandle* const handle = found->handle;
+        m_idle.erase(std::next(found).base());
         return handle;
     }
 
@@ -207,8 +215,8 @@ void ReturnToPool::operator()(CurlHandle* handle) const noexcept {
     Shared().Return(handle);
 }
 
-CurlLease LeaseCurlHandle() {
-    return CurlLease(Shared().Take());
+CurlLease LeaseCurlHandle(const std::string& origin) {
+    return CurlLease(Shared().Take(origin));
 }
 
 void SetSocketOptions(CurlHandle& handle) {

@@ -139,7 +139,7 @@ private:
     // One hop. True when its reply is complete; m_outcome.code is its status then.
     bool SendOnce(const CheckedRequest& request) {
         m_outcome.host = request.parts.authority;
-        m_handle = LeaseCurlHandle();
+        m_handle = LeaseCurlHandle(request.parts.scheme + "://" + request.parts.authority);
         if (!m_handle) {
             return Fail({kHttpInternalError, "libcurl cannot be started"});
         }
