@@ -173,7 +173,7 @@ struct HttpExchange {
 ///
 /// Proxy: the environment's (http_proxy, https_proxy, all_proxy, no_proxy) first, then the system's static setting, its
 /// SOCKS proxy too; for loopback addresses never one. Proxy scripts (PAC) and automatic detection are not read. Whoever
-/// judges the host's certificate judges that of an https proxy.
+/// judges an https host's certificate judges that of its https proxy; an http host's https proxy is always refused.
 ///
 /// Redirects: five at most; to another host no body goes along, and of the headers only Accept, Accept-Encoding,
 /// Accept-Language, Cache-Control, Content-Type and User-Agent.

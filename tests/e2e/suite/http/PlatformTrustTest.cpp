@@ -175,12 +175,12 @@ TEST_F(HttpTrust, AConnectionIsKeptForItsOwnAuthorities) {
 TEST_F(HttpTrust, AnHttpsProxyIsJudgedByTheRequestsOwnAuthorities) {
     TlsPeer proxy(TestIdentity("x", {{NID_subject_alt_name, "IP:127.0.0.1"}}, &m_filed));
     WriteFile(m_folder / "other.pem", Pem(m_unknown));
-    const std::wstring url = L"http://origin.example/ ";
+    const std::wstring url = L"https://origin.example/ ";
     const std::wstring right = url + m_file.wstring() + L" ";
-    SetEnvironmentVariableW(L"http_proxy", (L"https://127.0.0.1:" + std::to_wstring(proxy.port)).c_str());
+    SetEnvironmentVariableW(L"https_proxy", (L"https://127.0.0.1:" + std::to_wstring(proxy.port)).c_str());
     const auto answers = Ask(right + url + (m_folder / "other.pem").wstring() + L" " + url + L"- " + right);
-    SetEnvironmentVariableW(L"http_proxy", nullptr);
-    const char* const codes[] = {"404", "-5 ", "-5 ", "404"};  // the peer has no such page, but it was asked
+    SetEnvironmentVariableW(L"https_proxy", nullptr);
+    const char* const codes[] = {"-3 ", "-5 ", "-5 ", "-3 "};  // the peer makes no tunnels, but it was asked for one
     for (std::size_t i = 0; i < std::size(codes); ++i) {
         EXPECT_EQ(answers[i].substr(0, 3), codes[i]) << i << ": " << answers[i];
     }
