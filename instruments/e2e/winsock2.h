@@ -3,6 +3,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <windows.h>
@@ -14,6 +15,7 @@
 using SOCKET = std::uintptr_t;
 #define INVALID_SOCKET (~SOCKET{0})
 #define SD_SEND SHUT_WR
+#define WSAEWOULDBLOCK 10035
 #define MAKEWORD(low, high) ((low) | (high) << 8)
 struct WSADATA {};
 inline int WSAStartup(int, WSADATA*) {
@@ -78,6 +80,13 @@ inline int recv(SOCKET socket, char* buffer, std::size_t bytes, int flags) {
 inline int send(SOCKET socket, const char* buffer, int bytes, int flags) {
     return static_cast<int>(
         send(Native(socket), static_cast<const void*>(buffer), static_cast<std::size_t>(bytes), flags | MSG_NOSIGNAL));
+}
+inline int ioctlsocket(SOCKET socket, unsigned long request, u_long* value) {
+    int number = static_cast<int>(*value);
+    return ioctl(Native(socket), request, &number);
+}
+inline int WSAGetLastError() {
+    return errno == EAGAIN ? WSAEWOULDBLOCK : errno;
 }
 inline int shutdown(SOCKET socket, int how) {
     return shutdown(Native(socket), how);

@@ -80,6 +80,8 @@ int CloseSocket(void* data, curl_socket_t closed) {
     return CloseNative(closed);
 }
 
+// libcurl takes up such a connection, and the bytes for the reply to the next request; not under Wine, where it takes
+// the connection for dead.
 bool HasUnaskedBytes(const CurlHandle& handle) {
     return std::any_of(handle.sockets.begin(), handle.sockets.end(), HasBytesToRead);
 }

@@ -23,19 +23,6 @@ std::size_t FirstRequestSize(const std::string& pending) {
     return pending.size() < size ? 0 : size;
 }
 
-// False when the client has gone.
-bool SendAll(SOCKET socket, const std::string& bytes) {
-    std::size_t sent = 0;
-    while (sent < bytes.size()) {
-        const int count = send(socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
-        if (count <= 0) {
-            return false;
-        }
-        sent += static_cast<std::size_t>(count);
-    }
-    return true;
-}
-
 RawServer::Answer OneAfterTheOther(std::vector<RawReply> script) {
     return [script = std::move(script), next = std::size_t{0}](const std::string&) mutable {
         return script[std::min(next++, script.size() - 1)];
@@ -117,6 +104,8 @@ void RawServer::Run() {
             const std::lock_guard<std::mutex> hold(m_lock);
             const SOCKET accepted = accept(m_listener, nullptr, nullptr);
             if (accepted != INVALID_SOCKET) {
+                u_long isNonBlocking = 1;
+                ioctlsocket(accepted, FIONBIO, &isNonBlocking);
                 m_connections.push_back({accepted, {}});
             }
         }
@@ -159,6 +148,23 @@ void RawServer::Serve(Connection& connection) {
         }
         connection.ended = reply.then == RawReply::Then::kStall;
     }
+}
+
+// False when the client has gone, or the server ends. Never waits within send: Wine's does not always return when the
+// client goes meanwhile.
+bool RawServer::SendAll(std::uintptr_t socket, const std::string& bytes) const {
+    std::size_t sent = 0;
+    while (sent < bytes.size() && !m_ending) {
+        const int count = send(socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
+        if (count > 0) {
+            sent += static_cast<std::size_t>(count);
+        } else if (WSAGetLastError() == WSAEWOULDBLOCK) {
+            Sleep(1);
+        } else {
+            return false;
+        }
+    }
+    return sent == bytes.size();
 }
 
 void RawServer::Close(Connection& connection) {

@@ -54,6 +54,7 @@ private:
 
     void Run();
     void Serve(Connection& connection);
+    bool SendAll(std::uintptr_t socket, const std::string& bytes) const;
     static void Close(Connection& connection);
     void Trickle();
 

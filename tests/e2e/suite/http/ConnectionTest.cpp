@@ -21,6 +21,7 @@ TEST(HttpConnection, KeptForTheNextRequest) {
         {"after an error status", {{RawReplyBytes("500 Oops", "", "ok")}, OkReply()}, 1},
         {"server closed it while idle", {{OkReply().bytes, Then::kClose}, OkReply()}, 2},
         {"server closes it at the next request", {OkReply(), {"", Then::kClose}, OkReply()}, 2},
+        {"server sends what nobody asked for", {{OkReply().bytes, Then::kKeep, OkReply("evil").bytes}, OkReply()}, 2},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -28,6 +29,7 @@ TEST(HttpConnection, KeptForTheNextRequest) {
         HttpCall first(server.Url());
         HttpCall second(server.Url());
         EXPECT_GT(first.Send(), 0);
+        Sleep(row.script[0].last.empty() ? 0 : 500);
         EXPECT_EQ(second.Post(L"body"), 200);
         EXPECT_EQ(second.response, "ok");
         EXPECT_EQ(server.AcceptCount(), row.connections);
