@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # run-fuzzers.sh [SECONDS [TARGET...]]: builds the fuzzers and gives each target, or each of the named ones, so many seconds
-# (USERAUTH_FUZZ_SECONDS, else one) or USERAUTH_FUZZ_EXECUTIONS, two at a time where there are two processors.
+# (USERAUTH_FUZZ_SECONDS, else one) or USERAUTH_FUZZ_EXECUTIONS, whichever ends first; two at a time where there are two
+# processors.
 # What they learn stays in build/sanitize-address/corpus; an input that ends a fuzzer lies in build/sanitize-address/findings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)

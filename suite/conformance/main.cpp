@@ -26,9 +26,8 @@ constexpr char kUsage[] =
     "  --only TEXT     examines those points only whose promise has the text (ASCII)\n"
     "  --quick         leaves out the points that wait for half a minute and more\n"
     "\n"
-    "Exit code: 0 all examined points hold, 1 one does not, 2 wrong arguments, a library that cannot be loaded, or no "
-    "point\n"
-    "examined.\n";
+    "Exit code: 0 all examined points hold, 1 one does not, 2 wrong arguments, a library that cannot be loaded, or no\n"
+    "point examined.\n";
 
 constexpr int kAllHold = 0;
 constexpr int kOneFails = 1;

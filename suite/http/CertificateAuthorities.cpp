@@ -101,18 +101,16 @@ struct EntriesDeleter {
 };
 using Entries = std::unique_ptr<STACK_OF(X509_INFO), EntriesDeleter>;
 
-// Of the file's content, in hexadecimal digits and with a line's end.
+// SHA-256 of the file's content in base64, with a line's end. Empty when there is no memory.
 std::string DigestLine(const std::string& content) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    std::array<unsigned char, EVP_MAX_MD_SIZE * 2> text{};
     unsigned length = 0;
     if (EVP_Digest(content.data(), content.size(), digest.data(), &length, EVP_sha256(), nullptr) != 1) {
         return {};
     }
-    std::string line;
-    for (unsigned at = 0; at < length; ++at) {
-        line += {"0123456789abcdef"[digest[at] >> 4], "0123456789abcdef"[digest[at] & 15]};
-    }
-    return line + "\n";
+    const int characters = EVP_EncodeBlock(text.data(), digest.data(), static_cast<int>(length));
+    return std::string(text.begin(), text.begin() + characters) + "\n";
 }
 
 std::string PemOf(X509* certificate) {

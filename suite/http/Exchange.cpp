@@ -191,9 +191,10 @@ private:
             return Fail({kHttpReplyTooLarge, "a header line of the reply is too large"});
         }
         const std::optional<TransportFailure> refusal = TunnelRefusal(handle);
-        const long ofProxy = InfoOf(handle, CURLINFO_PROXY_SSL_VERIFYRESULT);
-        const long judged = ofProxy > 1 ? ofProxy : InfoOf(handle, CURLINFO_SSL_VERIFYRESULT);  // 1: nothing yet
-        return Fail(refusal ? *refusal : DescribeFailure(result, detail, judged));
+        // Of the two handshakes one at most has failed; the other says 0, or 1 when it was not judged.
+        const long verified =
+            std::max(InfoOf(handle, CURLINFO_SSL_VERIFYRESULT), InfoOf(handle, CURLINFO_PROXY_SSL_VERIFYRESULT));
+        return Fail(refusal ? *refusal : DescribeFailure(result, detail, verified));
     }
 
     bool SetAuthorities() {

@@ -17,7 +17,7 @@ protected:
     Exits() {
         SignInWhole();
         // Wine tells of what goes wrong below the hosts, on the error output of this test: CTest looks for that.
-        SetEnvironmentVariableW(L"WINEDEBUG", L"fixme-all");
+        SetEnvironmentVariableW(L"WINEDEBUG", L"-all,err+all");
     }
     ~Exits() override { SetEnvironmentVariableW(L"WINEDEBUG", m_wineDebug.empty() ? nullptr : m_wineDebug.c_str()); }
 
