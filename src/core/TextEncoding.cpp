@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 namespace userauth {
@@ -15,11 +16,32 @@ bool IsUnreserved(unsigned char byte) {
            byte == '-' || byte == '_' || byte == '.' || byte == '~';
 }
 
+// ASCII is the same in both code pages, and most texts are nothing else: those need no question to Windows. False, and
+// the copy untouched: there is another character, or another code page.
+template <typename Text, typename Copy>
+bool CopyAscii(const Text& text, Copy& copy, unsigned codePage) {
+    if (codePage != kAnsiCodePage && codePage != kUtf8CodePage) {
+        return false;
+    }
+    std::make_unsigned_t<typename Text::value_type> bits = 0;
+    for (const auto character : text) {
+        bits |= static_cast<decltype(bits)>(character);
+    }
+    if (bits > 0x7F) {
+        return false;
+    }
+    copy = Copy(text.begin(), text.end());
+    return true;
+}
+
 }  // namespace
 
 bool MultiByteToWide(const std::string& text, std::wstring& wide, unsigned codePage) {
     if (text.empty() || text.size() > kLongestText) {
         return false;
+    }
+    if (CopyAscii(text, wide, codePage)) {
+        return true;
     }
     const int bytes = static_cast<int>(text.size());
     const int characters = MultiByteToWideChar(codePage, 0, text.data(), bytes, nullptr, 0);
@@ -35,6 +57,9 @@ bool MultiByteToWide(const std::string& text, std::wstring& wide, unsigned codeP
 bool WideToMultiByte(const std::wstring& wide, std::string& text, unsigned codePage) {
     if (wide.empty() || wide.size() > kLongestText) {
         return false;
+    }
+    if (CopyAscii(wide, text, codePage)) {
+        return true;
     }
     const int characters = static_cast<int>(wide.size());
     const int bytes = WideCharToMultiByte(codePage, 0, wide.data(), characters, nullptr, 0, nullptr, nullptr);

@@ -1,5 +1,7 @@
 #include <ParamStore.h>
 
+#include <utility>
+
 #include "UserAuthService.h"
 #include "core/Base64.h"
 #include "core/DeploymentConstants.h"
@@ -16,24 +18,29 @@ using userauth::WideToMultiByte;
 
 constexpr wchar_t kJson[] = L"application/json";
 
-// The first value given for a name stays, here and in the sets below.
+// The first value given for a name stays, here and in the sets below. In the order of the map, which has to look for no
+// place then.
 HeaderMap CommonHeaders(const std::wstring& traceId) {
     const GlobalParamWrapper* const store = GlobalParamWrapper::GetInstance();
+    std::wstring systemUuid = store->GetSystemUUid();
     HeaderMap headers;
-    headers.emplace(L"User-Agent", std::wstring(userauth::kProductTag) + L"/" + userauth::kClientVersion);
-    headers.emplace(L"x-zv-trace-id", traceId);
-    headers.emplace(L"x-zv-source-agent", userauth::kProductTag);
-    headers.emplace(L"Accept-Language", L"zh-CN");
-    headers.emplace(L"x-zv-device-id", store->GetSystemUUid());
-    headers.emplace(L"x-zv-deviceUUID", store->GetSystemUUid());
-    headers.emplace(L"x-zv-device-type", userauth::kDeviceType);
-    headers.emplace(L"x-zv-terminal", userauth::kTerminal);
-    headers.emplace(L"x-zv-device-name", userauth::DeviceNameHeader(userauth::CurrentDeviceIdentity()));
-    headers.emplace(L"x-zv-auth-version", userauth::kAuthorizationVersion);
-    headers.emplace(L"x-zv-country-code", store->GetCountryCode());
-    headers.emplace(L"x-zv-client-mode", store->GetZvClientMode());
-    headers.emplace(L"x-zv-os-brand", userauth::kOsBrand);
-    headers.emplace(L"Host", userauth::kAccountWebHost);
+    const auto add = [&headers](const wchar_t* name, auto&& value) {
+        headers.emplace_hint(headers.end(), name, std::forward<decltype(value)>(value));
+    };
+    add(L"Accept-Language", L"zh-CN");
+    add(L"Host", userauth::kAccountWebHost);
+    add(L"User-Agent", std::wstring(userauth::kProductTag) + L"/" + userauth::kClientVersion);
+    add(L"x-zv-auth-version", userauth::kAuthorizationVersion);
+    add(L"x-zv-client-mode", store->GetZvClientMode());
+    add(L"x-zv-country-code", store->GetCountryCode());
+    add(L"x-zv-device-id", systemUuid);
+    add(L"x-zv-device-name", userauth::DeviceNameHeader(userauth::CurrentDeviceIdentity()));
+    add(L"x-zv-device-type", userauth::kDeviceType);
+    add(L"x-zv-deviceUUID", std::move(systemUuid));
+    add(L"x-zv-os-brand", userauth::kOsBrand);
+    add(L"x-zv-source-agent", userauth::kProductTag);
+    add(L"x-zv-terminal", userauth::kTerminal);
+    add(L"x-zv-trace-id", traceId);
     return headers;
 }
 

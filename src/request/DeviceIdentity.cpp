@@ -59,7 +59,10 @@ std::wstring DeviceNameHeader(const DeviceIdentity& identity) {
     std::wstring name = identity.system.productName.substr(0, kLongestName);
     // The HTTP library refuses a request whose header value holds a line break or a zero.
     std::replace_if(name.begin(), name.end(), IsControl, L' ');
-    return name.empty() ? L"PC" : name;
+    if (name.empty()) {
+        return L"PC";
+    }
+    return name;
 }
 
 }  // namespace userauth
