@@ -82,7 +82,7 @@ struct TlsPeer {
             SSL_CTX_add1_chain_cert(server.ssl_context(), intermediate->certificate.get());
         }
         server.new_task_queue = [] { return new httplib::ThreadPool(4); };  // a test may have many peers
-        server.set_read_timeout(60);                                        // of the handshake too
+        server.set_keep_alive_timeout(1);  // its end waits for an idle connection that long
         server.Get("/",
                    [](const httplib::Request&, httplib::Response& reply) { reply.set_content("ok", "text/plain"); });
         server.set_read_timeout(60);  // of the handshake too: a busy machine takes its time
