@@ -6,7 +6,7 @@
 
 #include <openssl/err.h>
 #include <openssl/pem.h>
-#include <openssl/x509.h>
+#include <openssl/x509v3.h>
 
 #include <algorithm>
 #include <array>
@@ -96,6 +96,10 @@ struct BioDeleter {
 };
 using OwnedBio = std::unique_ptr<BIO, BioDeleter>;
 
+struct CertificateDeleter {
+    void operator()(X509* certificate) const { X509_free(certificate); }
+};
+
 struct EntriesDeleter {
     void operator()(STACK_OF(X509_INFO) * entries) const { sk_X509_INFO_pop_free(entries, X509_INFO_free); }
 };
@@ -123,11 +127,22 @@ std::string PemOf(X509* certificate) {
     return {text, static_cast<std::size_t>(length)};
 }
 
+// OpenSSL reads a certificate's extensions when they are first asked for, and one for which there was no memory then
+// stays invalid for good. Here they are read; false when they are not. What is invalid in a copy too is so by itself.
+bool ReadExtensions(X509* certificate) {
+    if (X509_check_purpose(certificate, -1, 0) == 1) {
+        return true;
+    }
+    const std::unique_ptr<X509, CertificateDeleter> copy(X509_dup(certificate));
+    return copy && X509_check_purpose(copy.get(), -1, 0) != 1;
+}
+
 // As libcurl does it: every entry counts, one that cannot be added spoils all.
 bool AddEntries(X509_STORE* store, const STACK_OF(X509_INFO) * entries) {
     for (int i = 0; i < sk_X509_INFO_num(entries); ++i) {
         const X509_INFO* const entry = sk_X509_INFO_value(entries, i);
-        if ((entry->x509 != nullptr && X509_STORE_add_cert(store, entry->x509) != 1) ||
+        if ((entry->x509 != nullptr &&
+             (!ReadExtensions(entry->x509) || X509_STORE_add_cert(store, entry->x509) != 1)) ||
             (entry->crl != nullptr && X509_STORE_add_crl(store, entry->crl) != 1)) {
             return false;
         }
@@ -215,7 +230,7 @@ std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath) {
         return known;
     }
     std::shared_ptr<const Authorities> authorities = ReadAuthorities(stamp);
-    if (authorities) {
+    if (authorities && authorities->certificates) {
         Remember({stamp, authorities});
     }
     return authorities;
