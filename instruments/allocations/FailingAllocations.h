@@ -17,6 +17,10 @@ public:
     FailingAllocations& operator=(const FailingAllocations&) = delete;
 
     int Failed() const;  // how many have failed
+    int Asked() const;   // how many have been asked for, until the first failed
+
+private:
+    const int m_number;
 };
 
 // Keeps what the calling thread's blocks held when they were freed, of both allocators.

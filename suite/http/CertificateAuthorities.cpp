@@ -127,22 +127,25 @@ std::string PemOf(X509* certificate) {
     return {text, static_cast<std::size_t>(length)};
 }
 
-// OpenSSL reads a certificate's extensions when they are first asked for, and one for which there was no memory then
-// stays invalid for good. Here they are read; false when they are not. What is invalid in a copy too is so by itself.
-bool ReadExtensions(X509* certificate) {
-    if (X509_check_purpose(certificate, -1, 0) == 1) {
+bool IsRead(X509* certificate) {
+    return X509_check_purpose(certificate, -1, 0) == 1 && X509_get0_pubkey(certificate) != nullptr;
+}
+
+// A certificate for whose key or extensions OpenSSL had no memory stays without them, or invalid, for good; and the
+// extensions are not read before they are asked for, as here. What cannot be read in a copy either is so by itself.
+bool ReadWhole(X509* certificate) {
+    if (IsRead(certificate)) {
         return true;
     }
     const std::unique_ptr<X509, CertificateDeleter> copy(X509_dup(certificate));
-    return copy && X509_check_purpose(copy.get(), -1, 0) != 1;
+    return copy && !IsRead(copy.get());
 }
 
 // As libcurl does it: every entry counts, one that cannot be added spoils all.
 bool AddEntries(X509_STORE* store, const STACK_OF(X509_INFO) * entries) {
     for (int i = 0; i < sk_X509_INFO_num(entries); ++i) {
         const X509_INFO* const entry = sk_X509_INFO_value(entries, i);
-        if ((entry->x509 != nullptr &&
-             (!ReadExtensions(entry->x509) || X509_STORE_add_cert(store, entry->x509) != 1)) ||
+        if ((entry->x509 != nullptr && (!ReadWhole(entry->x509) || X509_STORE_add_cert(store, entry->x509) != 1)) ||
             (entry->crl != nullptr && X509_STORE_add_crl(store, entry->crl) != 1)) {
             return false;
         }
