@@ -52,8 +52,8 @@ bool LetLibcurlFail() {
            CURLE_OK;
 }
 
-// libcurl's own, for lack of memory to copy the settings of a TLS session that it keeps, leaves a name there that it has
-// freed, and frees it again with the next session (Curl_ssl_addsessionid of 7.88).
+// libcurl's own, for lack of memory to copy the settings of a TLS session that it keeps, leaves a name there that it
+// has freed, and frees it again with the next session (Curl_ssl_addsessionid of 7.88).
 void SSL_CTX_sess_set_new_cb(SSL_CTX* context, KeepSession keep) {
     static const auto set = reinterpret_cast<void (*)(SSL_CTX*, KeepSession)>(dlsym(RTLD_NEXT, __func__));
     g_keepSession = keep;
@@ -72,8 +72,8 @@ extern "C" BrotliDecoderState* __wrap_BrotliDecoderCreateInstance(brotli_alloc_f
     return __real_BrotliDecoderCreateInstance(DecoderMalloc, DecoderFree, nullptr);
 }
 
-// The distribution's libcurl copies the names of its own certificate bundle here, and swallows lack of memory: the handle
-// then has no buffer, and no request of it ends well. The project's own libcurl has no bundle and allocates nothing.
+// The distribution's libcurl copies the names of its own certificate bundle here, and swallows lack of memory: the
+// handle then has no buffer, and no request of it ends well. The project's own has no bundle and allocates nothing.
 extern "C" void __real_curl_easy_reset(CURL* handle);
 extern "C" void __wrap_curl_easy_reset(CURL* handle) {
     const Uncounted uncounted;
