@@ -68,7 +68,7 @@ void operator delete(void* memory, std::size_t) noexcept {
     Free(memory);
 }
 
-FailingAllocations::FailingAllocations(Allocator allocator, int number, bool lasting) {
+FailingAllocations::FailingAllocations(Allocator allocator, int number, bool lasting) : m_number(number) {
     g_plan = {g_installed == 1, allocator, number, lasting, 0, nullptr};
 }
 FailingAllocations::~FailingAllocations() {
@@ -76,6 +76,9 @@ FailingAllocations::~FailingAllocations() {
 }
 int FailingAllocations::Failed() const {
     return g_plan.failed;
+}
+int FailingAllocations::Asked() const {
+    return m_number - g_plan.number;
 }
 
 Uncounted::Uncounted() : m_before(g_plan.counting) {

@@ -3,8 +3,8 @@
 #include <string>
 
 // Lets allocations of the calling thread fail: those of operator new (the C++ runtime's and the JSON library's too), of
-// OpenSSL, or of libcurl in a program that gives it functions that ask Fails.
-enum class Allocator { kNew, kOpenSsl, kLibcurl };
+// OpenSSL, or, in a program that gives them functions that ask Fails, of libcurl or of the decoders of content codings.
+enum class Allocator { kNew, kOpenSsl, kLibcurl, kDecoders };
 // Whether the allocation that is asked for now is to fail.
 bool Fails(Allocator allocator);
 
@@ -17,6 +17,10 @@ public:
     FailingAllocations& operator=(const FailingAllocations&) = delete;
 
     int Failed() const;  // how many have failed
+    int Asked() const;   // how many have been asked for, until the first failed
+
+private:
+    const int m_number;
 };
 
 // Keeps what the calling thread's blocks held when they were freed, of both allocators.

@@ -2,81 +2,25 @@
 #include <HttpLib.h>
 #include <Logger.h>
 #include <ParamStore.h>
-#include <arpa/inet.h>
-#include <curl/curl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <new>
-#include <thread>
 
 #include "FailingAllocations.h"
+#include "FailingLibraries.h"
+#include "LocalServer.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-void* CurlMalloc(std::size_t size) {
-    return Fails(Allocator::kLibcurl) ? nullptr : std::malloc(size);
+const LocalServer& Server() {
+    static const LocalServer* const server = new LocalServer({});
+    return *server;
 }
-void* CurlRealloc(void* memory, std::size_t size) {
-    return Fails(Allocator::kLibcurl) ? nullptr : std::realloc(memory, size);
-}
-char* CurlStrdup(const char* text) {
-    return Fails(Allocator::kLibcurl) ? nullptr : strdup(text);
-}
-void* CurlCalloc(std::size_t count, std::size_t size) {
-    return Fails(Allocator::kLibcurl) ? nullptr : std::calloc(count, size);
-}
-
-// To "/a", to "/chunks" and to "/moved", which leads to "/a".
-std::string ReplyTo(const std::string& request) {
-    const std::string body(40, 'r');
-    if (request.find(" /moved") != std::string::npos) {
-        return "HTTP/1.1 302 X\r\nLocation: /a\r\nContent-Length: 40\r\n\r\n" + body;
-    }
-    return request.find(" /chunks") == std::string::npos
-               ? "HTTP/1.1 200 OK\r\nContent-Length: 40\r\nX-A: b\r\n\r\n" + body
-               : "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nX-A: b\r\n\r\n28\r\n" + body + "\r\n0\r\n\r\n";
-}
-
-// Answers every request, on kept connections, until the program ends; never stopped.
-int StartServer() {
-    const int listener = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof(address);
-    bind(listener, reinterpret_cast<sockaddr*>(&address), length);
-    listen(listener, 100);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
-    std::thread([listener] {
-        for (;;) {
-            const int peer = accept(listener, nullptr, nullptr);
-            std::thread([peer] {
-                std::string received;
-                char block[4096];
-                for (ssize_t bytes = 0; (bytes = recv(peer, block, sizeof(block), 0)) > 0;) {
-                    received.append(block, static_cast<std::size_t>(bytes));
-                    if (received.find("\r\n\r\n") != std::string::npos) {
-                        const std::string reply = ReplyTo(received);
-                        received.clear();
-                        send(peer, reply.data(), reply.size(), MSG_NOSIGNAL);
-                    }
-                }
-                close(peer);
-            }).detach();
-        }
-    }).detach();
-    return ntohs(address.sin_port);
-}
-
-const int g_port = StartServer();
 
 struct Row {
     const char* name;
@@ -97,14 +41,15 @@ protected:
 
     int Get(bool withHeaders, const wchar_t* path = L"/a") {
         BasicHttpLibStrategy strategy;
-        strategy.SetUrl(L"http://127.0.0.1:" + std::to_wstring(g_port) + path + L"?query=long-enough-for-the-heap");
+        strategy.SetUrl(L"http://127.0.0.1:" + std::to_wstring(Server().port) + path +
+                        L"?query=long-enough-for-the-heap");
         strategy.SetHeaders({{L"a-name", L"a value that is long enough for the heap"}});
         strategy.SetLogFunction([](const std::wstring&) {});
         std::string response;
         std::map<std::string, std::string> headers;
         const int code = withHeaders ? CurlHttpLibContext(&strategy).Request(response, headers)
                                      : CurlHttpLibContext(&strategy).Request(response, 10);
-        const bool whole = response == std::string(40, 'r') && (!withHeaders || headers.size() == 2);
+        const bool whole = response == LocalBody() && (!withHeaders || headers.size() == 2);
         EXPECT_TRUE(whole ? code == 200 : code < 0 && response.empty()) << code << " " << response;
         return code;
     }
@@ -261,8 +206,7 @@ TEST_F(SuiteAllocations, MayFailInEveryCall) {
     };
     Logger::Configure(settings, error);
     // Before the library starts it.
-    ASSERT_EQ(curl_global_init_mem(CURL_GLOBAL_ALL, CurlMalloc, std::free, CurlRealloc, CurlStrdup, CurlCalloc),
-              CURLE_OK);
+    ASSERT_TRUE(LetLibcurlFail());
     for (const Row& row : rows) {
         Try(row);
     }

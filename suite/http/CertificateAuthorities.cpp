@@ -6,7 +6,7 @@
 
 #include <openssl/err.h>
 #include <openssl/pem.h>
-#include <openssl/x509.h>
+#include <openssl/x509v3.h>
 
 #include <algorithm>
 #include <array>
@@ -96,6 +96,10 @@ struct BioDeleter {
 };
 using OwnedBio = std::unique_ptr<BIO, BioDeleter>;
 
+struct CertificateDeleter {
+    void operator()(X509* certificate) const { X509_free(certificate); }
+};
+
 struct EntriesDeleter {
     void operator()(STACK_OF(X509_INFO) * entries) const { sk_X509_INFO_pop_free(entries, X509_INFO_free); }
 };
@@ -123,11 +127,25 @@ std::string PemOf(X509* certificate) {
     return {text, static_cast<std::size_t>(length)};
 }
 
+bool IsRead(X509* certificate) {
+    return X509_check_purpose(certificate, -1, 0) == 1 && X509_get0_pubkey(certificate) != nullptr;
+}
+
+// A certificate for whose key or extensions OpenSSL had no memory stays without them, or invalid, for good; and the
+// extensions are not read before they are asked for, as here. What cannot be read in a copy either is so by itself.
+bool ReadWhole(X509* certificate) {
+    if (IsRead(certificate)) {
+        return true;
+    }
+    const std::unique_ptr<X509, CertificateDeleter> copy(X509_dup(certificate));
+    return copy && !IsRead(copy.get());
+}
+
 // As libcurl does it: every entry counts, one that cannot be added spoils all.
 bool AddEntries(X509_STORE* store, const STACK_OF(X509_INFO) * entries) {
     for (int i = 0; i < sk_X509_INFO_num(entries); ++i) {
         const X509_INFO* const entry = sk_X509_INFO_value(entries, i);
-        if ((entry->x509 != nullptr && X509_STORE_add_cert(store, entry->x509) != 1) ||
+        if ((entry->x509 != nullptr && (!ReadWhole(entry->x509) || X509_STORE_add_cert(store, entry->x509) != 1)) ||
             (entry->crl != nullptr && X509_STORE_add_crl(store, entry->crl) != 1)) {
             return false;
         }
@@ -215,7 +233,7 @@ std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath) {
         return known;
     }
     std::shared_ptr<const Authorities> authorities = ReadAuthorities(stamp);
-    if (authorities) {
+    if (authorities && authorities->certificates) {
         Remember({stamp, authorities});
     }
     return authorities;

@@ -132,7 +132,7 @@ public:
             request = std::get<CheckedRequest>(std::move(next));
         }
         m_outcome.connectionReused = m_connectionsTaken > 0 && m_connectionsMade == 0;
-        return m_outcome;
+        return std::move(m_outcome);  // a copy may want memory when a download has been told of its end
     }
 
 private:
@@ -154,6 +154,7 @@ private:
             curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, kDownloadBufferBytes);
         }
         SetSocketOptions(*m_handle);
+        m_address = AddressOf(request.parts);
         if (isHttps && !SetAuthorities()) {
             return false;
         }
@@ -202,7 +203,7 @@ private:
         if (!m_authorities) {
             return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
         }
-        SetTlsOptions(m_handle->easy, *m_authorities);
+        SetTlsOptions(m_handle->easy, *m_authorities, m_address);
         return true;
     }
 
@@ -227,7 +228,9 @@ private:
     const std::wstring& m_certPath;
     ReplySink& m_sink;
     std::optional<Clock::time_point> m_deadline;
-    std::shared_ptr<const Authorities> m_authorities;  // outlives the handle's options, which point into it
+    // These outlive the handle's options, which point into them.
+    std::shared_ptr<const Authorities> m_authorities;
+    std::string m_address;
     CurlLease m_handle;
     ExchangeOutcome m_outcome;
     long m_connectionsMade = 0;

@@ -18,7 +18,7 @@ struct NamesDeleter {
     void operator()(GENERAL_NAMES* names) const { GENERAL_NAMES_free(names); }
 };
 
-// libcurl falls back to the subject's common name where a certificate names no host. RFC 9525 retired that.
+// Where an address is asked for, which one is judged when the handshake is over: see RefuseOtherAddress.
 bool NamesAHost(const X509* certificate) {
     const std::unique_ptr<GENERAL_NAMES, NamesDeleter> names(
         static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, NID_subject_alt_name, nullptr, nullptr)));
@@ -48,12 +48,20 @@ std::vector<CertificateBytes> SentChain(X509_STORE_CTX* context) {
     return chain;
 }
 
-// The name that the handshake asks for: of the proxy in a handshake with a proxy. An address is never asked for, and
-// is left to libcurl's check.
-std::string ServerName(X509_STORE_CTX* context) {
+// The name that the handshake asks for: of the proxy in a handshake with a proxy. An address is never asked for.
+const char* ServerName(X509_STORE_CTX* context) {
     const void* const tls = X509_STORE_CTX_get_ex_data(context, SSL_get_ex_data_X509_STORE_CTX_idx());
     const char* const name = SSL_get_servername(static_cast<const SSL*>(tls), TLSEXT_NAMETYPE_host_name);
     return name != nullptr ? name : "";
+}
+
+// libcurl checks the name too, but falls back to the subject's common name, which RFC 9525 retired, where a certificate
+// names no host, and where there is no memory to read the names.
+bool NamesTheHost(X509_STORE_CTX* context) {
+    X509* const certificate = X509_STORE_CTX_get0_cert(context);
+    constexpr unsigned kFlags = X509_CHECK_FLAG_NEVER_CHECK_SUBJECT | X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS;
+    const char* const name = ServerName(context);
+    return *name != '\0' ? X509_check_host(certificate, name, 0, kFlags, nullptr) == 1 : NamesAHost(certificate);
 }
 
 int JudgedByPlatform(X509_STORE_CTX* context, X509_STORE*) {
@@ -62,6 +70,26 @@ int JudgedByPlatform(X509_STORE_CTX* context, X509_STORE*) {
         return X509_V_ERR_CERT_NOT_YET_VALID;  // for Windows it is the same as expired
     }
     return PlatformVerdict(SentChain(context), ServerName(context));
+}
+
+struct CertificateDeleter {
+    void operator()(X509* certificate) const { X509_free(certificate); }
+};
+
+// Asked when the connection is there, before a request is sent over it. Who asks for an address is not told by the
+// handshake, and of libcurl's own check the same is true as of a name's.
+int RefuseOtherAddress(void* handle, char*, char*, int, int) {
+    const char* address = nullptr;
+    curl_tlssessioninfo* tls = nullptr;
+    curl_easy_getinfo(static_cast<CURL*>(handle), CURLINFO_PRIVATE, &address);
+    curl_easy_getinfo(static_cast<CURL*>(handle), CURLINFO_TLS_SSL_PTR, &tls);
+    if (address == nullptr || tls == nullptr || tls->internals == nullptr) {
+        return CURL_PREREQFUNC_ABORT;
+    }
+    const std::unique_ptr<X509, CertificateDeleter> certificate(
+        SSL_get_peer_certificate(static_cast<const SSL*>(tls->internals)));
+    return certificate && X509_check_ip_asc(certificate.get(), address, 0) == 1 ? CURL_PREREQFUNC_OK
+                                                                                : CURL_PREREQFUNC_ABORT;
 }
 
 struct VerificationDeleter {
@@ -93,7 +121,7 @@ int Verify(X509_STORE_CTX* context, void* authorities) noexcept {
         error = Judge(context, static_cast<X509_STORE*>(authorities));
     } catch (const std::exception&) {
     }
-    if (error == X509_V_OK && !NamesAHost(X509_STORE_CTX_get0_cert(context))) {
+    if (error == X509_V_OK && !NamesTheHost(context)) {
         error = X509_V_ERR_HOSTNAME_MISMATCH;
     }
     X509_STORE_CTX_set_error(context, error);
@@ -140,13 +168,18 @@ CURLcode PrepareConnection(CURL*, void* context, void* authorities) noexcept {
 // libcurl compares the authorities before it takes up a kept connection or TLS session, having none among them, so one
 // made under other authorities or under Windows' verdict is never used here. It does not compare the functions: they
 // follow from the authorities alone, and judge a proxy's certificate too, so the proxy's authorities are the same.
-void SetTlsOptions(CURL* handle, const Authorities& authorities) {
+void SetTlsOptions(CURL* handle, const Authorities& authorities, const std::string& address) {
     SetCurlOption(handle, CURLOPT_SSL_VERIFYPEER, 1L);
     SetCurlOption(handle, CURLOPT_SSL_VERIFYHOST, 2L);
     SetCurlOption(handle, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     SetCurlOption(handle, CURLOPT_PROXY_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     SetCurlOption(handle, CURLOPT_CAINFO, static_cast<const char*>(nullptr));
     SetCurlOption(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+    if (!address.empty()) {
+        SetCurlOption(handle, CURLOPT_PRIVATE, address.c_str());
+        SetCurlOption(handle, CURLOPT_PREREQDATA, handle);
+        SetCurlOption(handle, CURLOPT_PREREQFUNCTION, &RefuseOtherAddress);
+    }
     if (authorities.pem.empty()) {
         SetCurlOption(handle, CURLOPT_SSL_CTX_FUNCTION, &PrepareConnection<JudgedByPlatform>);
         return;

@@ -33,6 +33,8 @@ Meaning MeaningOf(CURLcode result, long verifyResult) {
             return verifyResult <= kChainNotJudged || verifyResult == kNameMismatch
                        ? Meaning{kHttpCertificateWrongName, "certificate is for another host"}
                        : Meaning{kHttpCertificateUntrusted, "certificate is not trusted"};
+        case CURLE_ABORTED_BY_CALLBACK:  // the one that looks at the address, see TlsTrust.cpp
+            return {kHttpCertificateWrongName, "certificate is for another host"};
         case CURLE_SSL_CACERT_BADFILE:
             return {kHttpCertificateFileInvalid, "the certificate file holds a damaged certificate"};
         case CURLE_SSL_CONNECT_ERROR:

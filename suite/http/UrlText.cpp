@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 namespace suite {
 
@@ -17,11 +18,28 @@ struct CurlTextDeleter {
 };
 using UrlHandle = std::unique_ptr<CURLU, UrlDeleter>;
 
+// A part must never be missing for want of memory: without its scheme an https URL would pass for one that asks for no
+// certificate.
+bool Succeeded(CURLUcode result) {
+    if (result == CURLUE_OUT_OF_MEMORY) {
+        throw std::bad_alloc();
+    }
+    return result == CURLUE_OK;
+}
+
+UrlHandle NewUrl() {
+    UrlHandle url(curl_url());
+    if (!url) {
+        throw std::bad_alloc();
+    }
+    return url;
+}
+
 std::string PartOf(CURLU* url, CURLUPart part, unsigned int flags = 0) {
     char* text = nullptr;
     const CURLUcode result = curl_url_get(url, part, &text, flags);
     const std::unique_ptr<char, CurlTextDeleter> owner(text);
-    return result == CURLUE_OK && text != nullptr ? std::string(text) : std::string();
+    return Succeeded(result) && text != nullptr ? std::string(text) : std::string();
 }
 
 std::string LowerCase(std::string text) {
@@ -61,8 +79,8 @@ std::optional<std::string> EscapeUrl(const std::string& utf8) {
 }
 
 std::optional<UrlParts> ParseUrl(const std::string& url) {
-    const UrlHandle handle(curl_url());
-    if (!HasWebScheme(url) || !handle || curl_url_set(handle.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) {
+    const UrlHandle handle = NewUrl();
+    if (!HasWebScheme(url) || !Succeeded(curl_url_set(handle.get(), CURLUPART_URL, url.c_str(), 0))) {
         return std::nullopt;
     }
     UrlParts parts;
@@ -88,9 +106,9 @@ GivenUrl ReadUrl(const std::string& utf8) {
 
 std::optional<std::string> ResolveReference(const std::string& base, const std::string& reference) {
     const std::optional<std::string> escaped = EscapeUrl(reference);
-    const UrlHandle handle(curl_url());
-    if (!escaped || !handle || curl_url_set(handle.get(), CURLUPART_URL, base.c_str(), 0) != CURLUE_OK ||
-        curl_url_set(handle.get(), CURLUPART_URL, escaped->c_str(), CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK) {
+    const UrlHandle handle = NewUrl();
+    if (!escaped || !Succeeded(curl_url_set(handle.get(), CURLUPART_URL, base.c_str(), 0)) ||
+        !Succeeded(curl_url_set(handle.get(), CURLUPART_URL, escaped->c_str(), CURLU_NON_SUPPORT_SCHEME))) {
         return std::nullopt;
     }
     return PartOf(handle.get(), CURLUPART_URL);
@@ -106,8 +124,14 @@ bool SameParty(const UrlParts& from, const UrlParts& to) {
 }
 
 bool IsLoopback(const UrlParts& url) {
-    return url.host == "localhost" || url.host == "[::1]" ||
-           (url.host.rfind("127.", 0) == 0 && url.host.find_first_not_of("0123456789.") == std::string::npos);
+    return url.host == "localhost" || url.host == "[::1]" || AddressOf(url).rfind("127.", 0) == 0;
+}
+
+std::string AddressOf(const UrlParts& url) {
+    if (!url.host.empty() && url.host.front() == '[') {
+        return url.host.substr(1, url.host.size() - 2);
+    }
+    return url.host.find_first_not_of("0123456789.") == std::string::npos ? url.host : std::string();
 }
 
 }  // namespace suite

@@ -14,6 +14,8 @@ struct UrlParts {
     std::string display;    // the URL without user information, query and fragment: fit for logs
 };
 
+// All of these throw std::bad_alloc when there is no memory: what cannot be read is never taken for something else.
+
 // Escapes blanks, control characters and bytes outside ASCII as %XX; everything else, escapes included, stays as it is.
 // Nothing when the text holds CR, LF or NUL.
 std::optional<std::string> EscapeUrl(const std::string& utf8);
@@ -37,5 +39,8 @@ std::optional<std::string> ResolveReference(const std::string& base, const std::
 bool SameParty(const UrlParts& from, const UrlParts& to);
 
 bool IsLoopback(const UrlParts& url);
+
+// The host when it is an IP address, without brackets; empty when it is a name.
+std::string AddressOf(const UrlParts& url);
 
 }  // namespace suite

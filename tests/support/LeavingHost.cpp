@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <string>
 #include <thread>
@@ -16,6 +17,7 @@
 //   return, exit-process, exit-on-thread   ends the process, with exit code 42
 //   unload   unloads the service, round after round: 42 when it goes away by itself, after what ran in it
 //   reload   loads, uses and unloads it with nothing left running: 42, and the levels before and after on its output
+//   access-violation, terminate   crashes within a call of the service, with the token backwards for a refresh token
 //
 // leaving-host.exe noise makes Wine complain on its error output: the control of who listens there.
 
@@ -36,6 +38,8 @@ struct Library {
         Find(module, "_ZN15UserAuthService11GetInstanceEv", getInstance);
         Find(module, "_ZN15UserAuthService12SetCurrentATERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE",
              setToken);
+        Find(module, "_ZN15UserAuthService12SetCurrentRTERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE",
+             setRefreshToken);
         Find(module, "_ZN15UserAuthService15RequestUserInfoEv", requestUserInfo);
         Find(module, "_ZN15UserAuthService27RequestUserIdFromSyncServerEv", requestUserId);
     }
@@ -54,6 +58,7 @@ struct Library {
     HMODULE module;
     UserAuthService* (*getInstance)() = nullptr;
     void (*setToken)(UserAuthService*, const std::wstring&) = nullptr;
+    void (*setRefreshToken)(UserAuthService*, const std::wstring&) = nullptr;
     bool (*requestUserInfo)(UserAuthService*) = nullptr;
     bool (*requestUserId)(UserAuthService*) = nullptr;
 };
@@ -119,6 +124,32 @@ int Reload(int rounds, const std::wstring& accessToken) {
     return kLeft;
 }
 
+DWORD WINAPI WriteNowhere(void* nowhere) {
+    *static_cast<volatile int*>(nowhere) = 1;
+    return 0;
+}
+
+// While a request holds the tokens, when its reply is there. Without box and debugger, which would wait for a person.
+int Crash(bool byAccess, const std::wstring& accessToken) {
+    SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { return EXCEPTION_EXECUTE_HANDLER; });
+    CurlHttpLibContext::SetExchangeObserver([byAccess](const HttpExchange&) {
+        Logger::Output(1, kSeverityFailure, __LINE__, "LeavingHost", L"the last line", true);
+        Logger::Flush(1000);
+        std::puts("crashing");
+        std::fflush(stdout);
+        if (byAccess) {
+            // On the system's own kind of thread: this compiler's runtime takes such a fault for an exception.
+            WaitForSingleObject(CreateThread(nullptr, 0, &WriteNowhere, nullptr, 0, nullptr), INFINITE);
+        }
+        std::terminate();
+    });
+    const Library library;
+    library.setRefreshToken(library.getInstance(), {accessToken.rbegin(), accessToken.rend()});
+    library.setToken(library.getInstance(), accessToken);
+    library.requestUserId(library.getInstance());
+    return Fail("still alive");
+}
+
 int MakeNoise() {
     CRITICAL_SECTION section;
     InitializeCriticalSection(&section);
@@ -153,6 +184,9 @@ int wmain(int count, wchar_t** arguments) {
     CurlHttpLibContext::SetDefaultCertPath(arguments[5]);
     const std::wstring way = arguments[1];
     const int rounds = std::stoi(arguments[2]);
+    if (way == L"access-violation" || way == L"terminate") {
+        return Crash(way == L"access-violation", arguments[4]);
+    }
     if (way == L"reload") {
         return Reload(rounds, arguments[4]);
     }

@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "SandboxSession.h"
+#include "SecretForms.h"
+#include "TextFile.h"
 
 namespace {
 
@@ -116,4 +118,24 @@ TEST_F(Exits, LoadingAndUnloadingLeavesNothingBehind) {
     EXPECT_LE(handles[1], handles[0] + 2);
     EXPECT_LE(threads[1], threads[0]);
     EXPECT_LE(kilobytes[1], kilobytes[0] + 1024);
+}
+
+TEST_F(Exits, ACrashTellsNoSecret) {
+    const std::string accessToken = Narrow(m_service->GetCurrentAT());
+    const std::string refreshToken(accessToken.rbegin(), accessToken.rend());
+    const std::pair<const wchar_t*, int> ways[] = {{L"access-violation", static_cast<int>(EXCEPTION_ACCESS_VIOLATION)},
+                                                   {L"terminate", 3}};
+    for (const auto& [way, crashed] : ways) {
+        SCOPED_TRACE(Narrow(way));
+        const auto host = Start(way);
+        EXPECT_EQ(host->Finish(), crashed) << host->m_error;
+        const std::string log = ReadFile(m_folder / (way + std::to_wstring(m_started) + L".log"));
+        EXPECT_EQ(host->m_output, "crashing\n") << "control";
+        EXPECT_NE(log.find("the last line"), std::string::npos) << "control";
+        for (const std::string& secret : {accessToken, refreshToken}) {
+            for (const auto& [form, text] : FormsOf(secret)) {
+                EXPECT_EQ((host->m_output + host->m_error + log).find(text), std::string::npos) << form;
+            }
+        }
+    }
 }
