@@ -62,7 +62,7 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
     const std::string end = "\r\nContent-Length: 2\r\n\r\nok";
     const std::string chunks = "HTTP/1.1 200 OK\r\n" + chunked;
     const std::size_t repeats = (kLimit - 1) / 258;
-    const std::string longText(1 + 258 * repeats, 'A');
+    const std::string longText(1 + 258 * repeats, 'x');
     constexpr int kBroken = kHttpConnectionBroken;
     const Row rows[] = {
         {"control step: whole", 200, OkReply()},
