@@ -186,6 +186,37 @@ TEST(HttpRedirect, FiveAndNoMore) {
     }
 }
 
+TEST(HttpRedirect, WhatWasReadOfItIsForgotten) {
+    const std::string moved = "HTTP/1.1 302 Found\r\nLocation: /next\r\n";
+    const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
+    const RawReply inChunks = {"HTTP/1.1 200 OK\r\n" + chunked + "2\r\nok\r\n0\r\n\r\n"};
+    const RawReply cutLength = {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nok", Then::kClose};
+    const RawReply cutChunks = {"HTTP/1.1 200 OK\r\n" + chunked + "2\r\nok\r\n", Then::kClose};
+    const struct {
+        const char* name;
+        std::string body;  // of the redirect, with what frames it
+        RawReply reply;
+        int code;
+    } rows[] = {
+        {"chunks, then chunks", chunked + "5\r\nmoved\r\n0\r\n\r\n", inChunks, 200},
+        {"chunks that go wrong, then chunks", chunked + "x", inChunks, 200},
+        {"a coding, then none", "Content-Encoding: gzip\r\nContent-Length: 1\r\n\r\nx", OkReply(), 200},
+        {"a long body, then one that is cut", "Content-Length: 99999\r\n\r\nx", cutLength, kHttpConnectionBroken},
+        {"a body without an end, then chunks that are cut", "\r\nx", cutChunks, kHttpConnectionBroken},
+        {"chunks, then chunks that are cut", chunked + "0\r\n\r\n", cutChunks, kHttpConnectionBroken},
+        {"bytes behind the chunks, then one that is cut", chunked + "0\r\n\r\nx", cutLength, kHttpConnectionBroken},
+    };
+    for (const auto& row : rows) {
+        for (const RequestForm form : kRequestForms) {
+            SCOPED_TRACE(row.name);
+            RawServer server({{moved + row.body}, row.reply});
+            HttpCall call(server.Url());
+            EXPECT_EQ(call.SendAs(form), row.code);
+            EXPECT_TRUE(row.code < 0 || call.BodyOf(form) == "ok") << call.BodyOf(form);
+        }
+    }
+}
+
 TEST(HttpRedirect, AFailureBehindItNamesItsTarget) {
     std::wstring nobody;
     {

@@ -118,9 +118,7 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
         {"CR alone behind a chunk", kBroken, {chunks + "2\r\nok\r0\r\n\r\n"}},
         {"LF alone behind the last chunk", kBroken, {chunks + "2\r\nok\r\n0\r\n\n"}},
         {"CR alone behind the last chunk", kBroken, {chunks + "2\r\nok\r\n0\r\n\rx"}},
-        {"trailers of more than 256 KiB",
-         kHttpReplyTooLarge,
-         {chunks + "2\r\nok\r\n0\r\nA: " + std::string(256 * 1024, 'x')}},
+        {"trailers without end", kHttpReplyTooLarge, {chunks + "2\r\nok\r\n0\r\n", Then::kRepeat, "A: b\r\n"}},
         {"an error page under an unknown encoding",
          kHttpBadEncoding,
          {RawReplyBytes("404 Not Found", "Content-Encoding: x\r\n", "text")}},
@@ -135,7 +133,7 @@ TEST(HttpReply, FailuresHaveTheirOwnCode) {
         SCOPED_TRACE(row.name);
         RawServer server({row.reply});
         HttpCall call(server.Url(L"/path?access_token=secret"), {{L"Cookie", L"secret"}});
-        EXPECT_EQ(call.Send(), row.expected);
+        EXPECT_EQ(call.Send(), row.expected) << (call.errors.empty() ? "" : Narrow(call.errors[0]));
         ASSERT_EQ(call.errors.size(), row.expected < 0 ? 1u : 0u);
         if (row.expected < 0) {
             EXPECT_EQ(call.response, "");
