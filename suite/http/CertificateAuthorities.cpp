@@ -154,8 +154,8 @@ int ReadCount(const STACK_OF(X509_INFO) * entries, std::string& firstPem) {
 }
 
 // Reading 150 certificates takes OpenSSL longer than all the rest of a handshake, and they take a megabyte.
-// Null: one of them was passed over. OpenSSL reads those that begin with their line, and none that is indented or stands
-// behind a text.
+// Null: one of them was passed over. OpenSSL reads those that begin with their line, and none that is indented or
+// stands behind a text.
 std::shared_ptr<const Authorities> Prepared(std::string content) {
     const OwnedBio source(BIO_new_mem_buf(content.data(), static_cast<int>(content.size())));
     const Entries entries(source ? PEM_X509_INFO_read_bio(source.get(), nullptr, nullptr, nullptr) : nullptr);

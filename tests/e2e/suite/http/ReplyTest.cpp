@@ -27,11 +27,12 @@ std::string LittleEndian(std::uint32_t number) {
 // A deflate body of one stored block, and an empty one. first: 0 in its three lowest bits, the rest means nothing.
 std::string Stored(char first, const std::string& text) {
     const char size = static_cast<char>(text.size());
-    return std::string{first, size, '\0', static_cast<char>(~size), '\xFF'} + text + std::string("\x01\0\0\xFF\xFF", 5);
+    const std::string last("\x01\0\0\xFF\xFF", 5);
+    return std::string{first, size, '\0', static_cast<char>(~size), '\xFF'} + text + last;
 }
 
-// Text of 1 + 258 * repeats bytes as gzip that lacks only its check sum and size: one block of fixed codes (RFC 1951, 3.2.6), a
-// literal and then matches of 258 bytes at distance 1.
+// Text of 1 + 258 * repeats bytes as gzip that lacks only its check sum and size: one block of fixed codes (RFC 1951,
+// 3.2.6), a literal and then matches of 258 bytes at distance 1.
 std::string RepeatedAsGzip(std::size_t repeats) {
     std::string bits = "11010101000";
     for (std::size_t i = 0; i < repeats; ++i) {

@@ -135,6 +135,9 @@ TEST_F(LoggerTest, FullFilesMoveOnAndTheOldestGoes) {
 
 TEST_F(LoggerTest, FullFileThatCannotBeMovedGrows) {
     Configure(false, 1, 1);
+    Write(L"the first");
+    Logger::Flush(10000);
+    EXPECT_FALSE(fs::exists(m_folder / L"client.1.log")) << "an empty file does not move";
     fs::create_directories(m_folder / L"client.1.log" / L"in the way");
     for (int i = 0; i < 10; ++i) {
         Write(L"line");
