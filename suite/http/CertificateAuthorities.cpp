@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -86,9 +87,15 @@ KnownAuthorities& Shared() {
     return *instance;
 }
 
-bool HoldsCertificate(const std::string& pem) {
-    return pem.find("-----BEGIN CERTIFICATE-----") != std::string::npos ||
-           pem.find("-----BEGIN TRUSTED CERTIFICATE-----") != std::string::npos;
+// How often a certificate begins in the text, wherever on its line.
+int CertificateCount(const std::string& pem) {
+    int count = 0;
+    for (const std::string_view begin : {"-----BEGIN CERTIFICATE-----", "-----BEGIN TRUSTED CERTIFICATE-----"}) {
+        for (std::size_t at = pem.find(begin); at != std::string::npos; at = pem.find(begin, at + begin.size())) {
+            ++count;
+        }
+    }
+    return count;
 }
 
 struct BioDeleter {
@@ -153,24 +160,35 @@ bool AddEntries(X509_STORE* store, const STACK_OF(X509_INFO) * entries) {
     return true;
 }
 
+// The certificates that OpenSSL has read, in number; the first of them as text.
+int ReadCount(const STACK_OF(X509_INFO) * entries, std::string& firstPem) {
+    int count = 0;
+    for (int i = 0; i < sk_X509_INFO_num(entries); ++i) {
+        X509* const certificate = sk_X509_INFO_value(entries, i)->x509;
+        count += certificate != nullptr ? 1 : 0;
+        firstPem = certificate != nullptr && firstPem.empty() ? PemOf(certificate) : firstPem;
+    }
+    return count;
+}
+
 // Reading 150 certificates takes OpenSSL longer than all the rest of a handshake, and they take a megabyte.
-Authorities Prepared(std::string content) {
+// Null: one of them was passed over. OpenSSL reads those that begin with their line, and none that is indented or
+// stands behind a text.
+std::shared_ptr<const Authorities> Prepared(std::string content) {
     const OwnedBio source(BIO_new_mem_buf(content.data(), static_cast<int>(content.size())));
     const Entries entries(source ? PEM_X509_INFO_read_bio(source.get(), nullptr, nullptr, nullptr) : nullptr);
     std::shared_ptr<X509_STORE> store(X509_STORE_new(), X509_STORE_free);
     ERR_clear_error();  // of a damaged file
     const std::string digest = DigestLine(content);
+    std::string first;
     if (!entries || !store || digest.empty() || !AddEntries(store.get(), entries.get())) {
-        return {std::move(content), nullptr};
+        return std::make_shared<const Authorities>(Authorities{std::move(content), nullptr});
     }
-    for (int i = 0; i < sk_X509_INFO_num(entries.get()); ++i) {
-        X509* const certificate = sk_X509_INFO_value(entries.get(), i)->x509;
-        const std::string pem = certificate != nullptr ? PemOf(certificate) : std::string();
-        if (!pem.empty()) {
-            return {digest + pem, std::move(store)};
-        }
+    if (ReadCount(entries.get(), first) < CertificateCount(content)) {
+        return nullptr;
     }
-    return {std::move(content), nullptr};
+    return std::make_shared<const Authorities>(first.empty() ? Authorities{std::move(content), nullptr}
+                                                             : Authorities{digest + first, std::move(store)});
 }
 
 // Read here and not by libcurl, which opens paths in the ANSI code page.
@@ -181,8 +199,7 @@ std::shared_ptr<const Authorities> ReadAuthorities(const FileStamp& stamp) {
     std::ifstream file(fs::path(stamp.path), std::ios::binary);
     std::string content(static_cast<std::size_t>(stamp.size), '\0');
     const bool whole = file.is_open() && file.read(content.data(), static_cast<std::streamsize>(content.size()));
-    return whole && HoldsCertificate(content) ? std::make_shared<const Authorities>(Prepared(std::move(content)))
-                                              : nullptr;
+    return whole && CertificateCount(content) > 0 ? Prepared(std::move(content)) : nullptr;
 }
 
 std::shared_ptr<const Authorities> Known(const FileStamp& stamp) {

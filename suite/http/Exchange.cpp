@@ -201,7 +201,8 @@ private:
     bool SetAuthorities() {
         m_authorities = AuthoritiesFor(m_certPath);
         if (!m_authorities) {
-            return Fail({kHttpCertificateFileInvalid, "the certificate file cannot be read or holds no certificate"});
+            return Fail({kHttpCertificateFileInvalid,
+                         "the certificate file cannot be read, holds no certificate or one that is not whole"});
         }
         SetTlsOptions(m_handle->easy, *m_authorities, m_address);
         return true;

@@ -1,5 +1,6 @@
 #include "TlsTrust.h"
 
+#include <openssl/err.h>
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
 
@@ -113,10 +114,13 @@ int JudgedByAuthorities(X509_STORE_CTX* context, X509_STORE* authorities) {
 }
 
 // OpenSSL calls these instead of its own verification. The error becomes CURLINFO_SSL_VERIFYRESULT and libcurl's text.
-// No exception may pass through OpenSSL.
+// What else the verification leaves on the thread's queue of errors, such as a signature that does not fit, goes: by
+// the first one there libcurl tells a certificate that is refused from a handshake that breaks. No exception may pass
+// through OpenSSL.
 template <int (*Judge)(X509_STORE_CTX*, X509_STORE*)>
 int Verify(X509_STORE_CTX* context, void* authorities) noexcept {
     int error = X509_V_ERR_OUT_OF_MEM;
+    ERR_set_mark();
     try {
         error = Judge(context, static_cast<X509_STORE*>(authorities));
     } catch (const std::exception&) {
@@ -124,6 +128,7 @@ int Verify(X509_STORE_CTX* context, void* authorities) noexcept {
     if (error == X509_V_OK && !NamesTheHost(context)) {
         error = X509_V_ERR_HOSTNAME_MISMATCH;
     }
+    ERR_pop_to_mark();
     X509_STORE_CTX_set_error(context, error);
     return error == X509_V_OK ? 1 : 0;
 }

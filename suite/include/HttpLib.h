@@ -95,7 +95,8 @@ public:
     void SetPostData(const std::wstring& body);
 
     /// PEM file, 8 MB at most, of the only certificate authorities to trust for this request; empty takes the default
-    /// (SetDefaultCertPath).
+    /// (SetDefaultCertPath). Each certificate in it is trusted as it stands, an intermediate authority or a server's
+    /// own too; revocation lists in it do not count. What is written to the file counts from the next request on.
     /// @param path  of the file
     void SetCertPath(const std::wstring& path);
 

@@ -17,9 +17,10 @@ protected:
         Logger::Shutdown();
         std::filesystem::remove_all(m_folder);
     }
-    void Configure(bool console = false, std::size_t maxFileBytes = 0) {
+    void Configure(bool console = false, std::size_t maxFileBytes = 0, std::size_t maxFiles = 0) {
         LoggerSettings settings;
         settings.maxFileBytes = maxFileBytes;
+        settings.maxFiles = maxFiles;
         settings.console = console;
         settings.consoleSeverity = kSeveritySummary;
         settings.file = (m_folder / L"client.log").wstring();

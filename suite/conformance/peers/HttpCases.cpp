@@ -85,6 +85,7 @@ std::vector<RefusedCase> RefusedCases() {
     return {
         {"control step: nothing wrong", L"a", L"b\tc", L"/", 200},
         {"other control characters", L"a", L"b\x01\x7Fz", L"/x\x01y", 200},
+        {"every mark that a name may have", L"!#$%&'*+-.^_`|~09azAZ", L"b", L"/", 200},
         {"one name in two cases", L"x-twice", L"b", L"/"},
         {"CR in a value", L"a", L"b\rc", L"/"},
         {"LF in a value", L"a", L"b\nInjected: 1", L"/"},
@@ -93,7 +94,12 @@ std::vector<RefusedCase> RefusedCases() {
         {"NUL in a name", L"a\0"s, L"d", L"/"},
         {"colon in a name", L"a:", L"d", L"/"},
         {"blank in a name", L"a b", L"d", L"/"},
+        {"slash in a name", L"a/", L"d", L"/"},
+        {"brackets in a name", L"a[]", L"d", L"/"},
+        {"name outside ASCII", L"\u00E9", L"d", L"/"},
         {"empty name", L"", L"d", L"/"},
+        {"CR in the URL", L"a", L"b", L"/x\ry"},
+        {"LF in the URL", L"a", L"b", L"/x\ny"},
         {"CR LF in the URL", L"a", L"b", L"/x HTTP/1.1\r\nInjected: 1\r\n"},
         {"NUL in the URL", L"a", L"b", L"/x\0y"s},
     };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
 #include <memory>
@@ -14,6 +15,16 @@ inline TestKey NewEcKey() {
 }
 inline TestKey NewRsaKey() {
     return {EVP_RSA_gen(2048), &EVP_PKEY_free};
+}
+
+// What one of OpenSSL's PEM_write_bio functions writes.
+template <typename Write>
+std::string PemText(Write write) {
+    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), &BIO_free);
+    write(memory.get());
+    std::string text(BIO_ctrl_pending(memory.get()), '\0');
+    BIO_read(memory.get(), text.data(), static_cast<int>(text.size()));
+    return text;
 }
 
 // A certificate and its key, signed by the authority or, without one, by itself.
@@ -49,6 +60,10 @@ struct TestIdentity {
         unsigned char* end = bytes.data();
         i2d_X509(certificate.get(), &end);
         return bytes;
+    }
+
+    std::string Pem() const {
+        return PemText([this](BIO* text) { PEM_write_bio_X509(text, certificate.get()); });
     }
 
     // Wine takes an ECDSA signature for wrong when one of its numbers has fewer bytes than the curve: one in 128 has.

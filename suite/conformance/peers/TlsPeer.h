@@ -1,6 +1,9 @@
 #pragma once
 
 #include <httplib.h>
+#if !defined(_WIN32)
+#undef DELETE  // of the resolver's headers; the platform has a constant of that name
+#endif
 
 #include <thread>
 

@@ -1,8 +1,6 @@
 // Before windows.h, which brings an older sockets header.
 #include "TlsPeer.h"
 
-#include <openssl/pem.h>
-
 #include "Examination.h"
 #include "Folder.h"
 #include "HttpCall.h"
@@ -19,22 +17,14 @@ TestIdentity::Extensions ForName(const std::string& name) {
         {NID_basic_constraints, "critical,CA:FALSE"}, {NID_ext_key_usage, "serverAuth"}, {NID_subject_alt_name, name}};
 }
 
-void WritePem(const std::filesystem::path& file, const TestIdentity& identity) {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), &BIO_free);
-    PEM_write_bio_X509(memory.get(), identity.certificate.get());
-    std::string text(BIO_ctrl_pending(memory.get()), '\0');
-    BIO_read(memory.get(), text.data(), static_cast<int>(text.size()));
-    WriteText(file, text);
-}
-
 // What the library said of the last request.
 std::wstring g_said;
 
 // An authority in a file, and what is asked of servers that it signed.
 struct Trust {
     Trust() {
-        WritePem(Authority(), authority);
-        WritePem(folder / L"other.pem", other);
+        WriteText(Authority(), authority.Pem());
+        WriteText(folder / L"other.pem", other.Pem());
     }
     std::filesystem::path Authority() const { return folder / L"authority.pem"; }
     static int Ask(const TlsPeer& peer, const std::filesystem::path& certificates, const wchar_t* path = L"/") {

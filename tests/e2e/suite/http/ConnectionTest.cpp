@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <limits>
 #include <thread>
 
 #include "HttpCall.h"
@@ -71,6 +72,43 @@ TEST(HttpConnection, ObserverSeesTheExchange) {
     EXPECT_TRUE(seen[1].connectionReused);
 }
 
+TEST(HttpConnection, AnyTimeLimitIsOne) {
+    RawServer server({OkReply()});
+    for (const int seconds : {std::numeric_limits<int>::max(), 1000001, 1, 0, -1, std::numeric_limits<int>::min()}) {
+        HttpCall call(server.Url());
+        EXPECT_EQ(call.Send(seconds), 200) << seconds;
+    }
+}
+
+TEST(HttpProxy, WhomItIsAskedFor) {
+    RawServer proxy({OkReply("by proxy")});
+    const std::wstring address = L"127.0.0.1:" + std::to_wstring(proxy.Port());
+    const struct {
+        const wchar_t* variable;
+        std::wstring value;
+        const wchar_t* url;
+        int code;  // 200 when the proxy has answered
+    } rows[] = {
+        {L"http_proxy", address, L"http://host.invalid/", 200},
+        {L"all_proxy", address, L"http://host.invalid/", 200},
+        {L"all_proxy", address, L"http://127.host.invalid/", 200},
+        {L"all_proxy", address, L"http://localhost.host.invalid/", 200},
+        {L"https_proxy", address, L"http://host.invalid/", kHttpNameNotResolved},
+        {L"http_proxy", L"", L"http://host.invalid/", kHttpNameNotResolved},
+        {L"http_proxy", address, L"http://127.0.0.1:1/", kHttpConnectFailed},
+        {L"all_proxy", address, L"http://LOCALHOST:1/", kHttpConnectFailed},
+        {L"all_proxy", address, L"http://[::1]:1/", kHttpConnectFailed},
+    };
+    for (const auto& row : rows) {
+        SetEnvironmentVariableW(row.variable, row.value.c_str());
+        HttpCall call(row.url);
+        EXPECT_EQ(call.Send(), row.code) << row.variable << L" " << row.value << L" " << row.url;
+        SetEnvironmentVariableW(row.variable, nullptr);
+        EXPECT_EQ(call.response, row.code == 200 ? "by proxy" : "");
+    }
+    EXPECT_EQ(proxy.Requests().size(), 4U);
+}
+
 TEST(HttpProxy, RefusalNamesItWithoutItsPassword) {
     RawServer proxy({{"HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n", Then::kClose}});
     const std::wstring address = L"127.0.0.1:" + std::to_wstring(proxy.Port());
@@ -117,6 +155,9 @@ TEST(HttpRedirect, OnOneHost) {
         {"relative, with blanks", "303 See Other", "n e?a#b", 200, "GET /dir/n%20e?a ", ""},
         {"307 stays POST", "307 Temporary Redirect", "/next", 200, "POST /next ", "body"},
         {"300 is a reply", "300 Multiple Choices", "/next", 300, "POST /dir/x ", "body"},
+        {"301 turns into GET", "301 Moved Permanently", "/next", 200, "GET /next ", ""},
+        {"308 stays POST", "308 Permanent Redirect", "/next", 200, "POST /next ", "body"},
+        {"the first of two targets", "302 Found", "/next\r\nLocation: /other", 200, "GET /next ", ""},
         {"other host by two slashes", "307 Temporary Redirect", "//127.0.0.2/next", kHttpRedirectRefused,
          "POST /dir/x ", "body"},
     };
@@ -145,6 +186,51 @@ TEST(HttpRedirect, FiveAndNoMore) {
     }
 }
 
+TEST(HttpRedirect, WhatWasReadOfItIsForgotten) {
+    const std::string moved = "HTTP/1.1 302 Found\r\nLocation: /next\r\n";
+    const std::string chunked = "Transfer-Encoding: chunked\r\n\r\n";
+    const RawReply inChunks = {"HTTP/1.1 200 OK\r\n" + chunked + "2\r\nok\r\n0\r\n\r\n"};
+    const RawReply cutLength = {"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nok", Then::kClose};
+    const RawReply cutChunks = {"HTTP/1.1 200 OK\r\n" + chunked + "2\r\nok\r\n", Then::kClose};
+    const struct {
+        const char* name;
+        std::string body;  // of the redirect, with what frames it
+        RawReply reply;
+        int code;
+    } rows[] = {
+        {"chunks, then chunks", chunked + "5\r\nmoved\r\n0\r\n\r\n", inChunks, 200},
+        {"chunks that go wrong, then chunks", chunked + "x", inChunks, 200},
+        {"a coding, then none", "Content-Encoding: gzip\r\nContent-Length: 1\r\n\r\nx", OkReply(), 200},
+        {"a long body, then one that is cut", "Content-Length: 99999\r\n\r\nx", cutLength, kHttpConnectionBroken},
+        {"a body without an end, then chunks that are cut", "\r\nx", cutChunks, kHttpConnectionBroken},
+        {"chunks, then chunks that are cut", chunked + "0\r\n\r\n", cutChunks, kHttpConnectionBroken},
+        {"bytes behind the chunks, then one that is cut", chunked + "0\r\n\r\nx", cutLength, kHttpConnectionBroken},
+    };
+    for (const auto& row : rows) {
+        for (const RequestForm form : kRequestForms) {
+            SCOPED_TRACE(row.name);
+            RawServer server({{moved + row.body}, row.reply});
+            HttpCall call(server.Url());
+            EXPECT_EQ(call.SendAs(form), row.code);
+            EXPECT_TRUE(row.code < 0 || call.BodyOf(form) == "ok") << call.BodyOf(form);
+        }
+    }
+}
+
+TEST(HttpRedirect, AFailureBehindItNamesItsTarget) {
+    std::wstring nobody;
+    {
+        const RawServer gone({OkReply()});
+        nobody = gone.Url();
+    }
+    RawServer server({RedirectTo("302 Found", Narrow(nobody))});
+    HttpCall call(server.Url());
+    EXPECT_EQ(call.Send(), kHttpConnectFailed);
+    ASSERT_EQ(call.errors.size(), 1U);
+    EXPECT_NE(call.errors[0].find(L"GET " + nobody.substr(7, nobody.size() - 8) + L" failed: "), std::wstring::npos)
+        << call.errors[0];
+}
+
 TEST(HttpRedirect, SecretsStayWithTheirHost) {
     RawServer other({OkReply()});
     RawServer server({RedirectTo("302 Found", Narrow(other.Url(L"/there")))});
@@ -153,12 +239,20 @@ TEST(HttpRedirect, SecretsStayWithTheirHost) {
                                  {L"userId", L"secret"},
                                  {L"refreshToken", L"secret"},
                                  {L"Host", L"secret"},
-                                 {L"Accept-Language", L"zh-CN"}});
+                                 {L"Accept", L"a/b"},
+                                 {L"Accept-Encoding", L"br"},
+                                 {L"Accept-Language", L"zh-CN"},
+                                 {L"Cache-Control", L"no-store"},
+                                 {L"Content-Type", L"c/d"},
+                                 {L"User-Agent", L"client"}});
     EXPECT_EQ(call.SendAs(RequestForm::kDownload), 200);
     EXPECT_EQ(call.received, "ok.");
     const std::string arrived = other.Requests().at(0);
     EXPECT_EQ(arrived.find("secret"), std::string::npos) << arrived;
-    EXPECT_NE(arrived.find("Accept-Language: zh-CN"), std::string::npos);
+    for (const char* line : {"Accept: a/b", "Accept-Encoding: br", "Accept-Language: zh-CN", "Cache-Control: no-store",
+                             "Content-Type: c/d", "User-Agent: client"}) {
+        EXPECT_NE(arrived.find(line), std::string::npos) << line << "\n" << arrived;
+    }
     EXPECT_NE(server.Requests()[0].find("authorization: secret"), std::string::npos);  // control step
 
     RawServer bodyServer({RedirectTo("307 Temporary Redirect", Narrow(other.Url(L"/there")))});

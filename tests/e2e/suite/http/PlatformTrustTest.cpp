@@ -34,14 +34,6 @@ std::shared_ptr<const CERT_CONTEXT> StoreAsRoot(const std::vector<unsigned char>
     return stored != nullptr ? std::shared_ptr<const CERT_CONTEXT>(stored, remove) : nullptr;
 }
 
-std::string Pem(const TestIdentity& identity) {
-    const std::vector<unsigned char> der = identity.Der();
-    char pem[4096];
-    DWORD size = sizeof pem;
-    CryptBinaryToStringA(der.data(), static_cast<DWORD>(der.size()), CRYPT_STRING_BASE64HEADER, pem, &size);
-    return pem;
-}
-
 std::wstring Request(const TlsPeer& peer, const std::wstring& host, const std::wstring& file) {
     return L"https://" + host + L":" + std::to_wstring(peer.port) + L"/ " + file + L" ";
 }
@@ -65,7 +57,7 @@ class HttpTrust : public testing::Test {
 protected:
     HttpTrust() {
         fs::create_directories(m_folder);
-        WriteFile(m_file, Pem(m_filed));
+        WriteFile(m_file, m_filed.Pem());
     }
     ~HttpTrust() override { fs::remove_all(m_folder); }
 
@@ -116,7 +108,7 @@ TEST_F(HttpTrust, WindowsAndAnAuthorityFileJudgeAlike) {
     const TestIdentity storedRsa("Stored RSA " + std::to_string(GetTickCount64()), m_ofAuthority, nullptr, -60, 3600,
                                  NewRsaKey());
     const TestIdentity filedRsa("Filed RSA Authority", m_ofAuthority, nullptr, -60, 3600, NewRsaKey());
-    WriteFile(m_file, Pem(m_filed) + Pem(filedRsa));
+    WriteFile(m_file, m_filed.Pem() + filedRsa.Pem());
     const auto root = StoreAsRoot(m_stored.Der());
     const auto rsaRoot = StoreAsRoot(storedRsa.Der());
     if (!root || !rsaRoot) {
@@ -174,7 +166,7 @@ TEST_F(HttpTrust, AConnectionIsKeptForItsOwnAuthorities) {
 
 TEST_F(HttpTrust, AnHttpsProxyIsJudgedByTheRequestsOwnAuthorities) {
     TlsPeer proxy(TestIdentity("x", {{NID_subject_alt_name, "IP:127.0.0.1"}}, &m_filed));
-    WriteFile(m_folder / "other.pem", Pem(m_unknown));
+    WriteFile(m_folder / "other.pem", m_unknown.Pem());
     const std::wstring url = L"https://origin.example/ ";
     const std::wstring right = url + m_file.wstring() + L" ";
     SetEnvironmentVariableW(L"https_proxy", (L"https://127.0.0.1:" + std::to_wstring(proxy.port)).c_str());

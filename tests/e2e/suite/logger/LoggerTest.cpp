@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 
 TEST_F(LoggerTest, LineHasTimeModuleSeverityAndPlaceAndCannotBeForged) {
     Write(L"one\r\n2026-01-01 forged\rtwo\x1B[31m \u2028 \u0085");
+    Write(L"bounds: \t\x1F \x20\x7E\x7F\u0080\u009F\u00A0 \u2027\u2028\u2029\u202A\n\r\r\n");
     Write(L"caf\u00E9 \U0001F600 " + std::wstring(1, static_cast<wchar_t>(0xD800)), 7);
     Write(L"not for the file", kSeverityFailure, false);
     const std::string text = ReadBack(L"client.log");
@@ -21,6 +22,11 @@ TEST_F(LoggerTest, LineHasTimeModuleSeverityAndPlaceAndCannotBeForged) {
     EXPECT_EQ(text.find(" [module 10] [progress] " + place +
                         "one\n    2026-01-01 forged\n    two\\x1b[31m \\u2028 \\u0085\n"),
               23U)
+        << text;
+    EXPECT_NE(
+        text.find(place + "bounds: \t\\x1f \x20\x7E\\x7f\\u0080\\u009f\xC2\xA0 \xE2\x80\xA7\\u2028\\u2029\xE2\x80\xAA"
+                          "\n    \n    \n    \n"),
+        std::string::npos)
         << text;
     EXPECT_NE(text.find(" [module 10] [7] " + place + "caf\xC3\xA9 \xF0\x9F\x98\x80 \xEF\xBF\xBD\n"), std::string::npos)
         << text;
@@ -88,6 +94,69 @@ TEST_F(LoggerTest, SecondProcessWritesToAFileOfItsOwn) {
     EXPECT_EQ(ChildProcess(L"userauth.exe", arguments).Finish(), 0);
     EXPECT_GT(CountOf("\n", ReadFile(m_folder / L"client.log")), 1U);
     EXPECT_FALSE(fs::exists(m_folder / L"client.log.lock"));
+}
+
+TEST_F(LoggerTest, FullFilesMoveOnAndTheOldestGoes) {
+    const auto linesIn = [this](const wchar_t* name) {
+        std::string lines;
+        const std::string text = ReadBack(name);
+        for (std::size_t at = text.find("<"); at != std::string::npos; at = text.find("<", at + 1)) {
+            lines += text.substr(at + 1, text.find('>', at) - at - 1) + " ";
+        }
+        return lines;
+    };
+    const auto write = [](int first, int last) {
+        for (int i = first; i <= last; ++i) {
+            Write(L"<" + std::to_wstring(i) + L">");
+        }
+    };
+    write(10, 10);
+    const std::size_t size = ReadBack(L"client.log").size();
+    Configure(false, 3 * size, 2);
+    write(11, 12);
+    EXPECT_EQ(linesIn(L"client.log"), "10 11 12 ") << "what was there counts, and a file may be full to its last byte";
+    write(13, 15);
+    EXPECT_EQ(linesIn(L"client.1.log"), "10 11 12 ");
+    write(16, 20);
+    EXPECT_EQ(linesIn(L"client.log"), "19 20 ");
+    EXPECT_EQ(linesIn(L"client.1.log"), "16 17 18 ");
+    EXPECT_EQ(linesIn(L"client.2.log"), "13 14 15 ");
+    EXPECT_FALSE(fs::exists(m_folder / L"client.3.log"));
+    fs::remove(m_folder / L"client.1.log");
+    write(21, 22);
+    EXPECT_EQ(linesIn(L"client.1.log"), "19 20 21 ");
+    EXPECT_EQ(linesIn(L"client.2.log"), "13 14 15 ") << "no file moves further than there is room to be made";
+    Configure(false, 1, 0);
+    write(23, 25);
+    EXPECT_EQ(linesIn(L"client.log"), "25 ") << "a line that is too long for any file has one";
+    EXPECT_EQ(linesIn(L"client.1.log"), "24 ");
+    EXPECT_EQ(linesIn(L"client.3.log"), "22 ");
+}
+
+TEST_F(LoggerTest, FullFileThatCannotBeMovedGrows) {
+    Configure(false, 1, 1);
+    Write(L"the first");
+    Logger::Flush(10000);
+    EXPECT_FALSE(fs::exists(m_folder / L"client.1.log")) << "an empty file does not move";
+    fs::create_directories(m_folder / L"client.1.log" / L"in the way");
+    for (int i = 0; i < 10; ++i) {
+        Write(L"line");
+    }
+    EXPECT_EQ(CountOf(" line\n", ReadBack(L"client.log")), 10U);
+    fs::remove_all(m_folder / L"client.1.log");
+    Write(L"line");
+    EXPECT_EQ(CountOf(" line\n", ReadBack(L"client.log")), 1U);
+    EXPECT_EQ(CountOf(" line\n", ReadFile(m_folder / L"client.1.log")), 10U);
+}
+
+// More bytes than the queue may hold at once, but not at once.
+TEST_F(LoggerTest, WhatIsWrittenLeavesRoomForOthers) {
+    Configure(false, 100'000'000);
+    for (int i = 0; i < 400; ++i) {
+        Write(std::wstring(60000, L'x'));
+        EXPECT_TRUE(i % 50 != 0 || Logger::Flush(10000));
+    }
+    EXPECT_EQ(CountOf("x\n", ReadBack(L"client.log")), 400U);
 }
 
 TEST_F(LoggerTest, FullFilesMoveOnAndOneThatIsBeingReadLosesNothing) {

@@ -54,6 +54,7 @@ TEST_F(Masking, NoSecretReachesASink) {
         L"Bearer \n<access_token>CANARY</access_token> control=kept",
         L"https://h/p?code=CANARY&authCode=CANARY&authorizationCode=CANARY&bearerToken=CANARY&control=kept",
         L"id_token=CANARY&temp_token=CANARY&access_token[0]=CANARY&control=kept",
+        L"auth_code=CANARY&authorization-code=CANARY&Bearer+CANARY&control=kept",
         L"access\\u005ftoken=CANARY&access%5Ftoken=CANARY&access_token&#61;CANARY&control=kept",
     };
     testing::internal::CaptureStderr();
@@ -64,10 +65,12 @@ TEST_F(Masking, NoSecretReachesASink) {
             1, 2, 3,
             {{L"note", row}, {L"accessToken", L"CANARY"}, {L"token", L"CANARY"}, {L"user-Authorization", L"CANARY"}});
     }
+    Logger::Output(10, kSeverityFailure, 1, "access_token=CANARY", L"code=987654, access_token=9876", true);
     Logger::OutputOperationLog(1, 2, 3);
     const std::string operations = ReadBack(L"client.log.operations.jsonl");
     for (const std::string& text : {ReadBack(L"client.log"), operations, testing::internal::GetCapturedStderr()}) {
         EXPECT_EQ(text.find("CANARY"), std::string::npos) << text;
+        EXPECT_EQ(text.find("=9876"), std::string::npos) << "shorter than this it is a status, and a token never is";
         EXPECT_EQ(CountOf("control=kept", text), std::size(rows)) << text;  // what is no secret arrives
     }
     EXPECT_EQ(CountOf("\n", operations), std::size(rows) + 1);
@@ -86,6 +89,11 @@ TEST_F(Masking, LinesWithoutSecretsArriveUnchanged) {
         "check user key sha256 success, keyType:1",
         "x-zv-auth-version: 1, grant_type=authorization_code&x=1",
         "<token_type>jwt</token_type>",
+        "barcode=4006381333931, error-code=internal, status_code=unknown, code=12345;",
+        "{\"kind\":\"token\",\"name\":\"visible\"}",
+        "{\"kind\":\"token\"},{\"value\":\"visible\"}",
+        "<access_token/>visible<b>",
+        "a forbearer visible",
     };
     for (const std::string& row : rows) {
         Write(Wide(row));
@@ -106,6 +114,7 @@ TEST_F(Masking, KnownSecretReachesNoSinkInAnyForm) {
         "CANARY%257E%257E%252F%253F%252B3%2522%253D%253D",
         "{\"a\":\"CANARY~~\\/?+3\\\"==\"}",
         "\\u0043ANARY\\u007e~/?\\u002B3\\u0022==",
+        "\\x43ANARY~~/?+3\\x22==",
         "<a b=\"CANARY~~/?+3&quot;&#61;&#x3D;\"/>",
         "c:\\" + secret + secret,
         "100%25%43ANARY%7E~/?+3%22==",
@@ -125,10 +134,12 @@ TEST_F(Masking, KnownSecretReachesNoSinkInAnyForm) {
     Configure(true);
     for (const std::string& row : rows) {
         Write(Wide(row) + L" kept", kSeverityFailure);
-        Logger::OutputOperationLog(1, 2, 3, {{L"a", Wide(row) + L" kept"}});
+        Logger::OutputOperationLog(1, 2, 3, {{L"a", Wide(row) + L" kept"}, {Wide(row), L""}});
     }
     Write(utf16 + L"kept", kSeverityFailure);
-    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(secret));  // cut in the middle
+    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(secret) + L" beyond");  // cut in the middle
+    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(rows[2]));
+    EXPECT_NE(ReadBack(L"client.log").find("xxx*** [cut: 19 more]\n"), std::string::npos);
     for (const std::string& text :
          {ReadBack(L"client.log"), ReadBack(L"client.log.operations.jsonl"), testing::internal::GetCapturedStderr()}) {
         EXPECT_GE(CountOf("kept", text), std::size(rows));
@@ -153,6 +164,15 @@ TEST_F(Masking, SecretsAreReplacedByNameAndBounded) {
     Write(L"2 short, new secret.");
     EXPECT_TRUE(Logger::SetSecret("test", L""));
     EXPECT_FALSE(Logger::SetSecret("test", std::wstring(64 * 1024 + 1, L'x')));
+    EXPECT_TRUE(Logger::SetSecret("test", std::wstring(64 * 1024 - 8, L'x')));
+    EXPECT_FALSE(Logger::SetSecret("second", L"9 letters"));
+    EXPECT_TRUE(Logger::SetSecret("second", L"8 letter"));
+    EXPECT_TRUE(Logger::SetSecret("second", L""));
+    EXPECT_TRUE(Logger::SetSecret("test", L"xlong secret with more"));
+    Write(L"4 xlong secret, xlong secret with more.");
+    EXPECT_TRUE(Logger::SetSecret("second", L"long secret"));
+    Write(L"5 xlong secret, xlong secret with more.");
+    EXPECT_TRUE(Logger::SetSecret("second", L"") && Logger::SetSecret("test", L""));
     for (int i = 0; i < 40; ++i) {
         EXPECT_EQ(Logger::SetSecret("test " + std::to_string(i), L"secret " + std::to_wstring(i)), i < 32) << i;
     }
@@ -163,7 +183,8 @@ TEST_F(Masking, SecretsAreReplacedByNameAndBounded) {
     Write(L"3 from the parameter store.");
     store->SetCurrentAt(L"");
     const std::string text = ReadBack(L"client.log");
-    for (const char* line : {"1 former secret, ***, ***.", "2 short, new secret.", "3 ***."}) {
+    for (const char* line :
+         {"1 former secret, ***, ***.", "2 short, new secret.", "3 ***.", "4 xlong secret, ***.", "5 x***, ***."}) {
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
     }
 }

@@ -89,6 +89,29 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
          ":1: stateFolder: must be an absolute path"},
         {"other scheme", "{\"clientMode\":\"2\",\n\"portalUrl\":\"ftp://b\"}",
          ":2: portalUrl: must be an http or https URL"},
+        {"folder on no drive", R"({"stateFolder":"\\state"})", ":1: stateFolder: must be an absolute path"},
+        {"drive that is no letter", R"({"stateFolder":"1:\\state"})", ":1: stateFolder: must be an absolute path"},
+        {"drive alone", R"({"stateFolder":"C:"})", ":1: stateFolder: must be an absolute path"},
+        {"letter behind no drive", R"({"stateFolder":"C\\\\state"})", ":1: stateFolder: must be an absolute path"},
+        {"separators alone", R"({"stateFolder":"\\\\//"})", ":1: stateFolder: must name a folder"},
+        {"empty folder", R"({"stateFolder":""})", ":1: stateFolder: must name a folder"},
+        {"line feed in a folder", R"({"stateFolder":"C:\\a\nb"})",
+         ":1: stateFolder: must not contain control characters"},
+        {"DEL", "{\"clientMode\":\"a\x7F\"}", ":1: clientMode: must not contain control characters"},
+        {"unit separator", R"({"clientMode":"\u001f"})", ":1: clientMode: must not contain control characters"},
+        {"long key", "{\"" + std::string(65, 'k') + "\":1}",
+         ":1: kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk: is not a known setting"},
+        {"text behind the object", "{}\n{}", ":2: not valid JSON"},
+        {"seventeen levels", "{\"a\":" + std::string(17, '[') + std::string(17, ']') + "}",
+         ": nested deeper than 16 levels"},
+        {"items in an array", R"({"legacyItems":["x"]})", ":1: legacyItems: must be an object"},
+        {"item number with more behind it", R"({"legacyItems":{"0x":"y"}})",
+         ":1: legacyItems.0x: is not an item number"},
+        {"negative item number", R"({"legacyItems":{"-1":"y"}})", ":1: legacyItems.-1: is not an item number"},
+        {"item number beyond 32 bits", R"({"legacyItems":{"4294967296":"y"}})",
+         ":1: legacyItems.4294967296: is not an item number"},
+        {"control character in an item", R"({"legacyItems":{"0":"\u0000"}})",
+         ":1: legacyItems.0: must not contain control characters"},
         {"escaped line feed", "{\"countryCode\":\"F\\nR\"}", ":1: countryCode: must not contain control characters"},
         {"lone surrogate", "{\"countryCode\":\"\\udc00\"}", ":1: countryCode: is not valid Unicode"},
         {"item number", "{\"legacyItems\":{\n\"-0\":\"x\"}}", ":2: legacyItems.-0: is not an item number"},
@@ -112,6 +135,39 @@ TEST(ParamStoreConfiguration, ErrorNamesFileLineAndKeyAndChangesNothing) {
     }
     EXPECT_FALSE(store->LoadConfiguration((Folder() / L"missing.json").wstring(), error));
     EXPECT_NE(error.find("missing.json: cannot be read"), std::string::npos) << error;
+}
+
+TEST(ParamStoreConfiguration, TakesWhatIsJustRight) {
+    GlobalParamWrapper* store = GlobalParamWrapper::GetInstance();
+    const struct {
+        const char* name;
+        std::string text;
+        std::wstring (GlobalParamWrapper::*get)() const;
+        std::wstring value;
+    } rows[] = {
+        {"1 MiB", "{\"countryCode\":\"1\"}" + std::string(1024 * 1024 - 19, '\n'), &GlobalParamWrapper::GetCountryCode,
+         L"1"},
+        {"all of ASCII that can be seen", R"({"clientMode":" !/~"})", &GlobalParamWrapper::GetZvClientMode, L" !/~"},
+        {"a slash at a text's end", R"({"clientMode":"a/"})", &GlobalParamWrapper::GetZvClientMode, L"a/"},
+        {"an empty text", R"({"clientMode":""})", &GlobalParamWrapper::GetZvClientMode, L""},
+        {"a share", R"({"appDataLocalPath":"\\\\server\\share\\"})", &GlobalParamWrapper::GetAppDataLocalPath,
+         L"\\\\server\\share"},
+        {"slashes", R"({"appDataLocalPath":"c:/a/b//"})", &GlobalParamWrapper::GetAppDataLocalPath, L"c:/a/b"},
+        {"a drive's root", R"({"appDataLocalPath":"Z:\\"})", &GlobalParamWrapper::GetAppDataLocalPath, L"Z:"},
+    };
+    for (const auto& row : rows) {
+        std::string error;
+        EXPECT_TRUE(Load(row.text, error)) << row.name << ": " << error;
+        EXPECT_EQ((store->*row.get)(), row.value) << row.name;
+    }
+    const auto item = [] {
+        return ConfigEntityManager::GetInstance()->GetConfigContentDatas(ConfigEntityEnum::kLegacyRefreshToken);
+    };
+    std::string error;
+    EXPECT_TRUE(Load(R"({"legacyItems":{"0":"a/"}})", error)) << error;
+    EXPECT_EQ(item(), L"a/");
+    EXPECT_TRUE(Load(R"({"legacyItems":{"7":"b"}})", error)) << error;
+    EXPECT_EQ(item(), L"") << "the items are replaced as a whole";
 }
 
 TEST(ParamStoreConfiguration, ATextInMemoryIsReadLikeAFile) {
