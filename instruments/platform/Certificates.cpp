@@ -22,7 +22,7 @@ BOOL CertAddEncodedCertificateToStore(HCERTSTORE, DWORD, const BYTE* bytes, DWOR
     if (length < 4 || bytes[0] != 0x30 || bytes[1] != 0x82 || bytes[2] * 256U + bytes[3] + 4 != length) {
         return Refuse(kBadTag);
     }
-    *added = new CERT_CONTEXT{length};
+    *added = new CERT_CONTEXT;
     return TRUE;
 }
 
@@ -41,9 +41,8 @@ void CertFreeCertificateChain(PCCERT_CHAIN_CONTEXT chain) {
     delete chain;
 }
 
+// Nobody asks: such a chain is refused before.
 BOOL CertVerifyCertificateChainPolicy(const char*, PCCERT_CHAIN_CONTEXT, CERT_CHAIN_POLICY_PARA*,
-                                      CERT_CHAIN_POLICY_STATUS* status) {
-    constexpr DWORD kUntrustedRoot = 0x800B0109;
-    status->dwError = kUntrustedRoot;
-    return TRUE;
+                                      CERT_CHAIN_POLICY_STATUS*) {
+    return FALSE;
 }

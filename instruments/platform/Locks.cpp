@@ -4,24 +4,14 @@
 #include <sched.h>
 #include <windows.h>
 
-#include <atomic>
-
-namespace {
+static_assert(sizeof(SRWLOCK) == sizeof(void*));
 
 constexpr std::uintptr_t kExclusive = ~std::uintptr_t{0};
 
-// The number of readers, or kExclusive.
-std::atomic<std::uintptr_t>& HoldersOf(SRWLOCK* lock) {
-    static_assert(sizeof(std::atomic<std::uintptr_t>) == sizeof(void*));
-    return *reinterpret_cast<std::atomic<std::uintptr_t>*>(&lock->Ptr);
-}
-
-}  // namespace
-
 BOOLEAN TryAcquireSRWLockShared(SRWLOCK* lock) {
-    std::uintptr_t holders = HoldersOf(lock).load(std::memory_order_relaxed);
+    std::uintptr_t holders = lock->holders.load(std::memory_order_relaxed);
     return holders != kExclusive &&
-           HoldersOf(lock).compare_exchange_strong(holders, holders + 1, std::memory_order_acquire);
+           lock->holders.compare_exchange_strong(holders, holders + 1, std::memory_order_acquire);
 }
 
 void AcquireSRWLockShared(SRWLOCK* lock) {
@@ -31,17 +21,17 @@ void AcquireSRWLockShared(SRWLOCK* lock) {
 }
 
 void ReleaseSRWLockShared(SRWLOCK* lock) {
-    HoldersOf(lock).fetch_sub(1, std::memory_order_release);
+    lock->holders.fetch_sub(1, std::memory_order_release);
 }
 
 void AcquireSRWLockExclusive(SRWLOCK* lock) {
     std::uintptr_t nobody = 0;
-    while (!HoldersOf(lock).compare_exchange_weak(nobody, kExclusive, std::memory_order_acquire)) {
+    while (!lock->holders.compare_exchange_weak(nobody, kExclusive, std::memory_order_acquire)) {
         nobody = 0;
         sched_yield();
     }
 }
 
 void ReleaseSRWLockExclusive(SRWLOCK* lock) {
-    HoldersOf(lock).store(0, std::memory_order_release);
+    lock->holders.store(0, std::memory_order_release);
 }

@@ -5,4 +5,6 @@
 enum KNOWNFOLDERID { FOLDERID_LocalAppData };
 constexpr DWORD KF_FLAG_DEFAULT = 0;
 HRESULT SHGetKnownFolderPath(KNOWNFOLDERID folder, DWORD flags, HANDLE token, LPWSTR* path);
-void CoTaskMemFree(void* memory);
+inline void CoTaskMemFree(void* memory) {
+    LocalFree(memory);
+}

@@ -29,29 +29,23 @@ constexpr DWORD CERT_TRUST_IS_NOT_TIME_VALID = 1, CERT_TRUST_IS_REVOKED = 4, CER
                 CERT_TRUST_IS_EXPLICIT_DISTRUST = 0x4000000, CERT_TRUST_HAS_NOT_SUPPORTED_CRITICAL_EXT = 0x8000000;
 constexpr HRESULT CERT_E_CN_NO_MATCH = static_cast<HRESULT>(0x800B010F),
                   TRUST_E_EXPLICIT_DISTRUST = static_cast<HRESULT>(0x800B0111);
-struct CERT_CONTEXT {
-    DWORD cbCertEncoded;
-};
+struct CERT_CONTEXT {};
 using PCCERT_CONTEXT = const CERT_CONTEXT*;
-struct CERT_TRUST_STATUS {
-    DWORD dwErrorStatus;
-};
 struct CERT_CHAIN_CONTEXT {
-    CERT_TRUST_STATUS TrustStatus;
+    struct {
+        DWORD dwErrorStatus;
+    } TrustStatus;
 };
 using PCCERT_CHAIN_CONTEXT = const CERT_CHAIN_CONTEXT*;
-struct CERT_ENHKEY_USAGE {
-    DWORD cUsageIdentifier;
-    LPSTR* rgpszUsageIdentifier;
-};
-struct CERT_USAGE_MATCH {
-    DWORD dwType;
-    CERT_ENHKEY_USAGE Usage;
-};
 struct CERT_CHAIN_PARA {
-    DWORD cbSize;
-    CERT_USAGE_MATCH RequestedUsage;
-    DWORD dwUrlRetrievalTimeout;
+    DWORD cbSize, dwUrlRetrievalTimeout;
+    struct {
+        DWORD dwType;
+        struct {
+            DWORD cUsageIdentifier;
+            LPSTR* rgpszUsageIdentifier;
+        } Usage;
+    } RequestedUsage;
 };
 struct SSL_EXTRA_CERT_CHAIN_POLICY_PARA {
     DWORD cbSize, dwAuthType, fdwChecks;
