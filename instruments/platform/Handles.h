@@ -5,7 +5,7 @@
 // What a HANDLE stands for. CloseHandle destroys it.
 struct KernelObject {
     virtual ~KernelObject() = default;
-    // WAIT_OBJECT_0: it was or became signalled, and is taken; WAIT_TIMEOUT: it did not; WAIT_FAILED: cannot be waited for.
+    // WAIT_OBJECT_0: it is signalled, and taken; WAIT_TIMEOUT: it is not; WAIT_FAILED: cannot be waited for.
     virtual DWORD Wait(DWORD) { return WAIT_FAILED; }
 };
 

@@ -31,11 +31,6 @@ link_map* RecordOf(const void* address) {
     return static_cast<link_map*>(record);
 }
 
-HMODULE OpenedByLoader(const char* path, int flags) {
-    const auto* const record = static_cast<link_map*>(dlopen(path, flags));
-    return record == nullptr ? (SetLastError(ERROR_MOD_NOT_FOUND), nullptr) : BaseOf(record->l_ld);
-}
-
 std::string BaseName(const std::string& path) {
     return path.substr(path.find_last_of("\\/") + 1);
 }
@@ -61,11 +56,14 @@ HMODULE LoadLibraryW(LPCWSTR wide) {
     const std::string path = NarrowText(wide);
     const bool hasFolder = path.find('/') != std::string::npos;
     const int flags = RTLD_NOW | RTLD_LOCAL | (hasFolder ? 0 : RTLD_NOLOAD);
-    return OpenedByLoader(IsSystemName(BaseName(path)) ? nullptr : path.c_str(), flags);
+    const bool isSystem = IsSystemName(BaseName(path));
+    const auto* const record = static_cast<link_map*>(dlopen(isSystem ? nullptr : path.c_str(), flags));
+    return record == nullptr ? (SetLastError(ERROR_MOD_NOT_FOUND), nullptr) : BaseOf(record->l_ld);
 }
 
 BOOL FreeLibrary(HMODULE module) {
-    return module != nullptr && dlclose(RecordOf(module)) == 0;
+    link_map* const record = RecordOf(module);
+    return record != nullptr && dlclose(record) == 0;
 }
 
 FARPROC GetProcAddress(HMODULE module, const char* name) {

@@ -1,15 +1,14 @@
 // Random numbers and data protection. Like the platform: a key container must exist before it can be acquired, a null
-// provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: the
-// blob is disguised, not encrypted, and belongs to every user.
+// provider draws nothing, and a blob that was changed, or that nobody protected, does not unprotect. Unlike it: one
+// container answers to every name, and the blob is disguised, not encrypted, and belongs to every user.
 
 #include <bcrypt.h>
 #include <dpapi.h>
 #include <sys/random.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
-#include <mutex>
-#include <set>
 #include <string>
 
 #include "Handles.h"
@@ -45,13 +44,10 @@ std::string Sealed(const std::string& bytes) {
 
 }  // namespace
 
-BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR container, LPCWSTR, DWORD, DWORD flags) {
-    static std::mutex lock;
-    static auto* const containers = new std::set<std::wstring>;
-    const std::lock_guard<std::mutex> hold(lock);
-    if ((flags & CRYPT_NEWKEYSET) != 0) {
-        containers->insert(container);
-    } else if (containers->count(container) == 0) {
+BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR, LPCWSTR, DWORD, DWORD flags) {
+    static std::atomic<bool> exists{false};
+    exists = exists || (flags & CRYPT_NEWKEYSET) != 0;
+    if (!exists) {
         return Refuse(static_cast<DWORD>(NTE_BAD_KEYSET));
     }
     *provider = kProvider;

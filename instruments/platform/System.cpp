@@ -2,20 +2,17 @@
 // that is closed fails and raises no signal. The numbers are those of a workstation with version 10.0 behind a version
 // record that says 6.2. The firmware has no table.
 
-#include <shellapi.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <windows.h>
 
-#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <fstream>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "Handles.h"
 #include "WideText.h"
@@ -79,19 +76,6 @@ BOOL SetEnvironmentVariableW(LPCWSTR wide, LPCWSTR value) {
     const std::lock_guard<std::mutex> hold(g_environmentLock);
     const int error = value == nullptr ? unsetenv(name.c_str()) : setenv(name.c_str(), NarrowText(value).c_str(), 1);
     return error == 0 || Refuse(ERROR_INVALID_PARAMETER);
-}
-
-// Of this process alone, whose texts stay. The first is the program.
-LPWSTR* CommandLineToArgvW(LPCWSTR, int* count) {
-    static std::vector<std::wstring> texts;
-    std::ifstream file("/proc/self/cmdline");
-    for (std::string text; std::getline(file, text, '\0');) {
-        texts.push_back(WideText(text));
-    }
-    *count = static_cast<int>(texts.size());
-    auto* const list = static_cast<LPWSTR*>(std::malloc(texts.size() * sizeof(LPWSTR)));
-    std::transform(texts.begin(), texts.end(), list, [](std::wstring& text) { return text.data(); });
-    return list;
 }
 
 DWORD GetCurrentProcessId() {

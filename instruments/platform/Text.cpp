@@ -1,10 +1,9 @@
 // Code pages 1252 (as the system's, so numbers 0, 1 and 1252) and UTF-8, by ICU. Any other number fails, as an
 // uninstalled one does. Like the platform: lengths are explicit or end at a terminator that is converted too; a buffer
-// that is too small is an error; bytes that are no UTF-8 become U+FFFD, or an error with MB_ERR_INVALID_CHARS; what 1252
-// lacks becomes its base letter or "?". Unlike it: wide text is UTF-32, base letters end at U+017F and are those of a
-// canonical decomposition alone, and the comparison is of terminated texts without their letter case.
+// that is too small is an error; bytes that are no UTF-8 become U+FFFD, or an error with MB_ERR_INVALID_CHARS; what
+// 1252 lacks becomes the letter that ICU's table has for it or "?". Unlike it: wide text is UTF-32, that table has
+// letters for the wide forms alone, and the comparison is of terminated texts without their letter case.
 
-#include <unicode/normalizer2.h>
 #include <unicode/ucnv.h>
 #include <unicode/unistr.h>
 #include <windows.h>
@@ -26,6 +25,7 @@ icu::LocalUConverterPointer Opened(const char* name) {
     UErrorCode error = U_ZERO_ERROR;
     icu::LocalUConverterPointer converter(ucnv_open(name, &error));
     ucnv_setSubstChars(converter.getAlias(), "?", 1, &error);
+    ucnv_setFallback(converter.getAlias(), true);
     return converter;
 }
 
@@ -35,23 +35,6 @@ UConverter* ConverterOf(UINT codePage) {
     thread_local const icu::LocalUConverterPointer utf8 = Opened("UTF-8");
     const bool isWestern = codePage == CP_ACP || codePage == 1 || codePage == 1252;
     return isWestern ? western.getAlias() : codePage == CP_UTF8 ? utf8.getAlias() : nullptr;
-}
-
-icu::UnicodeString FromWide(const wchar_t* wide, std::size_t characters) {
-    static_assert(sizeof(wchar_t) == sizeof(UChar32));
-    return icu::UnicodeString::fromUTF32(reinterpret_cast<const UChar32*>(wide), static_cast<int32_t>(characters));
-}
-
-// A letter with marks from among those that 1252 lacks becomes the letter.
-void TakeMarksOff(icu::UnicodeString& text) {
-    UErrorCode error = U_ZERO_ERROR;
-    const icu::Normalizer2& decomposing = *icu::Normalizer2::getNFDInstance(error);
-    for (int32_t at = 0; at < text.length(); ++at) {
-        icu::UnicodeString parts;
-        if (text[at] >= 0x100 && text[at] < 0x180 && decomposing.getDecomposition(text[at], parts) != 0) {
-            text.setCharAt(at, parts[0]);
-        }
-    }
 }
 
 // Capacity 0 asks for the length.
@@ -84,11 +67,10 @@ int WideCharToMultiByte(UINT codePage, DWORD, const wchar_t* wide, int character
     if (converter == nullptr || wide == nullptr || characters == 0 || capacity < 0) {
         return Refuse(ERROR_INVALID_PARAMETER);
     }
-    icu::UnicodeString whole =
-        FromWide(wide, characters < 0 ? std::wcslen(wide) + 1 : static_cast<std::size_t>(characters));
-    if (codePage != CP_UTF8) {
-        TakeMarksOff(whole);
-    }
+    const auto count = characters < 0 ? std::wcslen(wide) + 1 : static_cast<std::size_t>(characters);
+    static_assert(sizeof(wchar_t) == sizeof(UChar32));
+    const auto whole =
+        icu::UnicodeString::fromUTF32(reinterpret_cast<const UChar32*>(wide), static_cast<int32_t>(count));
     UErrorCode error = U_ZERO_ERROR;
     return Answer(whole.extract(text, capacity, converter, error), capacity);
 }

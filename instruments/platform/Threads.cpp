@@ -1,13 +1,10 @@
-// Threads and their handles, waiting, named mutexes and the thread pool. Like the platform: a thread's duplicated handle
-// is signalled when the thread has run out, one name is one mutex, which its owner may take again, and the pool keeps a
-// callback's library loaded until it has returned. Unlike it: names count inside this process only, a mutex without a
-// name fails, an owner that ended keeps its mutex, a started thread's first handle cannot be waited for, INFINITE is 49
-// days, the pool starts a thread a callback, and a thread that leaves with its library goes through its own frames first.
+// Handles of threads, waiting, named mutexes and the thread pool. Like the platform: a thread's handle is signalled
+// when the thread has run out, one name is one mutex, which its owner may take again, and the pool keeps a callback's
+// library loaded until it has returned. Unlike it: names count inside this process only, a mutex without a name fails,
+// an owner that ended keeps its mutex, INFINITE is 49 days, and the pool starts a thread a callback.
 
-#include <process.h>
 #include <windows.h>
 
-#include <atomic>
 #include <chrono>
 #include <future>
 #include <map>
@@ -20,9 +17,6 @@
 namespace {
 
 thread_local DWORD g_lastError = 0;
-
-std::atomic<DWORD> g_lastThreadId{0};
-thread_local DWORD g_threadId = ++g_lastThreadId;
 
 // The calling thread's, kept by its last act.
 struct PromiseToEnd {
@@ -50,19 +44,6 @@ struct MutexHandle : KernelObject {
     }
 };
 
-struct ThreadLeaves {
-    HMODULE module;
-};
-
-// Runs it on a thread of its own; false when there is none.
-template <typename Run>
-bool Start(const Run& run) try {
-    std::thread(run).detach();
-    return true;
-} catch (const std::system_error&) {
-    return false;
-}
-
 }  // namespace
 
 DWORD GetLastError() {
@@ -70,29 +51,6 @@ DWORD GetLastError() {
 }
 void SetLastError(DWORD error) {
     g_lastError = error;
-}
-
-DWORD GetCurrentThreadId() {
-    return g_threadId;
-}
-
-std::uintptr_t _beginthreadex(void*, unsigned, unsigned (*run)(void*), void* argument, unsigned, unsigned* id) {
-    *id = ++g_lastThreadId;
-    const bool started = Start([run, argument, number = *id] {
-        g_threadId = number;
-        HMODULE library = nullptr;
-        try {
-            run(argument);
-        } catch (const ThreadLeaves& leaving) {
-            library = leaving.module;
-        }
-        FreeLibrary(library);
-    });
-    return started ? reinterpret_cast<std::uintptr_t>(new KernelObject) : 0;
-}
-
-void FreeLibraryAndExitThread(HMODULE module, DWORD) {
-    throw ThreadLeaves{module};
 }
 
 // Of the current thread only: nobody duplicates anything else here.
@@ -137,14 +95,16 @@ BOOL TrySubmitThreadpoolCallback(void (*callback)(PTP_CALLBACK_INSTANCE, void*),
     HMODULE library = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(environment->library),
                        &library);
-    const bool started = Start([callback, context, library] {
-        callback(nullptr, context);
+    try {
+        std::thread([callback, context, library] {
+            callback(nullptr, context);
+            FreeLibrary(library);
+        }).detach();
+    } catch (const std::system_error&) {
         FreeLibrary(library);
-    });
-    if (!started) {
-        FreeLibrary(library);
+        return FALSE;
     }
-    return started;
+    return TRUE;
 }
 
 void Sleep(DWORD milliseconds) {

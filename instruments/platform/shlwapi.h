@@ -3,10 +3,13 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <string>
 
 inline BOOL PathAppendW(wchar_t* path, LPCWSTR more) {
-    return std::wcslen(path) + std::wcslen(more) + 1 < MAX_PATH &&
-           std::wcscat(std::wcscat(path, L"\\"), more) != nullptr;
+    const std::wstring whole = std::wstring(path) + L"\\" + more;
+    const bool fits = whole.size() < MAX_PATH;
+    std::wmemcpy(path, whole.c_str(), fits ? whole.size() + 1 : 0);
+    return fits;
 }
 inline int StrCmpIW(LPCWSTR left, LPCWSTR right) {
     return CompareStringOrdinal(left, -1, right, -1, TRUE) - CSTR_EQUAL;

@@ -1,11 +1,12 @@
 #pragma once
 
 // What the service and its suite call of Windows, for a build on the build machine: the sanitizers run there. Declared
-// here as the platform's own header declares it; each source beside this one says what it imitates and where it stops.
+// here as the platform's own header declares it; each file beside this one says what it imitates and where it stops.
 // Wide characters have 32 bits here, so one character is a whole code point and surrogates do not occur. Instruments
 // alone include this; nothing of it ships.
 
-#include <atomic>
+#include <synchapi.h>
+
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
@@ -54,18 +55,6 @@ constexpr DWORD ERROR_SUCCESS = 0, ERROR_FILE_NOT_FOUND = 2, ERROR_PATH_NOT_FOUN
 DWORD GetLastError();
 void SetLastError(DWORD error);
 
-// ---- Locks (Locks.cpp)
-struct SRWLOCK {
-    std::atomic<std::uintptr_t> holders;  // the number of readers, or all bits set: a writer
-};
-#define SRWLOCK_INIT \
-    {}
-void AcquireSRWLockShared(SRWLOCK* lock);
-void ReleaseSRWLockShared(SRWLOCK* lock);
-BOOLEAN TryAcquireSRWLockShared(SRWLOCK* lock);
-void AcquireSRWLockExclusive(SRWLOCK* lock);
-void ReleaseSRWLockExclusive(SRWLOCK* lock);
-
 // ---- Text (Text.cpp)
 constexpr UINT CP_ACP = 0, CP_UTF8 = 65001;
 constexpr DWORD MB_ERR_INVALID_CHARS = 8;
@@ -105,7 +94,6 @@ inline HANDLE GetCurrentThread() {
     return reinterpret_cast<HANDLE>(std::intptr_t{-2});
 }
 DWORD GetCurrentThreadId();
-[[noreturn]] void FreeLibraryAndExitThread(HMODULE module, DWORD exitCode);
 BOOL DuplicateHandle(HANDLE, HANDLE source, HANDLE, HANDLE* target, DWORD access, BOOL inherit, DWORD options);
 BOOL CloseHandle(HANDLE handle);
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
