@@ -15,7 +15,7 @@ docs_packages=(doxygen graphviz)
 page_packages=(chromium nodejs npm)
 sanitize_packages=(
   clang libclang-rt-14-dev llvm cmake ninja-build pkg-config libgtest-dev libjsoncpp-dev libssl-dev
-  libcurl4-openssl-dev libspdlog-dev libfmt-dev zlib1g-dev libbrotli-dev
+  libcurl4-openssl-dev libspdlog-dev libfmt-dev zlib1g-dev libbrotli-dev libicu-dev
 )
 package_packages=(zip)
 count_packages=(valgrind)

@@ -5,9 +5,8 @@
 // What a HANDLE stands for. CloseHandle destroys it.
 struct KernelObject {
     virtual ~KernelObject() = default;
-    // One look, with the lock of all waiting held: WAIT_OBJECT_0 or WAIT_ABANDONED, and it is taken; WAIT_TIMEOUT: not
-    // signalled; WAIT_FAILED: cannot be waited for.
-    virtual DWORD Take() { return WAIT_FAILED; }
+    // WAIT_OBJECT_0: it is signalled, and taken; WAIT_TIMEOUT: it is not; WAIT_FAILED: cannot be waited for.
+    virtual DWORD Wait(DWORD) { return WAIT_FAILED; }
 };
 
 // The object behind a handle; null for a pseudo handle, an invalid one and another kind.

@@ -1,11 +1,11 @@
 // Windows without a display. Like the platform: a window keeps its posted messages until its owner takes them, what is
-// posted to a window that is gone fails, a message box shows its text in a child of class "Static" and stands until
-// somebody closes it. Unlike it: any thread may take messages, and a queue has no limit.
+// posted to a window that is gone fails, a message box has its text as its item and stands until somebody closes it.
+// Unlike it: any thread may take messages, a look always takes one, a queue has no limit, and classes do not count.
 
 #include <windows.h>
 
+#include <algorithm>
 #include <condition_variable>
-#include <cwchar>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -16,9 +16,8 @@
 namespace {
 
 struct Window {
-    std::wstring className;
     std::wstring caption;
-    HWND parent;
+    std::wstring item;
     std::deque<MSG> messages;
 };
 
@@ -29,102 +28,76 @@ std::map<HWND, Window>& Windows() {
     return *windows;
 }
 
-bool SameClass(const std::wstring& left, LPCWSTR right) {
-    return wcscasecmp(left.c_str(), right) == 0;
+HWND Create(const std::wstring& caption, const std::wstring& item) {
+    static std::intptr_t last = 0x1000;
+    const std::lock_guard<std::mutex> hold(g_lock);
+    const auto handle = reinterpret_cast<HWND>(last += 2);
+    Windows()[handle] = {caption, item, {}};
+    return handle;
 }
 
-// With the lock held.
-HWND Find(HWND parent, LPCWSTR className, LPCWSTR caption) {
+// With the lock held; null, with the error set, when it is gone.
+Window* Standing(HWND handle) {
+    const auto found = Windows().find(handle);
+    return found != Windows().end() ? &found->second : (SetLastError(ERROR_INVALID_WINDOW_HANDLE), nullptr);
+}
+
+}  // namespace
+
+HWND CreateWindowExW(DWORD, LPCWSTR, LPCWSTR caption, DWORD, int, int, int, int, HWND, void*, HMODULE, void*) {
+    return Create(caption, L"");
+}
+
+BOOL DestroyWindow(HWND window) {
+    const std::lock_guard<std::mutex> hold(g_lock);
+    g_destroyed.notify_all();
+    return Windows().erase(window) != 0 || Refuse(ERROR_INVALID_WINDOW_HANDLE);
+}
+
+HWND FindWindowW(LPCWSTR, LPCWSTR caption) {
+    const std::lock_guard<std::mutex> hold(g_lock);
     for (const auto& [handle, window] : Windows()) {
-        if (window.parent == parent && (className == nullptr || SameClass(window.className, className)) &&
-            (caption == nullptr || window.caption == caption)) {
+        if (window.caption == caption) {
             return handle;
         }
     }
     return nullptr;
 }
 
-}  // namespace
-
-HWND CreateWindowExW(DWORD, LPCWSTR className, LPCWSTR caption, DWORD, int, int, int, int, HWND parent, void*, HMODULE,
-                     void*) {
-    static std::intptr_t last = 0x1000;
+UINT GetDlgItemTextW(HWND handle, int, wchar_t* text, int capacity) {
     const std::lock_guard<std::mutex> hold(g_lock);
-    const auto handle = reinterpret_cast<HWND>(last += 2);
-    Windows()[handle] = {className, caption == nullptr ? L"" : caption, parent, {}};
-    return handle;
-}
-
-BOOL DestroyWindow(HWND window) {
-    const std::lock_guard<std::mutex> hold(g_lock);
-    if (Windows().erase(window) == 0) {
-        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
-    }
-    g_destroyed.notify_all();
-    return TRUE;
-}
-
-HWND FindWindowW(LPCWSTR className, LPCWSTR caption) {
-    const std::lock_guard<std::mutex> hold(g_lock);
-    return Find(nullptr, className, caption);
-}
-
-HWND FindWindowExW(HWND parent, HWND, LPCWSTR className, LPCWSTR caption) {
-    const std::lock_guard<std::mutex> hold(g_lock);
-    return Find(parent, className, caption);
-}
-
-LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_CLOSE) {
-        return DestroyWindow(window);
-    }
-    const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Windows().find(window);
-    if (found == Windows().end() || message != WM_GETTEXT || wParam == 0) {
-        return found != Windows().end() && message == WM_GETTEXTLENGTH
-                   ? static_cast<LRESULT>(found->second.caption.size())
-                   : 0;
-    }
-    auto* const text = reinterpret_cast<wchar_t*>(lParam);
-    const std::size_t length = found->second.caption.copy(text, wParam - 1);
+    const Window* const window = Standing(handle);
+    const std::size_t length = window == nullptr ? 0 : window->item.copy(text, static_cast<std::size_t>(capacity) - 1);
     text[length] = L'\0';
-    return static_cast<LRESULT>(length);
+    return static_cast<UINT>(length);
 }
 
-int GetWindowTextLengthW(HWND window) {
-    return static_cast<int>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
-}
-
-BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+BOOL PostMessageW(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_CLOSE) {
-        return DestroyWindow(window);
+        return DestroyWindow(handle);
     }
     const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Windows().find(window);
-    if (found == Windows().end()) {
-        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
+    Window* const window = Standing(handle);
+    if (window != nullptr) {
+        window->messages.push_back({handle, message, wParam, lParam});
     }
-    found->second.messages.push_back({window, message, wParam, lParam});
-    return TRUE;
+    return window != nullptr;
 }
 
-BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT remove) {
+BOOL PeekMessageW(MSG* message, HWND handle, UINT first, UINT last, UINT) {
     const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Windows().find(window);
-    if (found == Windows().end()) {
-        return Refuse(ERROR_INVALID_WINDOW_HANDLE);
+    Window* const window = Standing(handle);
+    std::deque<MSG> none;
+    auto& queue = window == nullptr ? none : window->messages;
+    const auto found = std::find_if(queue.begin(), queue.end(), [=](const MSG& posted) {
+        return posted.message >= first && posted.message <= last;
+    });
+    if (found == queue.end()) {
+        return FALSE;
     }
-    auto& queue = found->second.messages;
-    for (auto at = queue.begin(); at != queue.end(); ++at) {
-        if ((first == 0 && last == 0) || (at->message >= first && at->message <= last)) {
-            *message = *at;
-            if ((remove & PM_REMOVE) != 0) {
-                queue.erase(at);
-            }
-            return TRUE;
-        }
-    }
-    return FALSE;
+    *message = *found;
+    queue.erase(found);
+    return TRUE;
 }
 
 UINT RegisterWindowMessageW(LPCWSTR name) {
@@ -135,12 +108,8 @@ UINT RegisterWindowMessageW(LPCWSTR name) {
 
 int MessageBoxW(HWND, LPCWSTR text, LPCWSTR caption, UINT) {
     constexpr int kOk = 1;
-    const HWND box = CreateWindowExW(0, L"#32770", caption, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-    const HWND label = CreateWindowExW(0, L"Static", text, 0, 0, 0, 0, 0, box, nullptr, nullptr, nullptr);
-    {
-        std::unique_lock<std::mutex> hold(g_lock);
-        g_destroyed.wait(hold, [box] { return Windows().count(box) == 0; });
-    }
-    DestroyWindow(label);
+    const HWND box = Create(caption, text);
+    std::unique_lock<std::mutex> hold(g_lock);
+    g_destroyed.wait(hold, [box] { return Windows().count(box) == 0; });
     return kOk;
 }

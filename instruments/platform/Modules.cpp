@@ -1,175 +1,110 @@
-// Modules by dlopen. Like the platform: a module's handle is its base address, LoadLibraryW and FreeLibrary count, a
-// pinned module stays, a name finds only what is loaded. "kernel32" and "ntdll.dll" are always there and answer for the
-// few entry points that are asked for by name. Unlike it: a module that was loaded stays mapped while something else
-// uses it, and search paths are not followed, so a name without a folder is never loaded.
+// Modules by this machine's loader. Like the platform: a module's handle is its base address, loading and freeing
+// count, a pinned module stays, a name finds only what is loaded. "kernel32" and "ntdll.dll" are the program itself,
+// which exports the few entry points that are asked for by name. Unlike it: a module that was loaded stays mapped while
+// something else uses it, letter case counts, and search paths are not followed, so a name without a folder is never
+// loaded.
 
 #include <dlfcn.h>
 #include <link.h>
 #include <windows.h>
 
 #include <climits>
-#include <map>
-#include <mutex>
+#include <cstdlib>
 #include <string>
 
-#include "SystemEntryPoints.h"
+#include "Handles.h"
 #include "WideText.h"
 
 namespace {
-
-struct Loaded {
-    std::string path;
-    void* native;
-    int references;
-    bool pinned;
-};
-
-std::mutex g_lock;
-std::map<HMODULE, Loaded>& Modules() {
-    static auto* const modules = new std::map<HMODULE, Loaded>;
-    return *modules;
-}
-
-std::string LowerCase(std::string text) {
-    for (char& c : text) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-    }
-    return text;
-}
-
-std::string BaseName(const std::string& path) {
-    return LowerCase(path.substr(path.rfind('/') + 1));
-}
-
-// The platform's own modules are this address; their names do not matter to those who ask.
-HMODULE SystemModule() {
-    static char anchor;
-    return reinterpret_cast<HMODULE>(&anchor);
-}
-
-bool IsSystemName(const std::string& name) {
-    return name == "kernel32" || name == "kernel32.dll" || name == "ntdll" || name == "ntdll.dll";
-}
 
 HMODULE BaseOf(const void* address) {
     Dl_info info{};
     return dladdr(address, &info) == 0 ? nullptr : static_cast<HMODULE>(info.dli_fbase);
 }
 
-HMODULE ProgramModule() {
-    static const int anchor = 0;
-    return BaseOf(&anchor);
+// What the loader knows of the module around an address, its base among them; null when there is none. It is what
+// dlopen gives out in this machine's C library.
+link_map* RecordOf(const void* address) {
+    Dl_info info{};
+    void* record = nullptr;
+    dladdr1(address, &info, &record, RTLD_DL_LINKMAP);
+    return static_cast<link_map*>(record);
 }
 
-HMODULE NotFound(DWORD error) {
-    SetLastError(error);
-    return nullptr;
+std::string BaseName(const std::string& path) {
+    return path.substr(path.find_last_of("\\/") + 1);
 }
 
-// With the lock held.
-HMODULE ByName(const std::string& name) {
-    for (const auto& [handle, module] : Modules()) {
-        if (BaseName(module.path) == name) {
-            return handle;
-        }
-    }
-    return NotFound(ERROR_MOD_NOT_FOUND);
+bool IsSystemName(const std::string& name) {
+    return name == "kernel32" || name == "ntdll.dll";
+}
+
+struct Search {
+    std::string name;
+    HMODULE found;
+};
+
+int Compare(dl_phdr_info* module, std::size_t, void* data) {
+    auto* const search = static_cast<Search*>(data);
+    search->found = reinterpret_cast<HMODULE>(module->dlpi_addr);
+    return BaseName(module->dlpi_name) == search->name ? 1 : 0;
 }
 
 }  // namespace
 
 HMODULE LoadLibraryW(LPCWSTR wide) {
-    const std::string path = NarrowPath(wide);
-    if (IsSystemName(BaseName(path))) {
-        return SystemModule();
-    }
-    void* const native = path.find('/') == std::string::npos ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (native == nullptr) {
-        return NotFound(ERROR_MOD_NOT_FOUND);
-    }
-    link_map* map = nullptr;
-    dlinfo(native, RTLD_DI_LINKMAP, &map);
-    const std::lock_guard<std::mutex> hold(g_lock);
-    const auto handle = reinterpret_cast<HMODULE>(map->l_addr);
-    Loaded& module = Modules().try_emplace(handle, Loaded{path, native, 0, false}).first->second;
-    if (module.references++ > 0) {
-        dlclose(native);  // one native reference for all
-    }
-    return handle;
+    const std::string path = NarrowText(wide);
+    const bool hasFolder = path.find('/') != std::string::npos;
+    const int flags = RTLD_NOW | RTLD_LOCAL | (hasFolder ? 0 : RTLD_NOLOAD);
+    const bool isSystem = IsSystemName(BaseName(path));
+    const auto* const record = static_cast<link_map*>(dlopen(isSystem ? nullptr : path.c_str(), flags));
+    return record == nullptr ? (SetLastError(ERROR_MOD_NOT_FOUND), nullptr) : BaseOf(record->l_ld);
 }
 
-BOOL FreeLibrary(HMODULE handle) {
-    std::unique_lock<std::mutex> hold(g_lock);
-    const auto found = Modules().find(handle);
-    if (found == Modules().end()) {
-        return handle != nullptr;  // the program itself and the system's modules stay
-    }
-    if (--found->second.references > 0 || found->second.pinned) {
-        return TRUE;
-    }
-    void* const native = found->second.native;
-    Modules().erase(found);
-    hold.unlock();  // the module's own destructors run now
-    dlclose(native);
-    return TRUE;
+BOOL FreeLibrary(HMODULE module) {
+    link_map* const record = RecordOf(module);
+    return record != nullptr && dlclose(record) == 0;
 }
 
-FARPROC GetProcAddress(HMODULE handle, const char* name) {
-    if (handle == SystemModule()) {
-        return SystemEntryPoint(name);
-    }
-    std::unique_lock<std::mutex> hold(g_lock);
-    const auto found = Modules().find(handle);
-    void* const native = found == Modules().end() ? RTLD_DEFAULT : found->second.native;
-    hold.unlock();
-    return reinterpret_cast<FARPROC>(dlsym(native, name));
+FARPROC GetProcAddress(HMODULE module, const char* name) {
+    return reinterpret_cast<FARPROC>(dlsym(RecordOf(module), name));
 }
 
 HMODULE GetModuleHandleW(LPCWSTR name) {
-    if (name == nullptr) {
-        return ProgramModule();
+    static const char ofTheProgram = 0;
+    Search search{name == nullptr ? "kernel32" : NarrowText(name), nullptr};
+    if (IsSystemName(search.name)) {
+        return BaseOf(&ofTheProgram);
     }
-    const std::string base = BaseName(NarrowPath(name));
-    const std::lock_guard<std::mutex> hold(g_lock);
-    return IsSystemName(base) ? SystemModule() : ByName(base);
+    return dl_iterate_phdr(Compare, &search) != 0 ? search.found : (SetLastError(ERROR_MOD_NOT_FOUND), nullptr);
 }
 
-BOOL GetModuleHandleExW(DWORD flags, LPCWSTR nameOrAddress, HMODULE* handle) {
-    *handle =
-        (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0 ? BaseOf(nameOrAddress) : GetModuleHandleW(nameOrAddress);
-    const std::lock_guard<std::mutex> hold(g_lock);
-    const auto found = Modules().find(*handle);
-    if (found != Modules().end() && (flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0) {
-        found->second.references += 1;
-        found->second.pinned = found->second.pinned || (flags & GET_MODULE_HANDLE_EX_FLAG_PIN) != 0;
+// By address alone.
+BOOL GetModuleHandleExW(DWORD flags, LPCWSTR address, HMODULE* module) {
+    const link_map* const record = RecordOf(address);
+    *module = BaseOf(address);
+    if (record == nullptr || (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) == 0) {
+        return Refuse(ERROR_MOD_NOT_FOUND);
     }
-    return *handle != nullptr;
+    if ((flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0) {
+        const int pin = (flags & GET_MODULE_HANDLE_EX_FLAG_PIN) != 0 ? RTLD_NODELETE : 0;
+        dlopen(record->l_name, RTLD_LAZY | RTLD_NOLOAD | pin);
+    }
+    return TRUE;
 }
 
-DWORD GetModuleFileNameW(HMODULE handle, wchar_t* path, DWORD capacity) {
+DWORD GetModuleFileNameW(HMODULE module, wchar_t* path, DWORD capacity) {
+    const link_map* const record = RecordOf(module);
     char program[PATH_MAX] = {};
-    std::string narrow;
-    {
-        const std::lock_guard<std::mutex> hold(g_lock);
-        const auto found = Modules().find(handle);
-        narrow = found != Modules().end()                         ? found->second.path
-                 : realpath("/proc/self/exe", program) != nullptr ? program
-                                                                  : "";
-    }
-    const std::wstring whole = WideText(narrow);
+    const bool isProgram = record == nullptr || record->l_name[0] == '\0';
+    const std::wstring whole = WideText(isProgram ? realpath("/proc/self/exe", program) : record->l_name);
     const bool fits = whole.size() < capacity;
-    const std::size_t length = fits ? whole.size() : capacity - 1;
-    whole.copy(path, length);
-    path[length] = L'\0';
+    path[whole.copy(path, capacity - 1)] = L'\0';
     SetLastError(fits ? ERROR_SUCCESS : ERROR_INSUFFICIENT_BUFFER);
-    return fits ? static_cast<DWORD>(length) : capacity;
+    return fits ? static_cast<DWORD>(whole.size()) : capacity;
 }
 
 SIZE_T VirtualQuery(const void* address, MEMORY_BASIC_INFORMATION* memory, SIZE_T) {
     memory->AllocationBase = BaseOf(address);
     return memory->AllocationBase == nullptr ? 0 : sizeof(*memory);
-}
-
-void* AddDllDirectory(LPCWSTR folder) {
-    return folder == nullptr || folder[0] == L'\0' ? NotFound(ERROR_INVALID_PARAMETER) : SystemModule();
 }

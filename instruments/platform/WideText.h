@@ -1,9 +1,13 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
-// UTF-8, which this machine's calls take, from the platform's wide text and back. Null reads as empty. Of a module's
-// path the backslashes become slashes.
-std::string NarrowText(const wchar_t* wide);
-std::string NarrowPath(const wchar_t* wide);
-std::wstring WideText(const std::string& narrow);
+// Names and paths in UTF-8, which this machine's calls take, and back: the path class converts (Text.cpp) and throws
+// for what is no text.
+inline std::string NarrowText(const wchar_t* wide) {
+    return std::filesystem::path(wide).string();
+}
+inline std::wstring WideText(const std::string& narrow) {
+    return std::filesystem::path(narrow).wstring();
+}

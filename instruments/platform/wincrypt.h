@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+// ---- Random numbers (Security.cpp)
 using HCRYPTPROV = ULONG_PTR;
 constexpr DWORD PROV_RSA_FULL = 1, CRYPT_NEWKEYSET = 8;
 constexpr HRESULT NTE_BAD_KEYSET = static_cast<HRESULT>(0x80090016);
@@ -13,7 +14,8 @@ BOOL CryptAcquireContextW(HCRYPTPROV* provider, LPCWSTR container, LPCWSTR provi
 BOOL CryptGenRandom(HCRYPTPROV provider, DWORD bytes, BYTE* buffer);
 BOOL CryptReleaseContext(HCRYPTPROV provider, DWORD flags);
 
-// ---- Certificates (Certificates.cpp)
+// ---- Certificate stores and chains of a machine that trusts nobody: every chain ends at a root that is not trusted.
+// Like the platform: what is no certificate is not added. Unlike it: of a certificate the frame alone is looked at.
 #define szOID_PKIX_KP_SERVER_AUTH "1.3.6.1.5.5.7.3.1"
 #define CERT_STORE_PROV_MEMORY (reinterpret_cast<const char*>(2))
 #define CERT_CHAIN_POLICY_SSL (reinterpret_cast<const char*>(4))
@@ -29,29 +31,23 @@ constexpr DWORD CERT_TRUST_IS_NOT_TIME_VALID = 1, CERT_TRUST_IS_REVOKED = 4, CER
                 CERT_TRUST_IS_EXPLICIT_DISTRUST = 0x4000000, CERT_TRUST_HAS_NOT_SUPPORTED_CRITICAL_EXT = 0x8000000;
 constexpr HRESULT CERT_E_CN_NO_MATCH = static_cast<HRESULT>(0x800B010F),
                   TRUST_E_EXPLICIT_DISTRUST = static_cast<HRESULT>(0x800B0111);
-struct CERT_CONTEXT {
-    DWORD cbCertEncoded;
-};
+struct CERT_CONTEXT {};
 using PCCERT_CONTEXT = const CERT_CONTEXT*;
-struct CERT_TRUST_STATUS {
-    DWORD dwErrorStatus;
-};
 struct CERT_CHAIN_CONTEXT {
-    CERT_TRUST_STATUS TrustStatus;
+    struct {
+        DWORD dwErrorStatus;
+    } TrustStatus;
 };
 using PCCERT_CHAIN_CONTEXT = const CERT_CHAIN_CONTEXT*;
-struct CERT_ENHKEY_USAGE {
-    DWORD cUsageIdentifier;
-    LPSTR* rgpszUsageIdentifier;
-};
-struct CERT_USAGE_MATCH {
-    DWORD dwType;
-    CERT_ENHKEY_USAGE Usage;
-};
 struct CERT_CHAIN_PARA {
-    DWORD cbSize;
-    CERT_USAGE_MATCH RequestedUsage;
-    DWORD dwUrlRetrievalTimeout;
+    DWORD cbSize, dwUrlRetrievalTimeout;
+    struct {
+        DWORD dwType;
+        struct {
+            DWORD cUsageIdentifier;
+            LPSTR* rgpszUsageIdentifier;
+        } Usage;
+    } RequestedUsage;
 };
 struct SSL_EXTRA_CERT_CHAIN_POLICY_PARA {
     DWORD cbSize, dwAuthType, fdwChecks;
@@ -64,13 +60,35 @@ struct CERT_CHAIN_POLICY_PARA {
 struct CERT_CHAIN_POLICY_STATUS {
     DWORD cbSize, dwError;
 };
-HCERTSTORE CertOpenStore(const char* provider, DWORD encoding, HCRYPTPROV, DWORD flags, const void* parameter);
-BOOL CertCloseStore(HCERTSTORE store, DWORD flags);
-BOOL CertAddEncodedCertificateToStore(HCERTSTORE store, DWORD encoding, const BYTE* bytes, DWORD length,
-                                      DWORD disposition, PCCERT_CONTEXT* added);
-BOOL CertFreeCertificateContext(PCCERT_CONTEXT certificate);
-BOOL CertGetCertificateChain(void* engine, PCCERT_CONTEXT certificate, void* time, HCERTSTORE others,
-                             CERT_CHAIN_PARA* parameters, DWORD flags, void* reserved, PCCERT_CHAIN_CONTEXT* chain);
-void CertFreeCertificateChain(PCCERT_CHAIN_CONTEXT chain);
-BOOL CertVerifyCertificateChainPolicy(const char* policy, PCCERT_CHAIN_CONTEXT chain, CERT_CHAIN_POLICY_PARA*,
-                                      CERT_CHAIN_POLICY_STATUS* status);
+// A store in memory is its own and only content.
+inline HCERTSTORE CertOpenStore(const char*, DWORD, HCRYPTPROV, DWORD, const void*) {
+    return new char;
+}
+inline BOOL CertCloseStore(HCERTSTORE store, DWORD) {
+    delete static_cast<char*>(store);
+    return TRUE;
+}
+inline BOOL CertAddEncodedCertificateToStore(HCERTSTORE, DWORD, const BYTE* bytes, DWORD length, DWORD,
+                                             PCCERT_CONTEXT* added) {
+    // A sequence with a length of two bytes, which is all that lies there.
+    const bool isFrame = length > 3 && bytes[0] == 0x30 && bytes[1] == 0x82 && bytes[2] * 256U + bytes[3] + 4 == length;
+    *added = isFrame ? new CERT_CONTEXT : nullptr;
+    return isFrame;
+}
+inline BOOL CertFreeCertificateContext(PCCERT_CONTEXT certificate) {
+    delete certificate;
+    return TRUE;
+}
+inline BOOL CertGetCertificateChain(void*, PCCERT_CONTEXT, void*, HCERTSTORE, CERT_CHAIN_PARA*, DWORD, void*,
+                                    PCCERT_CHAIN_CONTEXT* chain) {
+    *chain = new CERT_CHAIN_CONTEXT{{CERT_TRUST_IS_UNTRUSTED_ROOT | CERT_TRUST_REVOCATION_STATUS_UNKNOWN}};
+    return TRUE;
+}
+inline void CertFreeCertificateChain(PCCERT_CHAIN_CONTEXT chain) {
+    delete chain;
+}
+// Nobody asks: such a chain is refused before.
+inline BOOL CertVerifyCertificateChainPolicy(const char*, PCCERT_CHAIN_CONTEXT, CERT_CHAIN_POLICY_PARA*,
+                                             CERT_CHAIN_POLICY_STATUS*) {
+    return FALSE;
+}

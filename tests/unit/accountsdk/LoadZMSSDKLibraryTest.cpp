@@ -4,22 +4,13 @@
 
 namespace {
 
-// The box's icon is a "Static" too, without text.
-HWND FindText(HWND box) {
-    HWND label = nullptr;
-    while ((label = FindWindowExW(box, label, L"Static", nullptr)) != nullptr && GetWindowTextLengthW(label) == 0) {
-    }
-    return label;
-}
-
 // Waits for a message box with the caption, gives its text and closes it.
 std::wstring TextOfMessageBox(const wchar_t* caption) {
     for (const ULONGLONG deadline = GetTickCount64() + 20'000; GetTickCount64() < deadline; Sleep(20)) {
+        constexpr int kTextOfBox = 0xFFFF;
         const HWND box = FindWindowW(nullptr, caption);
-        const HWND label = box == nullptr ? nullptr : FindText(box);
-        if (label != nullptr) {
-            wchar_t text[256] = {};
-            SendMessageW(label, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(text));
+        wchar_t text[256] = {};
+        if (box != nullptr && GetDlgItemTextW(box, kTextOfBox, text, 256) > 0) {
             PostMessageW(box, WM_CLOSE, 0, 0);
             return text;
         }

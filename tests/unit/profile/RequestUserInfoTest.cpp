@@ -125,7 +125,7 @@ TEST_F(RequestUserInfo, MissingAndMistypedMembersAreStoredEmpty) {
 // overwritten.
 TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIsClosed) {
     const std::filesystem::path link = Portrait().wstring() + L".link";
-    ASSERT_TRUE(CreateHardLinkW(link.wstring().c_str(), Portrait().wstring().c_str(), nullptr));
+    std::filesystem::create_hard_link(Portrait(), link);
     bool openAtMessage = false;
     Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};

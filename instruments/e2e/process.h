@@ -4,3 +4,4 @@
 
 std::uintptr_t _beginthreadex(void* security, unsigned stack, unsigned (*run)(void*), void* argument, unsigned flags,
                               unsigned* id);
+[[noreturn]] void FreeLibraryAndExitThread(HMODULE module, DWORD exitCode);

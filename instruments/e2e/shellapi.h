@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+// Of this process alone: the text is not looked at.
+inline LPCWSTR GetCommandLineW() {
+    return L"";
+}
 LPWSTR* CommandLineToArgvW(LPCWSTR commandLine, int* count);
 
 // A machine without a browser: nothing is associated with a URL.
