@@ -52,7 +52,7 @@ TEST(OsVersionText, EveryRowOfTheTable) {
 
 TEST(OsVersionText, NtdllCorrectsWhatTheVersionRecordSays) {
     const OsVersion record{6, 2, 9200, 1, 2, 1, 9};
-    EXPECT_EQ(ComposeOsVersionText(userauth::WithTrueNumbers(record, 10, 0, 0xF0004A61), {}),
+    EXPECT_EQ(ComposeOsVersionText(userauth::WithTrueNumbers(record, 10, 0, 0xF0014A61), {}),
               L"Microsoft Windows NT 10.0.19041.1");
 }
 

@@ -96,10 +96,10 @@ TEST(SmbiosTable, ReadsEveryStructureItKnows) {
     EXPECT_EQ(identity.bios.releaseDate, L"date");
     EXPECT_EQ(identity.bios.release, L"4.7");
     EXPECT_EQ(identity.bios.embeddedControllerRelease, L"1.02");
-    EXPECT_EQ(identity.baseboard.manufacturer, L"b");
-    EXPECT_EQ(identity.baseboard.assetTag, L"f");
-    EXPECT_EQ(identity.enclosure.version, L"h");
-    EXPECT_EQ(identity.enclosure.assetTag, L"j");
+    const auto& [manufacturer, product, version, serialNumber, assetTag] = identity.baseboard;
+    EXPECT_EQ(manufacturer + product + version + serialNumber + assetTag, L"bcdef");
+    const auto& enclosure = identity.enclosure;
+    EXPECT_EQ(enclosure.manufacturer + enclosure.version + enclosure.serialNumber + enclosure.assetTag, L"ghij");
     EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
     EXPECT_EQ(identity.system.manufacturer, L"maker");
     EXPECT_EQ(identity.system.version, L"v1");
@@ -167,7 +167,7 @@ TEST(DeviceIdentity, NameHeaderHasADefaultAndALimit) {
     EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
     identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');
     EXPECT_EQ(userauth::DeviceNameHeader(identity), std::wstring(249, L'a') + L"b");
-    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x7F\x80\x9F\xA0\u00E9", 13);
-    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d   \xA0\u00E9") << "control characters as blanks";
+    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x1F\x7F\x80\x9F\xA0\u00E9", 14);
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d    \xA0\u00E9") << "control characters as blanks";
     EXPECT_EQ(&userauth::CurrentDeviceIdentity(), &userauth::CurrentDeviceIdentity());
 }

@@ -109,12 +109,19 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
     Recording().duringExchange = [](const std::wstring&) { FAIL() << "nothing is asked when both are there"; };
     EXPECT_TRUE(m_keys.InitUserSyncKey());
     EXPECT_EQ(Recording().TakeOutcome(), Lines{});
+    for (auto* const lastByte :
+         {&m_record.driveKey1[16], &m_record.driveKey3[32], &m_record.photoKey1[16], &m_record.photoKey3[32]}) {
+        *lastByte = 1;
+    }
     m_keys.ClearUserSyncKey();
     EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
     EXPECT_FALSE(m_keys.IsCloudPhotoKeyInited());
-    EXPECT_EQ(Zeros(m_record.driveKey3), 33U);
-    EXPECT_EQ(Zeros(m_record.photoKey1), 17U);
+    EXPECT_EQ(Zeros(m_record.driveKey1) + Zeros(m_record.photoKey1), 2 * 17U);
+    EXPECT_EQ(Zeros(m_record.driveKey3) + Zeros(m_record.photoKey3), 2 * 33U);
     EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11") << "uuids stay";
+    EXPECT_STREQ(m_record.driveKeyUuid3, L"long-11");
+    EXPECT_STREQ(m_record.photoKeyUuid1, L"short-12");
+    EXPECT_STREQ(m_record.photoKeyUuid3, L"long-12");
 }
 
 TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
