@@ -149,7 +149,7 @@ void ReadStructure(const Structure& structure, DeviceIdentity& identity) {
 
 DeviceIdentity ReadSmbiosTable(const std::uint8_t* bytes, std::size_t size) {
     DeviceIdentity identity;
-    if (bytes == nullptr || size < kRawHeaderBytes) {
+    if (size < kRawHeaderBytes) {
         return identity;
     }
     identity.smbiosMajorVersion = bytes[1];

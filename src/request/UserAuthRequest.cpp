@@ -31,7 +31,6 @@ void FillResult(WebRequestResult& result, Exchange&& exchange) {
         length = CopyString(result.szResponse, WebRequestResult::kResponseBytes, response.c_str());
     } catch (...) {
         code = 0;
-        length = 0;
     }
     result.nHttpCode = code;
     // The rest of the record is zero, whatever the caller had in it.

@@ -24,7 +24,7 @@ std::wstring LegacyRefreshToken() {
     std::string plaintext = userauth::UnprotectForCurrentUser(userauth::Base64Decode(text));
     const userauth::WipeAtExit wipePlaintext(plaintext);
     const auto length = static_cast<std::int32_t>(plaintext.size() - userauth::LocalTimeStamp().size());
-    if (plaintext.empty() || length <= 0) {
+    if (length <= 0) {
         return {};
     }
     plaintext.resize(static_cast<std::size_t>(length));

@@ -1,35 +1,10 @@
 #include <regex>
-#include <sstream>
 
 #include "LegacyItem.h"
 #include "SandboxSession.h"
+#include "Userauth.h"
 
 using HostProgramSession = SandboxSession;
-
-namespace {
-
-class Userauth : public ChildProcess {
-public:
-    explicit Userauth(const std::wstring& arguments) : ChildProcess(L"userauth.exe", arguments), m_code(Finish()) {}
-
-    // The steps of a run with --json by their names; fails the test where a line of the output is no step.
-    std::map<std::string, Json::Value> Steps() const {
-        std::map<std::string, Json::Value> steps;
-        std::istringstream lines(m_output);
-        for (std::string line; std::getline(lines, line);) {
-            Json::Value step;
-            std::istringstream text(line);
-            EXPECT_NO_THROW(text >> step) << line;
-            EXPECT_TRUE(step.isObject()) << line;
-            steps[step.get("step", "").asString()] = step;
-        }
-        return steps;
-    }
-
-    const int m_code;
-};
-
-}  // namespace
 
 TEST(HostProgram, TheDemoSucceedsOverHttp) {
     const Userauth run(L"demo");
@@ -125,4 +100,49 @@ TEST_F(HostProgramSession, ALegacySignInIsTakenOverWithoutTheCountry) {
     EXPECT_EQ(registration["privilege"], "yes");
     EXPECT_NE(ReadFile(log).find("UpdateRegistInfo successed!"), std::string::npos) << "control step";
     EXPECT_EQ((run.m_output + ReadFile(log)).find(refreshToken), std::string::npos);
+}
+
+// A host that calls an operation good whatever the service answers would show nothing.
+TEST_F(HostProgramSession, AnOperationThatFailsIsAStepThatFails) {
+    const std::string pc = "/KeCloudUserFoundationService/PC/";
+    const std::string user = "/KeCloudUserInformationService/v1/";
+    const struct {
+        const wchar_t* command;
+        std::string endpoint;
+        const char* step;
+        const char* fault = R"({"status":500})";
+    } rows[] = {
+        {L"whoami", "/gateway", "gateway-user-id"},
+        {L"whoami", "/gateway", "gateway-user-id", R"({"body":"{\"uid\":\"\"}"})"},
+        {L"whoami", "/gateway", "sync-server-user-id", R"({"body":"{\"uid\":\"another\"}"})"},
+        {L"whoami", "/drive/v1/about", "sync-server-user-id"},
+        {L"profile", user + "users", "profile"},
+        {L"profile", user + "users", "profile", R"({"body":"{}"})"},
+        {L"registration", "/pcclient/getRegisterInfo", "registration"},
+        {L"modules", "/drive/v1/about", "user-id"},
+        {L"modules", pc + "sysConfInit", "system-configuration"},
+        {L"activate", pc + "sysConfRefresh", "activation"},
+        {L"report", pc + "postOpDesc", "report"},
+        {L"report", pc + "getUserRegister", "client-logs"},
+        {L"devices", pc + "getLastOperationRecord", "login-devices"},
+        {L"refresh", "/pcclient/refreshtoken", "refresh"},
+        {L"refresh", "/pcclient/refreshtoken", "refresh", R"({"body":"{}"})"},
+        {L"application-token", "/pcclient/getAppAccessToken", "application-token"},
+        {L"application-token", "/pcclient/getAppAccessToken", "application-token", R"({"body":"{}"})"},
+        {L"keys", user + "keys/publicKey", "sync-keys"},
+        {L"keys", user + "keys", "sync-keys"},
+        {L"migrate", "/pcclient/refreshtoken", "legacy-sign-in"},
+    };
+    const std::wstring platform = L" status --json --platform " + Wide(m_sandbox.m_http);
+    for (const auto& row : rows) {
+        m_sandbox.Fault(row.endpoint, row.fault);
+        const Userauth run(L"sign-in " + (row.command + platform));
+        const std::string name = Narrow(row.command) + " " + row.endpoint + row.fault;
+        EXPECT_EQ(run.m_code, 1) << name << run.m_output << run.m_error;
+        auto steps = run.Steps();
+        EXPECT_TRUE(steps["request-at"]["ok"].asBool()) << name;
+        EXPECT_TRUE(steps[row.step].isMember("ok") && !steps[row.step]["ok"].asBool()) << name << run.m_output;
+        EXPECT_EQ(steps.count("status"), 0U) << name << ": the first failure ends the session";
+        EXPECT_TRUE(steps["close-sdk"]["ok"].asBool()) << name << ": but the SDK is released";
+    }
 }

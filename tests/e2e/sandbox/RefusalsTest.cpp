@@ -1,47 +1,11 @@
 #include <UserSyncKeyService.h>
 
-#include <sstream>
-
-#include "HttpCall.h"
+#include "RecordedRequest.h"
 #include "SandboxSession.h"
 
 namespace {
 
 using Refusals = SandboxSession;
-using HeaderMap = std::map<std::wstring, std::wstring>;
-
-// A request as the sandbox received it, to be sent again.
-struct RecordedRequest {
-    std::string method;
-    std::string target;
-    HeaderMap headers;  // without those that the HTTP library adds by itself
-    std::string body;
-
-    explicit RecordedRequest(const Json::Value& recorded) : body(recorded["body"].asString()) {
-        std::istringstream head(recorded["head"].asString());
-        std::string line;
-        head >> method >> target;
-        std::getline(head, line);
-        while (std::getline(head, line) && line.size() > 1) {
-            const std::size_t colon = line.find(':');
-            const std::string name = line.substr(0, colon);
-            const std::string value = line.size() > colon + 3 ? line.substr(colon + 2, line.size() - colon - 3) : "";
-            if (name != "Content-Length" && value != "*/*" &&
-                (name != "Host" || value.find(':') == std::string::npos)) {
-                headers[Wide(name)] = Wide(value);
-            }
-        }
-    }
-
-    // The reply's status, and its text behind a blank.
-    std::string SendTo(const SandboxServer& sandbox, const HeaderMap& otherHeaders, const std::string& otherBody,
-                       const std::string& query = "") const {
-        HttpCall call(sandbox.Url(target + query), otherHeaders);
-        const int code = method == "POST" ? call.Post(Wide(otherBody), 20) : call.Send(20);
-        return std::to_string(code) + " " + call.response;
-    }
-};
-
 // Not a fault of the sandbox, such as 500; a wrong header is named.
 bool IsRefused(const std::string& reply, const std::string& header = "") {
     const std::string status = reply.substr(0, 4);
@@ -76,7 +40,7 @@ TEST_F(Refusals, EveryEndpointRefusesWhatIsNotQuiteRight) {
         const RecordedRequest request(m_sandbox.Control("/sandbox/last-request?endpoint=" + endpoint));
         ASSERT_EQ(request.SendTo(m_sandbox, request.headers, request.body).substr(0, 4), "200 ")
             << endpoint << " as it was";
-        HeaderMap more = request.headers;
+        RecordedRequest::HeaderMap more = request.headers;
         more[L"x-zv-extra"] = L"1";
         EXPECT_TRUE(IsRefused(request.SendTo(m_sandbox, more, request.body))) << endpoint << " with one more header";
         const char* const another = request.target.find('?') == std::string::npos ? "?a=b" : "&a=b";
@@ -88,7 +52,7 @@ TEST_F(Refusals, EveryEndpointRefusesWhatIsNotQuiteRight) {
             EXPECT_TRUE(IsRefused(request.SendTo(m_sandbox, request.headers, ""))) << endpoint << " without its body";
         }
         for (const auto& [name, value] : request.headers) {
-            HeaderMap headers = request.headers;
+            RecordedRequest::HeaderMap headers = request.headers;
             // Any text up to 250 characters is a good device name.
             headers[name] = name == L"x-zv-device-name" ? std::wstring(251, L'x') : L"x" + value;
             const std::string reply = request.SendTo(m_sandbox, headers, request.body);

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cstddef>
 #include <future>
 
 #include "ServiceFixture.h"
@@ -18,11 +20,25 @@ std::wstring TextOfMessageBox(const wchar_t* caption) {
     return L"no box";
 }
 
-std::vector<bool> Resolved(const AccountSdkEntryPoints& sdk) {
-    const auto resolved = [](auto... entryPoints) { return std::vector<bool>{(entryPoints != nullptr)...}; };
+// The entry points in the order of their names below.
+std::vector<FARPROC> Resolved(const AccountSdkEntryPoints& sdk) {
+    const auto resolved = [](auto... entryPoints) {
+        return std::vector<FARPROC>{reinterpret_cast<FARPROC>(entryPoints)...};
+    };
     return resolved(sdk.init, sdk.uninit, sdk.signIn, sdk.openAccountCenter, sdk.hasAccountChanged,
                     sdk.registerNotifyFunction, sdk.isSupportAccount, sdk.getOAuthDomain, sdk.isAccountLoggedIn,
                     sdk.setLogoutEnable);
+}
+
+// What the loaded SDK exports under these names; null for the others.
+std::vector<FARPROC> Exported() {
+    std::vector<FARPROC> exported;
+    for (const char* name :
+         {"Init", "Uninit", "SignIn", "OpenAccountCenter", "HasAccountChanged", "RegisterNotifyFunction",
+          "IsSupportAccount", "GetOAuthDomain", "IsAccountLoggedIn", "SetLogoutEnable"}) {
+        exported.push_back(GetProcAddress(GetModuleHandleW(L"ZVAccountSdk.dll"), name));
+    }
+    return exported;
 }
 
 }  // namespace
@@ -34,7 +50,7 @@ TEST(LoadZMSSDKLibrary, WithoutTheSdkABoxShowsTheErrorAndTheServiceLives) {
     const auto service = UserAuthServiceAccess::Make();
     EXPECT_EQ(text.get(), L"dwError = 126 \r\n");
     EXPECT_FALSE(UserAuthServiceAccess::SdkLoaded(*service));
-    EXPECT_EQ(Resolved(UserAuthServiceAccess::Sdk(*service)), std::vector<bool>(10, false));
+    EXPECT_EQ(Resolved(UserAuthServiceAccess::Sdk(*service)), std::vector<FARPROC>(10));
     EXPECT_EQ(Recording().journal, Log("5", "LoadZMSSDKLibrary", "Error: Load ZMS SDK library failed!"));
 
     // The start-send flag is set first and whatever follows; every operation answers for its missing entry point.
@@ -56,17 +72,16 @@ TEST(LoadZMSSDKLibrary, WithoutTheSdkABoxShowsTheErrorAndTheServiceLives) {
 TEST(LoadZMSSDKLibrary, MissingExportsLeaveOnlyTheirOwnPointersNull) {
     const struct {
         const char* sdk;
-        std::vector<bool> resolved;
-    } rows[] = {
-        {"scripted-sdk.dll", std::vector<bool>(10, true)},
-        {"init-only-sdk.dll", {true, true, false, false, false, false, false, false, false, false}},
-    };
+        std::ptrdiff_t missing;
+    } rows[] = {{"scripted-sdk.dll", 0}, {"init-only-sdk.dll", 8}};
     for (const auto& row : rows) {
         Recording() = SuiteRecording();
         const InstalledSdk sdk(row.sdk);
         const auto service = UserAuthServiceAccess::Make();
         EXPECT_TRUE(UserAuthServiceAccess::SdkLoaded(*service)) << row.sdk;
-        EXPECT_EQ(Resolved(UserAuthServiceAccess::Sdk(*service)), row.resolved) << row.sdk;
+        const std::vector<FARPROC> resolved = Resolved(UserAuthServiceAccess::Sdk(*service));
+        EXPECT_EQ(resolved, Exported()) << row.sdk;
+        EXPECT_EQ(std::count(resolved.begin(), resolved.end(), nullptr), row.missing) << row.sdk;
         EXPECT_EQ(Recording().journal, Log("2", "LoadZMSSDKLibrary", "Load ZMS SDK library successed!")) << row.sdk;
     }
 }

@@ -56,7 +56,7 @@ TEST_F(SdkOperations, PassArgumentsAndCodesThrough) {
         {"Uninit's code replaces Init's", failures, initialize, 3, "Init()Uninit()", {}},
         {"InitZms", Codes{{"RegisterNotifyFunction", 9}}, initZms, 9, "Init()RegisterNotifyFunction(callback)",
          started + initialized},
-        {"InitZms goes on when Uninit answers 0", Codes{{"Init", 7}}, initWithoutCallback, 0,
+        {"InitZms goes on when Uninit answers 0", Codes{{"Init", -7}}, initWithoutCallback, 0,
          "Init()Uninit()RegisterNotifyFunction(null)", started},
         {"InitZms stops at a failure", failures, initZms, 3, "Init()Uninit()", started},
         {"UnInitializeSDK", {{"Uninit", 4}}, uninitialize, 4, "Uninit()", {}},

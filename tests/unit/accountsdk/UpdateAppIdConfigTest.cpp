@@ -13,6 +13,7 @@ TEST_F(UpdateAppIdConfig, SetsOneMemberOrLeavesTheFile) {
     } rows[] = {
         {"member missing", R"({"a":[1,2]})", "{\n   \"a\" : [ 1, 2 ],\n   \"client_id\" : \"104862915\"\n}\n"},
         {"member replaced", R"({"client_id":7})", "{\n   \"client_id\" : \"104862915\"\n}\n"},
+        {"nothing but null", "null", "{\n   \"client_id\" : \"104862915\"\n}\n"},
         {"member that the writer would cut to the same name", R"({"client_id\u0000":7})",
          "{\n   \"client_id\" : \"104862915\"\n}\n"},
         {"no file", std::nullopt, std::nullopt},

@@ -1,7 +1,9 @@
 #include <ParamStore.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
+#include <new>
 #include <set>
 #include <thread>
 
@@ -10,7 +12,30 @@
 #include "core/AccountBrandText.h"
 #include "core/WindowMessages.h"
 
+namespace {
+
 using AccountState = ServiceTest;
+using namespace std::chrono_literals;
+
+// How an operation takes the lock. One that takes none, by design, leaves its ordering to the host.
+enum class Takes { kNothing, kShared, kExclusive };
+
+// Whether the operation, on a thread of its own, waits for this thread to let go of the lock.
+bool Waits(SRWLOCK* lock, bool heldExclusively, bool isToWait, const std::function<void()>& operation) {
+    heldExclusively ? AcquireSRWLockExclusive(lock) : AcquireSRWLockShared(lock);
+    std::promise<void> begun;
+    const auto ended = std::async(std::launch::async, [&] {
+        begun.set_value();
+        operation();
+    });
+    begun.get_future().wait();
+    const bool waits = ended.wait_for(isToWait ? 20ms : 10s) == std::future_status::timeout;
+    heldExclusively ? ReleaseSRWLockExclusive(lock) : ReleaseSRWLockShared(lock);
+    ended.wait();
+    return waits;
+}
+
+}  // namespace
 
 // While a push runs no reader may get in: it would see a value that the store may not have yet.
 TEST_F(AccountState, SettersPushToTheStoreInsideTheExclusiveHoldAndOnlyTheseDo) {
@@ -49,6 +74,67 @@ TEST_F(AccountState, ClearEmptiesFourFieldsAndTellsNobody) {
         AccountFields(*m_service),
         (Fields{{"user name", L"name"}, {"portrait URL", L"url"}, {"account brand", L"7"}, {"country", L"\u00C9"}}));
     EXPECT_EQ(m_service->GetCountryCode(), "\xC3\x89");
+}
+
+TEST_F(AccountState, EachAccessorTakesTheLockInItsOwnWay) {
+    UserAuthService& service = *m_service;
+    const struct {
+        const char* name;
+        Takes takes;
+        std::function<void()> operation;
+    } rows[] = {
+        {"GetCurrentAT", Takes::kShared, [&] { service.GetCurrentAT(); }},
+        {"GetCurrentRT", Takes::kShared, [&] { service.GetCurrentRT(); }},
+        {"GetCurrentUserID", Takes::kShared, [&] { service.GetCurrentUserID(); }},
+        {"GetCurrentUserName", Takes::kShared, [&] { service.GetCurrentUserName(); }},
+        {"GetCurrentUserHeadImageUrl", Takes::kShared, [&] { service.GetCurrentUserHeadImageUrl(); }},
+        {"GetCurrentUserHeadImageLocalPath", Takes::kShared, [&] { service.GetCurrentUserHeadImageLocalPath(); }},
+        {"GetCurrentCountryCode", Takes::kShared, [&] { service.GetCurrentCountryCode(); }},
+        {"GetCurrentUserAccountBrandID", Takes::kShared, [&] { service.GetCurrentUserAccountBrandID(); }},
+        {"BuildHeaders", Takes::kShared,
+         [&] { UserAuthServiceAccess::BuildHeaders(service, HeadType::kAccessToken, L""); }},
+        {"SetCurrentAT", Takes::kExclusive, [&] { service.SetCurrentAT(L"at"); }},
+        {"SetCurrentRT", Takes::kExclusive, [&] { service.SetCurrentRT(L"rt"); }},
+        {"SetCurrrentUserID", Takes::kExclusive, [&] { service.SetCurrrentUserID(L"uid"); }},
+        {"SetCurrentUserInfo", Takes::kExclusive, [&] { service.SetCurrentUserInfo(L"u", L"n", L"l", 1); }},
+        {"SetCurrentUserHeadImageLocalPath", Takes::kExclusive,
+         [&] { service.SetCurrentUserHeadImageLocalPath(L"p"); }},
+        {"Clear", Takes::kExclusive, [&] { service.Clear(); }},
+        {"GetCountryCode", Takes::kNothing, [&] { service.GetCountryCode(); }},
+        {"GetLanguageType", Takes::kNothing, [&] { service.GetLanguageType(); }},
+        {"GetValidModule", Takes::kNothing, [&] { service.GetValidModule(); }},
+        {"SetRealUserKey", Takes::kNothing, [&] { service.SetRealUserKey({1}); }},
+        {"GetRealUserKey", Takes::kNothing, [&] { service.GetRealUserKey(); }},
+        {"GetCurrentPriviledge", Takes::kNothing, [&] { service.GetCurrentPriviledge(); }},
+        {"GetClientLogReportStatus", Takes::kNothing, [&] { service.GetClientLogReportStatus(); }},
+        {"IsActiveAccount", Takes::kNothing, [&] { service.IsActiveAccount(); }},
+        {"IsAvailableCountry", Takes::kNothing, [&] { service.IsAvailableCountry(); }},
+        {"GetGPWPtr", Takes::kNothing, [&] { service.GetGPWPtr(); }},
+        {"GetTraceID", Takes::kNothing, [&] { service.GetTraceID(BaseCmd::kRequestAccessToken); }},
+        {"SetAtExpireCallback", Takes::kNothing, [&] { service.SetAtExpireCallback(nullptr); }},
+    };
+    SRWLOCK* const lock = UserAuthServiceAccess::NativeLock(service);
+    for (const auto& row : rows) {
+        const bool toAnExclusiveHolder = row.takes != Takes::kNothing;
+        const bool toASharedHolder = row.takes == Takes::kExclusive;
+        EXPECT_EQ(Waits(lock, true, toAnExclusiveHolder, row.operation), toAnExclusiveHolder) << row.name;
+        EXPECT_EQ(Waits(lock, false, toASharedHolder, row.operation), toASharedHolder) << row.name;
+    }
+}
+
+// The store did not take the value, so the account state does not either.
+TEST_F(AccountState, APushThatFailsChangesNothing) {
+    m_service->SetCurrentAT(L"at");
+    m_service->SetCurrentRT(L"rt");
+    m_service->SetCurrentUserInfo(L"uid", L"name", L"url", 7);
+    const Fields before = AccountFields(*m_service);
+    Recording().duringPush = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(m_service->SetCurrentAT(L"other"), std::bad_alloc);
+    EXPECT_THROW(m_service->SetCurrentRT(L"other"), std::bad_alloc);
+    EXPECT_THROW(m_service->SetCurrrentUserID(L"other"), std::bad_alloc);
+    EXPECT_THROW(m_service->SetCurrentUserInfo(L"other", L"other", L"other", 8), std::bad_alloc);
+    EXPECT_EQ(AccountFields(*m_service), before);
+    EXPECT_EQ(userauth::g_accountBrandText, "7");
 }
 
 TEST_F(AccountState, ReadersSeeWholeValuesWhileWritersWrite) {

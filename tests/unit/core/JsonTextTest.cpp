@@ -38,11 +38,11 @@ TEST(JsonText, TheTwoReadersDifferInTheseRules) {
                 {"digits in a fraction", "[0." + digits + "1]", false, false},
                 {"digits behind it", "[]" + digits + "1", false, false},
                 {"digits in a string", R"(["\"/*)" + digits + digits + "\"]", true, true},
-                {"behind a string that ends in a backslash", R"(["\\",)" + digits + "1]", false, false},
+                {"behind a string that ends in a backslash", R"(["\\",0.)" + digits + "1]", false, false},
                 {"digits in comments", "[/*\"" + digits + "1*/1//\"" + digits + "1\n]", true, true},
-                {"behind a quote in a comment", "[/*\"*/" + digits + "1]", false, false},
-                {"behind a quote in a line's comment", "[//\"\r" + digits + "1]", false, false},
-                {"behind a comment that looks closed", "[/*/\"*/" + digits + "1]", false, false}};
+                {"behind a quote in a comment", "[/*\"*/0." + digits + "1]", false, false},
+                {"behind a quote in a line's comment", "[//\"\r0." + digits + "1]", false, false},
+                {"behind a comment that looks closed", "[/*/\"*/0." + digits + "1]", false, false}};
     for (const auto& row : rows) {
         Json::Value value;
         EXPECT_EQ(userauth::ParseDocument(row.text, value), row.byOlder) << row.name;

@@ -127,13 +127,31 @@ TEST_F(RequestUserInfo, TheOldPortraitIsDeletedAndTheMessageComesBeforeTheFileIs
     const std::filesystem::path link = Portrait().wstring() + L".link";
     std::filesystem::create_hard_link(Portrait(), link);
     bool openAtMessage = false;
-    Recording().onMainWindowAsked = [&] { openAtMessage = !IsClosed(); };
+    std::wstring pathAtMessage;
+    Recording().onMainWindowAsked = [&] {
+        openAtMessage = !IsClosed();
+        pathAtMessage = m_service->GetCurrentUserHeadImageLocalPath();
+    };
     Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};
     EXPECT_TRUE(m_service->RequestUserInfo());
     EXPECT_EQ(m_window.Messages(1), 1);
     EXPECT_TRUE(openAtMessage);
+    EXPECT_EQ(pathAtMessage, Portrait().wstring()) << "who gets the message finds the path";
     EXPECT_EQ(PortraitOnceClosed(), "new");
     EXPECT_EQ(ReadFile(link), kOldPortrait);
+}
+
+TEST_F(RequestUserInfo, ASuiteThatThrowsInTheDownloadCountsAsAFailedOne) {
+    Recording().onMainWindowAsked = [asked = 0]() mutable {
+        if (++asked == 1) {
+            throw 1;
+        }
+    };
+    Recording().replies = {{200, "{" + kLink + "}", {}}, {200, "new", {}}};
+    EXPECT_TRUE(m_service->RequestUserInfo());
+    EXPECT_EQ(m_window.Messages(1), 1);
+    EXPECT_EQ(m_service->GetCurrentUserHeadImageLocalPath(), L"");
+    EXPECT_EQ(PortraitOnceClosed(), "new");
 }
 
 TEST_F(RequestUserInfo, TwoDownloadsIntoOneFileAtOnceAreSurvived) {

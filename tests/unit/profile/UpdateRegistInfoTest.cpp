@@ -43,7 +43,7 @@ TEST_F(UpdateRegistInfo, StoresWhatAGoodReplySays) {
     const std::wstring trace = Recording().requestHeaders.at(L"x-zv-trace-id");
     EXPECT_EQ(trace.substr(0, 9), L"12003_11_");
     EXPECT_EQ(Recording().postData, L"{\"registerCountryCode\":\"\\u00c9\",\"traceId\":\"" + trace + L"\"}\n");
-    EXPECT_EQ(Recording().requestHeaders.at(L"Authorization"), L"Njo6MTA0ODYyOTE1OjphdA==");  // 6::104862915::at
+    EXPECT_EQ(Recording().requestHeaders, UserAuthServiceAccess::BuildHeaders(*m_service, HeadType::kAccount, trace));
 }
 
 TEST_F(UpdateRegistInfo, IsChinaAccountComparesTheCountry) {

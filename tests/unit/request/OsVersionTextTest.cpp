@@ -1,6 +1,7 @@
 #include "request/OsVersionText.h"
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <regex>
 #include <vector>
@@ -52,11 +53,18 @@ TEST(OsVersionText, EveryRowOfTheTable) {
 
 TEST(OsVersionText, NtdllCorrectsWhatTheVersionRecordSays) {
     const OsVersion record{6, 2, 9200, 1, 2, 1, 9};
-    EXPECT_EQ(ComposeOsVersionText(userauth::WithTrueNumbers(record, 10, 0, 0xF0004A61), {}),
+    EXPECT_EQ(ComposeOsVersionText(userauth::WithTrueNumbers(record, 10, 0, 0xF0014A61), {}),
               L"Microsoft Windows NT 10.0.19041.1");
 }
 
 TEST(OsVersionText, ThisMachineHasAName) {
-    EXPECT_TRUE(std::regex_match(userauth::OsVersionText(),
-                                 std::wregex(L"Microsoft Windows [\\w. ]+ \\d+\\.\\d+\\.\\d{4,5}\\.\\d+")));
+    const std::wstring text = userauth::OsVersionText();
+    std::wsmatch parts;
+    ASSERT_TRUE(
+        std::regex_match(text, parts, std::wregex(L"Microsoft Windows ([\\w. ]+) \\d+\\.\\d+\\.(\\d{4,5})\\.(\\d+)")));
+    OSVERSIONINFOEXW record{};
+    record.dwOSVersionInfoSize = sizeof(record);
+    ASSERT_NE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&record)), FALSE);
+    EXPECT_EQ(parts[1].str().find(L"Server") == std::wstring::npos, record.wProductType == 1);
+    EXPECT_EQ(parts[3].str(), std::to_wstring(record.wServicePackMajor));
 }

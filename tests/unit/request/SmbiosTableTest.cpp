@@ -96,14 +96,42 @@ TEST(SmbiosTable, ReadsEveryStructureItKnows) {
     EXPECT_EQ(identity.bios.releaseDate, L"date");
     EXPECT_EQ(identity.bios.release, L"4.7");
     EXPECT_EQ(identity.bios.embeddedControllerRelease, L"1.02");
-    EXPECT_EQ(identity.baseboard.manufacturer, L"b");
-    EXPECT_EQ(identity.baseboard.assetTag, L"f");
-    EXPECT_EQ(identity.enclosure.version, L"h");
-    EXPECT_EQ(identity.enclosure.assetTag, L"j");
+    const auto& [manufacturer, product, version, serialNumber, assetTag] = identity.baseboard;
+    EXPECT_EQ(manufacturer + product + version + serialNumber + assetTag, L"bcdef");
+    const auto& enclosure = identity.enclosure;
+    EXPECT_EQ(enclosure.manufacturer + enclosure.version + enclosure.serialNumber + enclosure.assetTag, L"ghij");
     EXPECT_EQ(identity.oemStrings, (std::vector<std::wstring>{L"o1", L"o2"}));
     EXPECT_EQ(identity.system.manufacturer, L"maker");
     EXPECT_EQ(identity.system.version, L"v1");
     EXPECT_EQ(identity.system.serialNumber, L"sn");
+}
+
+TEST(SmbiosTable, ReleaseNumbersAreTwoBytesThatMayBeUnsupported) {
+    const struct {
+        const char* name;
+        std::size_t length;
+        Bytes numbers;  // of the firmware, then of its controller
+        const wchar_t *release, *controller;
+    } rows[] = {
+        {"both", 24, "\4\7\1\2", L"4.7", L"1.02"},
+        {"major 255 alone", 24, "\xFF\7\xFF\2", L"255.7", L"255.02"},
+        {"minor 255 alone", 24, "\4\xFF\1\xFF", L"4.255", L"1.255"},
+        {"unsupported", 24, "\xFF\xFF\xFF\xFF", L"", L""},
+        {"no minor of the controller", 23, "\4\7\1", L"4.7", L""},
+        {"no controller", 22, "\4\7", L"4.7", L""},
+        {"no minor", 21, "\4", L"", L""},
+    };
+    for (const auto& row : rows) {
+        const auto bios = ReadStructures(Structure(0, row.length, Bytes(16, '\0') + row.numbers, Strings({}))).bios;
+        EXPECT_EQ(bios.release, row.release) << row.name;
+        EXPECT_EQ(bios.embeddedControllerRelease, row.controller) << row.name;
+    }
+}
+
+// Its last byte is the table's last.
+TEST(SmbiosTable, AStructureMayEndWithTheTable) {
+    const auto uuid = ReadStructures(Structure(1, 24, Bytes(4, '\0') + "ABCDEFGHIJKLMNOP", "")).system.uuid;
+    EXPECT_EQ(Bytes(uuid.begin(), uuid.end()), "ABCDEFGHIJKLMNOP");
 }
 
 TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
@@ -119,6 +147,9 @@ TEST(SmbiosTable, MalformedTablesAreReadAsFarAsTheyGo) {
         {"half a header", "\1\2\3", L""},
         {"announced 0", Table(system, 0), L""},
         {"announced too much", Table(system, 0xFFFFFFFF), L"Caf\u00E9 3000"},
+        {"announced less than there is",
+         Table(Structure(11, 5, "\1", Strings({std::string(300, 'o').c_str()})) + system, 307), L""},
+        {"length 4 before", Table(Structure(9, 4, "", Strings({})) + system, 500), L"Caf\u00E9 3000"},
         {"no end of table", Table(system, system.size()), L"Caf\u00E9 3000"},
         {"length 0 before", Table(Structure(9, 0, "", "") + system, 500), L""},
         {"length 3 before", Table(Structure(9, 3, "", "") + system, 500), L""},
@@ -167,7 +198,7 @@ TEST(DeviceIdentity, NameHeaderHasADefaultAndALimit) {
     EXPECT_EQ(userauth::DeviceNameHeader(identity), L"PC");
     identity.system.productName = std::wstring(249, L'a') + std::wstring(51, L'b');
     EXPECT_EQ(userauth::DeviceNameHeader(identity), std::wstring(249, L'a') + L"b");
-    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x7F\x80\x9F\xA0\u00E9", 13);
-    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d   \xA0\u00E9") << "control characters as blanks";
+    identity.system.productName = std::wstring(L"a\r\nb\tc\0d\x1F\x7F\x80\x9F\xA0\u00E9", 14);
+    EXPECT_EQ(userauth::DeviceNameHeader(identity), L"a  b c d    \xA0\u00E9") << "control characters as blanks";
     EXPECT_EQ(&userauth::CurrentDeviceIdentity(), &userauth::CurrentDeviceIdentity());
 }

@@ -21,6 +21,7 @@ TEST_F(TraceId, HasCommandCodeTimeAndDigits) {
 TEST_F(TraceId, RandomDigitsComeFromTheirAlphabetAndAreReseededEachSecond) {
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, 0), L"");
     EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, -3), L"");
+    EXPECT_EQ(UserAuthServiceAccess::Random(*m_service, 1).size(), 1U);
     std::time_t second = 0;
     std::wstring first, again, id, sameId;
     do {

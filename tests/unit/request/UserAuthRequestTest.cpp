@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ServiceFixture.h"
+#include "request/RequestLog.h"
 
 using userauth::JsonData;
 using userauth::UserAuthRequest;
@@ -75,9 +76,12 @@ TEST_F(UserAuthRequestTest, AGetPassesTheNullBody) {
     EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), Lines{"http SetHttpRequestMethod 0"});
     EXPECT_EQ(Recording().postData, L"null\n");
     EXPECT_EQ(m_result->nHttpCode, kHttpConnectFailed);
+    request.SetPostRequest(L"https://h/p", {{L"old", L"1"}}, JsonData());
     request.SetGetRequest(L"https://h/g", {{L"new", L"2"}});
+    Recording().journal.clear();
     request.SendWebRequest(*m_result);
     EXPECT_EQ(Recording().requestHeaders, (UserAuthRequest::HeaderMap{{L"new", L"2"}})) << "replaced, not merged";
+    EXPECT_EQ(Recording().Lines("http SetHttpRequestMethod"), Lines{"http SetHttpRequestMethod 0"});
 }
 
 TEST_F(UserAuthRequestTest, DownloadSetsNeitherBodyNorCertificatePath) {
@@ -122,6 +126,21 @@ TEST_F(UserAuthRequestTest, NothingThatTheSuiteThrowsLeavesASend) {
     EXPECT_EQ(m_result->nHttpCode, 0);
     EXPECT_STREQ(m_result->szResponse, "");
     EXPECT_EQ(m_request.SendDownRequest(nullptr), 0);
+}
+
+TEST_F(UserAuthRequestTest, AHandlerThatThrowsLeavesNothingOfTheReply) {
+    const auto former = _set_invalid_parameter_handler(
+        [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t) { throw 1; });
+    Recording().replies = {{200, std::string(40960, 'x'), {}}};
+    EXPECT_NO_THROW(m_request.SendWebRequest(*m_result));
+    _set_invalid_parameter_handler(former);
+    EXPECT_EQ(m_result->nHttpCode, 0);
+    EXPECT_STREQ(m_result->szResponse, "");
+}
+
+TEST(SummaryLine, CarriesAnyUrl) {
+    EXPECT_EQ(userauth::SummaryLine("Op", L"https://h/\u0E17?\u00E9", -3),
+              L"Op\nUrl:https://h/\u0E17?\u00E9\nHttpCode:-3");
 }
 
 TEST(JsonData, DestroysAnyValue) {

@@ -58,7 +58,7 @@ protected:
             if (url.find(L"publicKey") != std::wstring::npos) {
                 m_publicKeyHeaders = Recording().requestHeaders;
                 Recording().replies = {
-                    {200, R"({"version":"v\u00e9","publicKey":")" + m_peer.PublicKeyText() + "\"}", {}}};
+                    {200, R"({"version":)" + m_version + R"(,"publicKey":")" + m_peer.PublicKeyText() + "\"}", {}}};
                 return;
             }
             const auto key = m_peer.UnwrapTemporaryKey(Narrow(Recording().requestHeaders.at(L"x-zv-tempKey")));
@@ -74,6 +74,7 @@ protected:
     UserSyncKeyService m_keys;
     Headers m_publicKeyHeaders;
     std::string m_asked;  // the data types of the lists
+    std::string m_version = R"("v\u00e9")";
 };
 
 }  // namespace
@@ -109,12 +110,19 @@ TEST_F(UserSyncKeyServiceTest, BothKeysArriveAndAreAnnounced) {
     Recording().duringExchange = [](const std::wstring&) { FAIL() << "nothing is asked when both are there"; };
     EXPECT_TRUE(m_keys.InitUserSyncKey());
     EXPECT_EQ(Recording().TakeOutcome(), Lines{});
+    for (auto* const lastByte :
+         {&m_record.driveKey1[16], &m_record.driveKey3[32], &m_record.photoKey1[16], &m_record.photoKey3[32]}) {
+        *lastByte = 1;
+    }
     m_keys.ClearUserSyncKey();
     EXPECT_FALSE(m_keys.IsSyncDriveKeyInited());
     EXPECT_FALSE(m_keys.IsCloudPhotoKeyInited());
-    EXPECT_EQ(Zeros(m_record.driveKey3), 33U);
-    EXPECT_EQ(Zeros(m_record.photoKey1), 17U);
+    EXPECT_EQ(Zeros(m_record.driveKey1) + Zeros(m_record.photoKey1), 2 * 17U);
+    EXPECT_EQ(Zeros(m_record.driveKey3) + Zeros(m_record.photoKey3), 2 * 33U);
     EXPECT_STREQ(m_record.driveKeyUuid1, L"short-11") << "uuids stay";
+    EXPECT_STREQ(m_record.driveKeyUuid3, L"long-11");
+    EXPECT_STREQ(m_record.photoKeyUuid1, L"short-12");
+    EXPECT_STREQ(m_record.photoKeyUuid3, L"long-12");
 }
 
 TEST_F(UserSyncKeyServiceTest, AKeyThatWasThereIsNotAskedForButAnnounced) {
@@ -157,13 +165,24 @@ TEST_F(UserSyncKeyServiceTest, NoKeyWithoutAUsablePublicKey) {
     // Any JSON goes on, with a token that nobody can open.
     for (const char* body : {"{}", "[]", R"({"publicKey":5,"version":{}})"}) {
         Recording().journal.clear();
-        Recording().replies = {{200, body, {}}, {403, "", {}}, {200, "oops", {}}};
+        Recording().replies = {{200, body, {}}, {201, R"({"keys":[]})", {}}, {200, "oops", {}}};
         EXPECT_FALSE(m_keys.InitUserSyncKey()) << body;
         EXPECT_EQ(Recording().TakeOutcome(),
                   (Lines{"log 10 5 UserSyncKeyService::getUserKeyList get Keylist fail!",
                          "log 10 5 UserSyncKeyService::getUserKeyList convert jsoncontent fail!"}))
             << body;
     }
+}
+
+TEST_F(UserSyncKeyServiceTest, NumbersAreReadAsTexts) {
+    m_version = "7";
+    Serve([](const std::string&, const Bytes& temporaryKey) {
+        std::string entry = Entry("1", temporaryKey, Bytes(16, 1), "number");
+        return R"({"keys":[)" + entry.replace(entry.find("\"number\""), 8, "42") + "]}";
+    });
+    EXPECT_FALSE(m_keys.InitUserSyncKey()) << "no key for the photo library";
+    EXPECT_EQ(Recording().requestHeaders.at(L"x-zv-keyVersion"), L"7");
+    EXPECT_STREQ(m_record.driveKeyUuid1, L"42");
 }
 
 TEST_F(UserSyncKeyServiceTest, WhatAListMayHold) {
@@ -236,6 +255,9 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
         {"short key in the long field", key, key, 3, kSyncDriveDataType, "uuid", true, 16 + 4},
         {"other key type", key, key, 2, kSyncDriveDataType, "uuid", true, 0},
         {"other data type", key, key, 1, L"13", "uuid", true, 0},
+        {"longer data type", key, key, 1, L"11 ", "uuid", true, 0},
+        {"another longer one", key, key, 1, L"123", "uuid", true, 0},
+        {"uuid in UTF-8", key, key, 1, kSyncDriveDataType, "\xC3\xA9", true, 16 + 1},
         {"digest of another key", key, Bytes(16, 2), 1, kSyncDriveDataType, "uuid", false, 0},
         {"failed decryption with its digest", {}, {0}, 1, kSyncDriveDataType, "uuid", true, 0},
     };
@@ -249,4 +271,10 @@ TEST_F(UserSyncKeyServiceTest, EachEntryGoesIntoItsOwnFields) {
             << row.name;
         EXPECT_EQ(sizeof(m_record) - Zeros(m_record), row.changedBytes) << row.name;
     }
+    // What the field held before does not show behind a shorter uuid.
+    std::fill_n(m_record.driveKeyUuid1, 32, L'x');
+    EXPECT_TRUE(UserSyncKeyServiceAccess::Encode(KeyServerPeer::Wrap(kTemporaryKey, key),
+                                                 KeyServerPeer::Wrap(kTemporaryKey, DigestOf(key)), "u", 1,
+                                                 kTemporaryKey, kSyncDriveDataType));
+    EXPECT_STREQ(m_record.driveKeyUuid1, L"u");
 }

@@ -1,6 +1,8 @@
 #include <HttpLib.h>
 
 #include <clocale>
+#include <ctime>
+#include <regex>
 #include <stdexcept>
 #include <thread>
 
@@ -85,7 +87,11 @@ TEST_F(SysConf, OperationsHoldNoLockDuringAnExchangeAndLetNothingOut) {
             throw std::runtime_error("the suite's library failed");
         };
         EXPECT_FALSE(operation());
-        EXPECT_EQ(Recording().TakeOutcome().size(), lines) << "the lines of an exchange that did not take place";
+        const Lines outcome = Recording().TakeOutcome();
+        EXPECT_EQ(outcome.size(), lines) << "the lines of an exchange that did not take place";
+        for (const std::string& line : outcome) {
+            EXPECT_FALSE(std::regex_search(line, std::regex("ode: ?[1-9-]"))) << "no status came: " << line;
+        }
     }
 }
 
@@ -99,6 +105,7 @@ TEST_F(SysConf, InitSysConfReplacesWhatAnEarlierOneSaid) {
         {"nothing yet", 500, on, false, false, false, {}},
         {"all on", 200, on, true, true, true, kAll},
         {"no content", 204, AllSwitches("false"), false, true, true, kAll},
+        {"accepted", 202, AllSwitches("false"), false, true, true, kAll},
         {"no exchange", kHttpTimeout, "", false, true, true, kAll},
         {"not JSON", 200, "{", false, true, true, kAll},
         {"plus sign", 200, R"({"a":+5})", false, true, true, kAll},
@@ -127,6 +134,11 @@ TEST_F(SysConf, InitSysConfReplacesWhatAnEarlierOneSaid) {
 
 TEST_F(SysConf, OperationsLog) {
     constexpr char kOperation[] = "GetSysConfigInfo";
+    constexpr std::clock_t kTicks = 20;  // of a clock that counts milliseconds, whatever CLOCKS_PER_SEC says
+    Recording().duringExchange = [](const std::wstring&) {
+        for (const std::clock_t start = std::clock(); std::clock() - start < kTicks;) {
+        }
+    };
     Recording().replies = {{204, "", {}}, {503, "", {}}};
     ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);
     EXPECT_STREQ(std::localeconv()->decimal_point, ",") << "or the time below would prove nothing";
@@ -138,6 +150,7 @@ TEST_F(SysConf, OperationsLog) {
     EXPECT_EQ(time.rfind("log 0 2 UserAuthService::GetSysConfigInfo --Request basic use time: ", 0), 0U) << time;
     ASSERT_EQ(time.find_last_not_of("0123456789"), time.size() - 7) << "six decimals: " << time;
     EXPECT_EQ(time[time.size() - 7], '.') << time;
+    EXPECT_GE(std::stod(time.substr(time.rfind(' '))), 0.020) << time;
     outcome.pop_back();
     EXPECT_EQ(outcome, Log("2", kOperation, "GetSysConfigInfo httpcode:204") +
                            Log("0", kOperation, "SysConfInit\nUrl:" + kBasicService + "sysConfInit\nHttpCode:204"));
@@ -158,6 +171,8 @@ TEST_F(SysConf, ActiveUserStoresWhatItIsTold) {
         {"not JSON", 200, "", false, true},
         {"array", 200, "[]", false, true},
         {"no result", 200, R"({"userStatus":0})", false, true},
+        {"status a fraction", 200, R"({"result":0,"userStatus":0.5})", false, true},
+        {"result a fraction", 200, R"({"result":0.5,"userStatus":0})", false, true},
         {"status null", 200, R"({"result":0,"userStatus":null})", false, true},
         {"status false", 200, R"({"result":0,"userStatus":false,"params":{"funcfg_drive":"true"}})", false, true},
         {"taken back", 200, R"({"result":0,"userStatus":2})", true, false},

@@ -9,6 +9,9 @@ TEST_F(GetOldVersionUserId, TakesTheLegacySignInOver) {
     const std::string& stamp = kLegacyTimeStamp;
     std::string damaged = LegacyItem("old" + stamp);
     damaged[damaged.size() / 2] = damaged[damaged.size() / 2] == 'A' ? 'B' : 'A';
+    // The ANSI code page takes a full-width letter for the letter.
+    std::string fullWidth = LegacyItem("old" + stamp);
+    fullWidth.replace(0, 1, Narrow(std::wstring(1, static_cast<wchar_t>(0xFEE0 + fullWidth[0]))));
     const std::string taken = std::string("old3\xC3\xA9") + "abcdefghijklmnopqrs";
     const ScriptedReply refreshed{200, R"({"result":{},"token":"at"})", {}};
     const struct {
@@ -22,6 +25,7 @@ TEST_F(GetOldVersionUserId, TakesTheLegacySignInOver) {
         {"not base64", "-", {}, L"", L"", 0},
         {"not a blob", "QUJD", {}, L"", L"", 0},
         {"damaged blob", damaged, {}, L"", L"", 0},
+        {"full-width letters", fullWidth, {}, L"", L"", 0},
         {"a time stamp alone", LegacyItem(stamp), {}, L"", L"", 0},
         {"less than a time stamp", LegacyItem("x"), {}, L"", L"", 0},
         {"a zero byte ends it", LegacyItem(std::string("a\0", 2) + stamp), {}, L"", L"", 0},

@@ -60,6 +60,8 @@ TEST_F(RequestAT, Outcomes) {
          "\"fine\"\n"},
         {"numeric code", 200, kGood + R"("result":{"code":0,"desc":{}}})", true, tokens + Ending("200", "0"), "0",
          "{}\n"},
+        {"a comment becomes part of the code", 200, kGood + "\"result\":{\"code\":\"0\" /* \xC3\xA9 */,\"desc\":\"\"}}",
+         false, tokens + Ending("200", "0 /* \xC3\xA9 */"), "0 /* \xC3\xA9 */", "\"\"\n"},
         {"other code", 200, kGood + R"("result":{"code":"00","desc":"x"}})", false, tokens + Ending("200", "00"), "00",
          "\"x\"\n"},
         {"code of many lines and quotes", 200, kGood + R"("result":{"code":{"A":"b"},"desc":""}})", false,
