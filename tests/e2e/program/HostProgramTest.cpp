@@ -116,8 +116,6 @@ TEST_F(HostProgramSession, AnOperationThatFailsIsAStepThatFails) {
         {L"whoami", "/gateway", "gateway-user-id", R"({"body":"{\"uid\":\"\"}"})"},
         {L"whoami", "/gateway", "sync-server-user-id", R"({"body":"{\"uid\":\"another\"}"})"},
         {L"whoami", "/drive/v1/about", "sync-server-user-id"},
-        {L"profile", user + "users", "profile"},
-        {L"profile", user + "users", "profile", R"({"body":"{}"})"},
         {L"registration", "/pcclient/getRegisterInfo", "registration"},
         {L"modules", "/drive/v1/about", "user-id"},
         {L"modules", pc + "sysConfInit", "system-configuration"},

@@ -26,9 +26,9 @@ TEST_F(RequestApplicationAT, Outcomes) {
             << row.name << ": the last line comes after a success too";
         EXPECT_EQ(UserAuthServiceAccess::ResultCode(*m_service), row.code) << row.name;
         EXPECT_EQ(UserAuthServiceAccess::ApplicationExpires(*m_service), row.expires) << row.name;
+        EXPECT_EQ(UserAuthServiceAccess::Expires(*m_service), 0) << "the user's token has a lifetime of its own";
     }
     EXPECT_EQ(Recording().requestHeaders.at(L"Authorization"), L"user token");
-    EXPECT_EQ(UserAuthServiceAccess::Expires(*m_service), 0) << "the user's token has a lifetime of its own";
     EXPECT_EQ(Recording().postData, L"null\n");
     EXPECT_EQ(Recording().url.substr(0, 70), L"https://portal.example.com/pcclient/getAppAccessToken?traceId=10006_11");
 }
