@@ -29,7 +29,7 @@ TEST_F(ExchangeAllocations, MayFailInEveryExchange) {
         start({otherOrigin, false, true}),
         start({}),
         start({anew, false, true, NewContext(Identity("x", other, &m_authority), true)})};
-    const std::string toHttp = "/to?http://127.0.0.1:" + std::to_string(spared[5]->port) + "/a";
+    const std::string toHttp = "/to/http://127.0.0.1:" + std::to_string(spared[5]->port) + "/a";
     const Form text = Form::kText;
     const Form download = Form::kDownload;
     const std::string none;
