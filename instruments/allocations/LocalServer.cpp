@@ -53,10 +53,8 @@ std::string ReplyTo(const std::string& request, bool keeps) {
     if (path == "/moved") {
         return Reply("HTTP/1.1 302 X\r\nLocation: /a\r\n" + close, LocalBody());
     }
-    if (path == "/to") {
-        const std::size_t target = kPathAt + path.size() + 1;
-        const std::string location = request.substr(target, request.find(' ', target) - target);
-        return Reply("HTTP/1.1 302 X\r\nLocation: " + location + "\r\n" + close, "");
+    if (path.rfind("/to/", 0) == 0) {
+        return Reply("HTTP/1.1 302 X\r\nLocation: " + path.substr(4) + "\r\n" + close, "");
     }
     if (path == "/chunks") {
         return ok + "Transfer-Encoding: chunked\r\nX-A: b\r\n\r\n28\r\n" + LocalBody() + "\r\n0\r\n\r\n";

@@ -23,7 +23,7 @@ struct LocalServer {
     int port = 0;
 };
 
-// The decoded body of "/a", "/chunks", "/gzip", "/deflate", "/br" and of "/moved", which leads to "/a"; "/to?URL" leads
+// The decoded body of "/a", "/chunks", "/gzip", "/deflate", "/br" and of "/moved", which leads to "/a"; "/to/URL" leads
 // to that URL, and "/missing" is 404.
 const std::string& LocalBody();
 // Of "/long".

@@ -135,7 +135,8 @@ std::string PemOf(X509* certificate) {
 }
 
 bool IsRead(X509* certificate) {
-    return X509_check_purpose(certificate, -1, 0) == 1 && X509_get0_pubkey(certificate) != nullptr;
+    EVP_PKEY* const key = X509_get0_pubkey(certificate);
+    return X509_check_purpose(certificate, -1, 0) == 1 && key != nullptr && EVP_PKEY_security_bits(key) > 0;
 }
 
 // A certificate for whose key or extensions OpenSSL had no memory stays without them, or invalid, for good; and the
