@@ -70,6 +70,7 @@ std::vector<SentCase> SentCases() {
         {"GET sends no body", "GET / HTTP/1.1\r\n", "null", {}, false, L"null\n"},
         {"GET sends no length", "\r\n\r\n", "Content-", {}, false, L"null\n"},
         {"POST body in UTF-8", "Content-Length: 2\r\n\r\n\xC3\xA4", "Content-Type", {}, true, L"\u00E4"},
+        {"POST body with a zero byte", "\r\nContent-Length: 3\r\n", "?", {}, true, std::wstring(L"a\0b", 3)},
         {"empty POST", "POST / HTTP/1.1\r\n", "Content-Type", {}, true},
         {"empty POST has a length", "\r\nContent-Length: 0\r\n", "?", {}, true},
         {"large POST without Expect", "\r\nContent-Length: 2097152\r\n", "Expect", {}, true, largeBody},
