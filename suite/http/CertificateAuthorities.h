@@ -21,8 +21,8 @@ void SetDefaultAuthoritiesPath(const std::wstring& path);
 
 // The authorities of a request: of its own file, else of the default file, else none. Of the files read last a few
 // are kept for as long as their size and time stay; of those that could not be read for want of memory, or because they
-// are damaged, none. Null when the file cannot be read, is larger than any sensible
-// bundle, or holds no certificate. Any thread.
+// are damaged, none. Null when the file cannot be read, is larger than any sensible bundle, holds no certificate or one
+// that does not begin with its line. Any thread.
 std::shared_ptr<const Authorities> AuthoritiesFor(const std::wstring& ownPath);
 
 }  // namespace suite

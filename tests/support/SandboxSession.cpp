@@ -123,6 +123,8 @@ void SandboxSession::UsePlatform(const std::string& baseUrl) {
         settings[key] = baseUrl;
     }
     settings["gatewayUrl"] = baseUrl + "/gateway";
+    settings["countryCode"] = "";  // as these two are at first: another test of the process may have set them
+    settings["clientMode"] = "1";
     settings["appDataLocalPath"] = m_folder.u8string();
     // The device keeps its identity for the life of the process, as the service expects.
     settings["stateFolder"] = TemporaryFolder(L"userauth-device").u8string();

@@ -45,6 +45,18 @@ protected:
         m_secrets["drive key 3"] = Text(record.driveKey3);
         m_secrets["photo key 1"] = Text(record.photoKey1);
         m_secrets["photo key 3"] = Text(record.photoKey3);
+        ExportAndAskForHeaders();
+        m_sandbox.Fault("/pcclient/refreshtoken", R"({"status":500})");
+        EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
+        EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
+        m_secrets["second access token"] = Narrow(m_service->GetCurrentAT());
+        UserSyncKeyService().ClearUserSyncKey();
+        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str()))
+            << "a code that is used again ends its session";
+    }
+
+    // With the portal's cookies and the token in the URL, from a host that is not there and from the sandbox.
+    void ExportAndAskForHeaders() {
         const auto cookies = m_sandbox.PortalCookies();
         for (const auto& [name, value] : cookies) {
             m_secrets["cookie " + Narrow(name)] = Narrow(value);
@@ -55,13 +67,6 @@ protected:
             std::map<std::string, std::string> headers;
             m_service->GetRtqRemoteInfo(url + L"/routing/v1/remote?access_token=" + m_service->GetCurrentAT(), headers);
         }
-        m_sandbox.Fault("/pcclient/refreshtoken", R"({"status":500})");
-        EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
-        EXPECT_TRUE(m_service->GetAccessTokenByRefrshToken());
-        m_secrets["second access token"] = Narrow(m_service->GetCurrentAT());
-        UserSyncKeyService().ClearUserSyncKey();
-        EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str()))
-            << "a code that is used again ends its session";
     }
 
     std::map<std::string, std::string> m_secrets;

@@ -100,7 +100,7 @@ TEST_F(LoggerTest, FullFilesMoveOnAndTheOldestGoes) {
     const auto linesIn = [this](const wchar_t* name) {
         std::string lines;
         const std::string text = ReadBack(name);
-        for (std::size_t at = text.find("<"); at != std::string::npos; at = text.find("<", at + 1)) {
+        for (std::size_t at = text.find('<'); at != std::string::npos; at = text.find('<', at + 1)) {
             lines += text.substr(at + 1, text.find('>', at) - at - 1) + " ";
         }
         return lines;
