@@ -90,7 +90,8 @@ KnownAuthorities& Shared() {
 // How often a certificate begins in the text, wherever on its line.
 int CertificateCount(const std::string& pem) {
     int count = 0;
-    for (const std::string_view begin : {"-----BEGIN CERTIFICATE-----", "-----BEGIN TRUSTED CERTIFICATE-----"}) {
+    for (const std::string_view begin :
+         {"-----BEGIN CERTIFICATE-----", "-----BEGIN TRUSTED CERTIFICATE-----", "-----BEGIN X509 CERTIFICATE-----"}) {
         for (std::size_t at = pem.find(begin); at != std::string::npos; at = pem.find(begin, at + begin.size())) {
             ++count;
         }

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "CurlHandlePool.h"
 #include "PlatformVerdict.h"
@@ -19,17 +20,40 @@ struct NamesDeleter {
     void operator()(GENERAL_NAMES* names) const { GENERAL_NAMES_free(names); }
 };
 
-// Where an address is asked for, which one is judged when the handshake is over: see RefuseOtherAddress.
-bool NamesAHost(const X509* certificate) {
-    const std::unique_ptr<GENERAL_NAMES, NamesDeleter> names(
+using HostNames = std::unique_ptr<GENERAL_NAMES, NamesDeleter>;
+
+// Null when there are none, or no memory to read them.
+HostNames NamesOf(const X509* certificate) {
+    return HostNames(
         static_cast<GENERAL_NAMES*>(X509_get_ext_d2i(certificate, NID_subject_alt_name, nullptr, nullptr)));
-    for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
-        const int type = sk_GENERAL_NAME_value(names.get(), i)->type;
-        if (type == GEN_DNS || type == GEN_IPADD) {
-            return true;
-        }
+}
+
+std::string_view WithoutDotAtEnd(std::string_view name) {
+    return !name.empty() && name.back() == '.' ? name.substr(0, name.size() - 1) : name;
+}
+
+bool SameName(std::string_view one, std::string_view other) {
+    return one.size() == other.size() && curl_strnequal(one.data(), other.data(), one.size()) != 0;
+}
+
+// By libcurl's rule. OpenSSL's knows no label with an underscore behind or beside a star, and no dot at the end.
+bool Matches(std::string_view pattern, std::string_view host) {
+    pattern = WithoutDotAtEnd(pattern);
+    host = WithoutDotAtEnd(host);
+    const std::size_t firstDot = host.find('.');
+    const bool isWildcard = pattern.substr(0, 2) == "*." && pattern.find('.', 2) != std::string_view::npos;
+    return SameName(pattern, host) ||
+           (isWildcard && firstDot != std::string_view::npos && SameName(pattern.substr(1), host.substr(firstDot)));
+}
+
+// Without a host an address is asked for. Which one is judged when the handshake is over: see RefuseOtherAddress.
+bool IsFor(const GENERAL_NAME* name, std::string_view host) {
+    if (host.empty()) {
+        return name->type == GEN_IPADD || name->type == GEN_DNS;
     }
-    return false;
+    return name->type == GEN_DNS && Matches({reinterpret_cast<const char*>(ASN1_STRING_get0_data(name->d.dNSName)),
+                                             static_cast<std::size_t>(ASN1_STRING_length(name->d.dNSName))},
+                                            host);
 }
 
 CertificateBytes BytesOf(const X509* certificate) {
@@ -59,10 +83,14 @@ const char* ServerName(X509_STORE_CTX* context) {
 // libcurl checks the name too, but falls back to the subject's common name, which RFC 9525 retired, where a certificate
 // names no host, and where there is no memory to read the names.
 bool NamesTheHost(X509_STORE_CTX* context) {
-    X509* const certificate = X509_STORE_CTX_get0_cert(context);
-    constexpr unsigned kFlags = X509_CHECK_FLAG_NEVER_CHECK_SUBJECT | X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS;
-    const char* const name = ServerName(context);
-    return *name != '\0' ? X509_check_host(certificate, name, 0, kFlags, nullptr) == 1 : NamesAHost(certificate);
+    const HostNames names = NamesOf(X509_STORE_CTX_get0_cert(context));
+    const std::string_view host = ServerName(context);
+    for (int i = 0; i < sk_GENERAL_NAME_num(names.get()); ++i) {
+        if (IsFor(sk_GENERAL_NAME_value(names.get(), i), host)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 int JudgedByPlatform(X509_STORE_CTX* context, X509_STORE*) {

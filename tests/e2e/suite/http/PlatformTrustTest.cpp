@@ -92,6 +92,8 @@ TEST_F(HttpTrust, WindowsAndAnAuthorityFileJudgeAlike) {
         {"right name", "200", L"localhost", "DNS:localhost"},
         {"another address", "-6 ", address, "IP:127.0.0.2"},
         {"another name", "-6 ", L"localhost", "DNS:other.example"},
+        {"star before a name", "200", L"a_b.zone.localhost", "DNS:*.zone.localhost"},
+        {"star before another", "-6 ", L"a.zone.localhost", "DNS:*.other.localhost"},
         {"a common name alone", "-6 ", address, nullptr},
         {"a common name and a mail address", "-6 ", address, "email:a@b.example"},
         {"expired", "-5 certificate has expired", address, local, server, -60, -30},
