@@ -36,15 +36,9 @@ protected:
         m_secrets["refresh token"] = Narrow(m_service->GetCurrentRT());
         EXPECT_TRUE(m_service->RequestApplicationAT());
         m_secrets["application token"] = Narrow(GlobalParamWrapper::GetInstance()->GetAppAT());
-        EXPECT_TRUE(m_service->RequestUserID());
-        EXPECT_TRUE(m_service->RequestUserInfo());
-        EXPECT_TRUE(m_service->InitSysConf());
-        EXPECT_TRUE(UserSyncKeyService().InitUserSyncKey());
-        const st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
-        m_secrets["drive key 1"] = Text(record.driveKey1);
-        m_secrets["drive key 3"] = Text(record.driveKey3);
-        m_secrets["photo key 1"] = Text(record.photoKey1);
-        m_secrets["photo key 3"] = Text(record.photoKey3);
+        EXPECT_TRUE(m_service->RequestUserID() && m_service->RequestUserInfo() && m_service->InitSysConf() &&
+                    UserSyncKeyService().InitUserSyncKey());
+        KeepKeys();
         ExportAndAskForHeaders();
         m_sandbox.Fault("/pcclient/refreshtoken", R"({"status":500})");
         EXPECT_FALSE(m_service->GetAccessTokenByRefrshToken());
@@ -53,6 +47,14 @@ protected:
         UserSyncKeyService().ClearUserSyncKey();
         EXPECT_FALSE(m_service->RequestAT("", m_secrets["code"].c_str()))
             << "a code that is used again ends its session";
+    }
+
+    void KeepKeys() {
+        const st_UserInfo& record = GlobalParamWrapper::GetInstance()->GetUserInfo();
+        m_secrets["drive key 1"] = Text(record.driveKey1);
+        m_secrets["drive key 3"] = Text(record.driveKey3);
+        m_secrets["photo key 1"] = Text(record.photoKey1);
+        m_secrets["photo key 3"] = Text(record.photoKey3);
     }
 
     // With the portal's cookies and the token in the URL, from a host that is not there and from the sandbox.
