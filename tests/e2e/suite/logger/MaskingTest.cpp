@@ -137,9 +137,9 @@ TEST_F(Masking, KnownSecretReachesNoSinkInAnyForm) {
         Logger::OutputOperationLog(1, 2, 3, {{L"a", Wide(row) + L" kept"}, {Wide(row), L""}});
     }
     Write(utf16 + L"kept", kSeverityFailure);
-    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(secret) + L" beyond");  // cut in the middle
-    Write(std::wstring(64 * 1024 - 3, L'x') + Wide(rows[2]));
-    EXPECT_NE(ReadBack(L"client.log").find("xxx*** [cut: 19 more]\n"), std::string::npos);
+    Write(std::wstring(64 * 1024 - 3, L'-') + Wide(secret) + L" beyond");  // cut in the middle
+    Write(std::wstring(64 * 1024 - 3, L'-') + Wide(rows[2]));
+    EXPECT_NE(ReadBack(L"client.log").find("---*** [cut: 19 more]\n"), std::string::npos);
     for (const std::string& text :
          {ReadBack(L"client.log"), ReadBack(L"client.log.operations.jsonl"), testing::internal::GetCapturedStderr()}) {
         EXPECT_GE(CountOf("kept", text), std::size(rows));
