@@ -48,6 +48,9 @@ TEST(HostArguments, WhatIsWrongIsSaidInOneLineWithoutSecrets) {
         {L"status --platform secret@h", "***@h"},
         {L"status --sdk-platform ftp://h", "--sdk-platform: "},
         {L"sign-in", "no platform given"},
+        {L"sign-in --platform ftp://x", "ftp://x"},
+        {L"sign-in --config Z:\\absent.json", "absent.json"},
+        {L"no-such-command", "no-such-command"},
     };
     for (const auto& row : rows) {
         const Userauth run(row.arguments);
